@@ -1,0 +1,67 @@
+// Everything that a host calls, in one header.
+//
+// `sabrel::GSabrel` holds the component's operations as free functions; each forwards to the module that owns it.
+// Arguments are handed on as given; defaults are those of the signatures here and are never read again on the way.
+// Install a platform first (platform.h). State belongs to the calling thread; `UnloadThread` ends a thread's use.
+//
+//   sabrel::InstallPlatform(...);
+//   const auto id = sabrel::GSabrel::ExecuteQueryReturningLong("SELECT MAX(Id) FROM PM_REPORT");
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "sabrel/core/error_object.h"
+#include "sabrel/platform/date.h"
+#include "sabrel/platform/platform.h"
+#include "sabrel/platform/recordset.h"
+#include "sabrel/platform/variant.h"
+#include "sabrel/sql/db_literal.h"
+
+namespace sabrel::GSabrel {
+
+// Errors: see error_object.h.
+void ClearConnectionError();
+[[nodiscard]] bool CheckConnectionError();
+[[nodiscard]] std::shared_ptr<CErrorObject> SabrelErrorObject();
+[[nodiscard]] std::shared_ptr<ErrorHandler> SabrelErrorHandler();
+
+// Statements: see query_execution.h.
+[[nodiscard]] std::shared_ptr<Recordset> ExecuteQuery(
+    std::string_view sSql, bool fDataRequired = false, std::string_view sHostName = "",
+    std::int32_t nPortNumber = 0, std::string_view sUserName = "", std::string_view sPassword = "",
+    std::int32_t nTimeOut = 60);
+void ExecuteRequest(std::string_view sSql);
+void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
+[[nodiscard]] std::int32_t ExecuteFunctionReturningLong(std::string_view sProc,
+                                                        std::string_view sArgs);
+[[nodiscard]] std::string ExecuteFunctionReturningString(std::string_view sProc,
+                                                         std::string_view sArgs);
+[[nodiscard]] std::int32_t ExecuteQueryReturningLong(std::string_view sQuery,
+                                                     std::int32_t iDefault = 0);
+[[nodiscard]] std::string ExecuteQueryReturningString(std::string_view sQuery,
+                                                      std::string_view sDefault = "");
+[[nodiscard]] Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault = {});
+[[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
+
+// SQL literals: see literals.h.
+[[nodiscard]] CDBLiteral DBLiteral(std::string_view s);
+[[nodiscard]] CDBLiteral DBStr(std::string_view s);
+[[nodiscard]] CDBLiteral DBOrd(std::int32_t ord);
+[[nodiscard]] CDBLiteral DBInt(std::int32_t i, std::int32_t iNull = 0);
+[[nodiscard]] CDBLiteral DBFloat(double i, std::int32_t iNull = 0);
+[[nodiscard]] CDBLiteral DBDateString(std::string_view sDate, std::string_view sFormat);
+[[nodiscard]] CDBLiteral DateToDBString(const Date& d);
+[[nodiscard]] CDBLiteral CurrentDateTime();
+[[nodiscard]] CDBLiteral NextInSequence(std::string_view sSequence);
+[[nodiscard]] Date GetCurrentDateTime();
+[[nodiscard]] std::int32_t GetNextInSequence(std::string_view sSequence);
+[[nodiscard]] std::string DBArg(const Variant& v);
+[[nodiscard]] std::string DBArgs(std::span<const Variant> vArgs);
+[[nodiscard]] std::string DBSetArgs(std::span<const Variant> vArgs);
+[[nodiscard]] std::string PadStr(std::string_view s);
+
+}  // namespace sabrel::GSabrel

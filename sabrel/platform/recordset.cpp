@@ -1,0 +1,143 @@
+#include "sabrel/platform/recordset.h"
+
+#include <utility>
+
+#include "sabrel/platform/runtime_error.h"
+#include "sabrel/platform/utf8.h"
+
+namespace sabrel {
+namespace {
+
+DataServerAddress AddressOf(std::string_view host, std::int32_t port, std::string_view user,
+                            std::string_view password, std::int32_t timeout_s) {
+  return {std::string(host), port, std::string(user), std::string(password), timeout_s};
+}
+
+}  // namespace
+
+void Recordset::Open(std::string_view sql, std::string_view host, std::int32_t port,
+                     std::string_view user, std::string_view password, std::int32_t timeout_s) {
+  Close();
+  cursor_ = Deref(link_).Query(sql, AddressOf(host, port, user, password, timeout_s));
+  try {
+    names_ = Deref(cursor_).ColumnNames();
+    std::size_t bytes = 0;
+    while (cursor_ && bytes < kOpenBytes) {
+      ReadBlock();
+      if (!blocks_.empty()) bytes += blocks_.back().Bytes();
+    }
+  } catch (...) {
+    Close();
+    throw;
+  }
+  open_ = true;
+}
+
+void Recordset::Execute(std::string_view sql, std::string_view host, std::int32_t port,
+                        std::string_view user, std::string_view password, std::int32_t timeout_s) {
+  Deref(link_).Execute(sql, AddressOf(host, port, user, password, timeout_s));
+}
+
+void Recordset::ReadBlock() {
+  // A cursor that failed once must fail whoever moves next, never look like the end of the rows.
+  if (failure_) std::rethrow_exception(failure_);
+  RowBlock block(names_.size());
+  try {
+    if (!cursor_->Fetch(block, kBlockBytes)) cursor_.reset();
+  } catch (...) {
+    failure_ = std::current_exception();
+    throw;
+  }
+  if (block.Rows() == 0) return;
+  block.Pack();
+  rows_read_ += block.Rows();
+  blocks_.push_back(std::move(block));
+}
+
+std::int32_t Recordset::RecordCount() {
+  RequireOpen();
+  while (cursor_) ReadBlock();
+  return static_cast<std::int32_t>(rows_read_);
+}
+
+bool Recordset::EndOfFile() const {
+  RequireOpen();
+  return blocks_.empty();
+}
+
+void Recordset::MoveNext() {
+  RequireOpen();
+  if (blocks_.empty()) throw RuntimeError(RuntimeErrorNumber::kNoCurrentRecord);
+  // The next block is read before the last row is left: a failure then leaves the reader where it was.
+  const bool block_ends = row_in_block_ + 1 >= blocks_.front().Rows();
+  if (block_ends) {
+    while (cursor_ && blocks_.size() == 1) ReadBlock();
+    blocks_.pop_front();
+    row_in_block_ = 0;
+  } else {
+    ++row_in_block_;
+  }
+}
+
+FieldList Recordset::Fields() const {
+  RequireOpen();
+  return FieldList(*this);
+}
+
+void Recordset::Close() noexcept {
+  cursor_.reset();
+  failure_ = nullptr;
+  names_.clear();
+  blocks_.clear();
+  row_in_block_ = 0;
+  rows_read_ = 0;
+  open_ = false;
+}
+
+void Recordset::RequireOpen() const {
+  if (!open_) throw RuntimeError(RuntimeErrorNumber::kObjectClosed);
+}
+
+const RowBlock& Recordset::CurrentBlock() const {
+  RequireOpen();
+  if (blocks_.empty()) throw RuntimeError(RuntimeErrorNumber::kNoCurrentRecord);
+  return blocks_.front();
+}
+
+std::int32_t FieldList::Count() const {
+  return static_cast<std::int32_t>(recordset_->names_.size());
+}
+
+Field FieldList::Item(std::string_view name) const {
+  for (std::size_t i = 0; i < recordset_->names_.size(); ++i) {
+    if (EqualIgnoringCase(recordset_->names_[i], name)) return {*recordset_, i};
+  }
+  throw RuntimeError(RuntimeErrorNumber::kNoSuchField,
+                     "No such field in the record: " + std::string(name));
+}
+
+Field FieldList::Item(std::int32_t ordinal) const {
+  if (ordinal < 0 || ordinal >= Count()) throw RuntimeError(RuntimeErrorNumber::kNoSuchField);
+  return {*recordset_, static_cast<std::size_t>(ordinal)};
+}
+
+const std::string& Field::Name() const {
+  recordset_->RequireOpen();
+  return recordset_->names_[ordinal_];
+}
+
+Variant Field::Value() const {
+  return recordset_->CurrentBlock().Cell(recordset_->row_in_block_, ordinal_);
+}
+
+bool Field::IsNull() const { return Kind() == VariantKind::kNull; }
+
+VariantKind Field::Kind() const {
+  return recordset_->CurrentBlock().CellKind(recordset_->row_in_block_, ordinal_);
+}
+
+std::string_view Field::Text() const {
+  return recordset_->CurrentBlock().CellText(recordset_->row_in_block_, ordinal_);
+}
+
+}  // namespace sabrel

@@ -1,0 +1,79 @@
+#include "sabrel/platform/runtime_error.h"
+
+#include <new>
+#include <utility>
+
+namespace sabrel {
+namespace {
+
+constexpr std::string_view kSource = "Sabrel";
+
+std::string UsualDescription(RuntimeErrorNumber number) {
+  switch (number) {
+    case RuntimeErrorNumber::kInvalidCall: return "Invalid procedure call or argument";
+    case RuntimeErrorNumber::kOverflow: return "Overflow";
+    case RuntimeErrorNumber::kOutOfMemory: return "Out of memory";
+    case RuntimeErrorNumber::kSubscript: return "Subscript out of range";
+    case RuntimeErrorNumber::kDivisionByZero: return "Division by zero";
+    case RuntimeErrorNumber::kTypeMismatch: return "Type mismatch";
+    case RuntimeErrorNumber::kInternal: return "Internal error";
+    case RuntimeErrorNumber::kObjectNotSet: return "Object variable not set";
+    case RuntimeErrorNumber::kInvalidUseOfNull: return "Invalid use of null";
+    case RuntimeErrorNumber::kDuplicateKey:
+      return "This key is already associated with an element of this collection";
+    case RuntimeErrorNumber::kNoCurrentRecord: return "No current record";
+    case RuntimeErrorNumber::kNoSuchField: return "No such field in the record";
+    case RuntimeErrorNumber::kObjectClosed: return "The recordset is not open";
+  }
+  return "Application-defined error";
+}
+
+}  // namespace
+
+RuntimeError::RuntimeError(std::int32_t number, std::string source, std::string description,
+                           std::string help_file, std::int32_t help_context)
+    : number_(number),
+      help_context_(help_context),
+      source_(std::move(source)),
+      description_(std::move(description)),
+      help_file_(std::move(help_file)) {}
+
+RuntimeError::RuntimeError(RuntimeErrorNumber number)
+    : RuntimeError(number, UsualDescription(number)) {}
+
+RuntimeError::RuntimeError(RuntimeErrorNumber number, std::string description)
+    : RuntimeError(static_cast<std::int32_t>(number), std::string(kSource),
+                   std::move(description)) {}
+
+void RuntimeError::Origin(std::string_view module, std::string_view procedure) {
+  module_ = module;
+  procedure_ = procedure;
+}
+
+RuntimeError FailureOf(const std::exception_ptr& exception) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (const RuntimeError& failure) {
+    return failure;
+  } catch (const std::bad_alloc&) {
+    return RuntimeError(RuntimeErrorNumber::kOutOfMemory);
+  } catch (const std::exception& foreign) {
+    return {RuntimeErrorNumber::kInternal, foreign.what()};
+  } catch (...) {
+    return RuntimeError(RuntimeErrorNumber::kInternal);
+  }
+}
+
+RuntimeError CurrentFailure() { return FailureOf(std::current_exception()); }
+
+std::int32_t CarriedCode(std::int32_t number) noexcept {
+  const auto bits = static_cast<std::uint32_t>(number);
+  return (bits >> 16U) == 0x8004U ? static_cast<std::int32_t>(bits & 0xFFFFU) : 0;
+}
+
+std::int32_t CarriedConnectionCode(std::int32_t number) noexcept {
+  const std::int32_t code = CarriedCode(number) - kConnectionErrorBase;
+  return code > 0 && code < 100 ? code : 0;
+}
+
+}  // namespace sabrel

@@ -1,0 +1,104 @@
+// The one exception type that crosses the component's surface, and the numbers it carries.
+//
+// A failure is a number with a source and a description. Three ranges of numbers exist: small ones for run-time
+// failures (13 type mismatch, 94 invalid use of null, ...), `0x80040000 + code` for the component's own codes, and
+// the two ranges below for what the Data Server reports. Nothing else is thrown: a foreign exception is turned into
+// number 51, memory exhaustion into number 7.
+//
+//   try { ... } catch (const sabrel::RuntimeError& failure) { std::cerr << failure.Description(); }
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace sabrel {
+
+/// Numbers of run-time failures that callers test for.
+enum class RuntimeErrorNumber : std::int32_t {
+  kInvalidCall = 5,
+  kOverflow = 6,
+  kOutOfMemory = 7,
+  kSubscript = 9,
+  kDivisionByZero = 11,
+  kTypeMismatch = 13,
+  kInternal = 51,
+  kObjectNotSet = 91,
+  kInvalidUseOfNull = 94,
+  kDuplicateKey = 457,
+  kNoCurrentRecord = 3021,
+  kNoSuchField = 3265,
+  kObjectClosed = 3704,
+};
+
+/// Base of every number that carries a code in its low 16 bits.
+inline constexpr std::int32_t kCodeBase = static_cast<std::int32_t>(0x80040000U);
+/// The code that marks a database failure; its native number stays with the data-access layer.
+inline constexpr std::int32_t kDatabaseErrorCode = 28004;
+/// A connection failure with code c carries this plus c.
+inline constexpr std::int32_t kConnectionErrorBase = 28100;
+
+/// Connection-failure codes of the Data Server, as users are told about them.
+enum class ConnectionFailure : std::int32_t {
+  kConnectTimeOut = 23,
+  kReceiveTimeOut = 24,
+  kRefusedOrSevered = 30,
+  kHostUnknown = 31,
+  kNetworkFailed = 33,
+};
+
+class RuntimeError : public std::exception {
+ public:
+  RuntimeError(std::int32_t number, std::string source, std::string description,
+               std::string help_file = {}, std::int32_t help_context = 0);
+
+  /// A run-time failure with its usual English description.
+  explicit RuntimeError(RuntimeErrorNumber number);
+  /// The same with a description of its own.
+  RuntimeError(RuntimeErrorNumber number, std::string description);
+
+  [[nodiscard]] std::int32_t Number() const noexcept { return number_; }
+  [[nodiscard]] const std::string& Source() const noexcept { return source_; }
+  [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+  [[nodiscard]] const std::string& HelpFile() const noexcept { return help_file_; }
+  [[nodiscard]] std::int32_t HelpContext() const noexcept { return help_context_; }
+  /// Module and procedure that raised a component code; empty for every other failure.
+  [[nodiscard]] const std::string& Module() const noexcept { return module_; }
+  [[nodiscard]] const std::string& Procedure() const noexcept { return procedure_; }
+  void Origin(std::string_view module, std::string_view procedure);
+
+  [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+ private:
+  std::int32_t number_;
+  std::int32_t help_context_;
+  std::string source_;
+  std::string description_;
+  std::string help_file_;
+  std::string module_;
+  std::string procedure_;
+};
+
+/// The failure that `exception` stands for: itself when it is a RuntimeError, number 7 for exhausted memory,
+/// number 51 with its text for anything else.
+/// Errors: none
+[[nodiscard]] RuntimeError FailureOf(const std::exception_ptr& exception);
+
+/// The failure now being handled; to be called inside a `catch` only.
+[[nodiscard]] RuntimeError CurrentFailure();
+
+/// The code that `number` carries: its low 16 bits when the high ones are 0x8004, else 0.
+[[nodiscard]] std::int32_t CarriedCode(std::int32_t number) noexcept;
+
+/// The connection-failure code that `number` carries, else 0.
+[[nodiscard]] std::int32_t CarriedConnectionCode(std::int32_t number) noexcept;
+
+/// Dereferences what may be absent: an absent object raises 91 instead of crashing.
+template <class Pointer>
+[[nodiscard]] decltype(auto) Deref(const Pointer& pointer) {
+  if (!pointer) throw RuntimeError(RuntimeErrorNumber::kObjectNotSet);
+  return *pointer;
+}
+
+}  // namespace sabrel

@@ -1,0 +1,186 @@
+#include "sabrel/core/query_execution.h"
+
+#include <gmock/gmock.h>
+
+#include "sabrel/core/error_object.h"
+#include "tests/support/scripted_platform.h"
+
+namespace sabrel {
+namespace {
+
+using namespace MSabrel;
+using testing::Refuse;
+using testing::Rows;
+using testing::ScriptedPlatform;
+
+class QueryExecution : public ::testing::Test {
+ protected:
+  ScriptedPlatform platform;
+};
+
+constexpr auto kDefaults = " host= port=0 user= password= timeout=";
+
+TEST_F(QueryExecution, AQueryIsOpenedTracedAndHandedOut) {
+  platform.trace = true;
+  platform.Answer(Rows{{"ID"}, {{Variant(7)}}});
+  const auto rows = ExecuteQuery("SELECT 1", true, "h", 5, "u", "p", 9);
+  ASSERT_TRUE(rows);
+  EXPECT_EQ(platform.Conversation(),
+            "make recordset\n"
+            "query [SELECT 1] host=h port=5 user=u password=p timeout=9\n"
+            "fetch\n"
+            "trace switch\n"
+            "trace ExecuteQuery returned 1 row(s).\r\nQuery: SELECT 1\n");
+  EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(7));
+}
+
+TEST_F(QueryExecution, AFailedQueryIsShownAndComesBackAsNothing) {
+  platform.Answer(Refuse(942, "no table"));
+  EXPECT_EQ(ExecuteQuery("SELECT 1"), nullptr);
+  EXPECT_EQ(platform.Conversation(),
+            "make recordset\n"
+            "query [SELECT 1] host= port=0 user= password= timeout=60\n"
+            "notify\n"
+            "box 16 [Norvasta] Error ExecuteQuery:Error: 942\r\nDescription: no table (detail)\r\n"
+            "Source: Oracle (server)\n"
+            "log Query: SELECT 1\n");
+  EXPECT_EQ(SabrelErrorObject()->DBNumber(), 942);
+}
+
+TEST_F(QueryExecution, NoRowsAreAFailureOnlyWhereDataIsRequired) {
+  platform.trace = true;
+  const auto rows = ExecuteQuery("S");
+  ASSERT_TRUE(rows);
+  EXPECT_TRUE(rows->EndOfFile());
+  static_cast<void>(platform.Conversation());
+  EXPECT_EQ(ExecuteQuery("S", true), nullptr);
+  EXPECT_EQ(platform.Conversation(),
+            "make recordset\nquery [S] host= port=0 user= password= timeout=60\nfetch\nnotify\n"
+            "box 16 [Norvasta] Error ExecuteQuery:An unexpected error occurred\nlog Query: S\n");
+  EXPECT_EQ(SabrelErrorObject()->Description(), "Query returned no records.");
+  EXPECT_EQ(CarriedCode(SabrelErrorObject()->Number()), sabNoDataError);
+}
+
+TEST_F(QueryExecution, RequestsShareOneChannelAndRaiseTheirFailures) {
+  platform.trace = true;
+  platform.Answer(Refuse(1, "dup"));
+  try {
+    ExecuteRequest("INSERT");
+    ADD_FAILURE() << "not raised";
+  } catch (const RuntimeError& failure) {
+    EXPECT_EQ(CarriedCode(failure.Number()), kDatabaseErrorCode);
+    EXPECT_EQ(failure.Description(), "dup");
+  }
+  ExecuteRequest("DELETE");
+  EXPECT_EQ(platform.Conversation(),
+            std::string("make recordset\nexecute [INSERT]") + kDefaults + "0\ntrace switch\n" +
+                "trace ExecuteRequest failed.\r\nError: 1\r\nDescription: dup (detail)\r\n"
+                "Source: Oracle (server)\r\nQuery: INSERT\n" +
+                "execute [DELETE]" + kDefaults + "0\ntrace switch\n" +
+                "trace ExecuteRequest succeeded.\r\nQuery: DELETE\n");
+}
+
+TEST_F(QueryExecution, SingleValuesFallBackToTheirDefault) {
+  const Date day(5.0);
+  const struct {
+    const char* name;
+    Rows answer;
+    std::int32_t number;
+    const char* text;
+    Date date;
+  } rows[] = {
+      {"no row", {{"A"}, {}}, -9, "none", day},
+      {"null", {{"A"}, {{Variant(Null{})}}}, -9, "none", day},
+      {"text", {{"A"}, {{Variant("12")}, {Variant("13")}}}, 12, "12", Date(0)},
+      {"date", {{"A"}, {{Variant(Date(7.0))}}}, 7, "01/06/1900", Date(7.0)},
+  };
+  for (const auto& row : rows) {
+    platform.Answer(row.answer);
+    EXPECT_EQ(ExecuteQueryReturningLong("Q", -9), row.number) << row.name;
+    platform.Answer(row.answer);
+    EXPECT_EQ(ExecuteQueryReturningString("Q", "none"), row.text) << row.name;
+    platform.Answer(row.answer);
+    if (std::string_view(row.name) == "text") {
+      EXPECT_THROW(static_cast<void>(ExecuteQueryReturningDate("Q", day)), RuntimeError);
+    } else {
+      EXPECT_EQ(ExecuteQueryReturningDate("Q", day), row.date) << row.name;
+    }
+    EXPECT_EQ(platform.OpenCursors(), 0) << row.name;
+    const std::string conversation = platform.Conversation();
+    EXPECT_THAT(conversation, ::testing::HasSubstr(std::string("query [Q]") + kDefaults + "0\n"));
+    EXPECT_THAT(conversation, ::testing::Not(::testing::HasSubstr("box"))) << row.name;
+  }
+  platform.Answer(Refuse(942));
+  EXPECT_EQ(ExecuteQueryReturningLong("Q", -9), -9);
+}
+
+TEST_F(QueryExecution, RoutinesAreCalledInTheirFixedForms) {
+  platform.Answer(Rows{{"A"}, {{Variant(3)}}});
+  EXPECT_EQ(ExecuteFunctionReturningLong("F", "1,'x'"), 3);
+  platform.Answer(Rows{{"A"}, {{Variant("y")}}});
+  EXPECT_EQ(ExecuteFunctionReturningString("P.F", ""), "y");
+  ExecuteProcedure("PKG.P", std::vector<Variant>{Variant(5), Variant("O'Hara")});
+  ExecuteProcedure("P", {});
+  ExecuteProcedure("P", std::vector<Variant>{Variant(), Variant(7)});
+  const std::string conversation = platform.Conversation();
+  for (const char* statement :
+       {"[SELECT F(1,'x') FROM DUAL] host= port=0 user= password= timeout=60",
+        "[SELECT P.F() FROM DUAL] host= port=0 user= password= timeout=0",
+        "[BEGIN PKG.P( 5,'O''Hara' ); END;] host= port=0 user= password= timeout=0",
+        "[BEGIN P(  ); END;]", "[BEGIN P( ,7 ); END;]"}) {
+    EXPECT_THAT(conversation, ::testing::HasSubstr(statement));
+  }
+}
+
+TEST_F(QueryExecution, ARecordReadsAsAlignedLines) {
+  const std::string name32(32, 'N');
+  platform.Answer(Rows{{"ID", "NAME", name32}, {{Variant(7), Variant("A"), Variant(Null{})}}});
+  EXPECT_EQ(GenerateRecordString(ExecuteQuery("Q")),
+            "\r\n" + std::string(30, ' ') + "ID: '7'\r\n" + std::string(28, ' ') + "NAME: 'A'\r\n" +
+                name32 + ": ''");
+  const auto number_of = [](const RecordsetRef& rows) {
+    try {
+      static_cast<void>(GenerateRecordString(rows));
+    } catch (const RuntimeError& failure) {
+      return failure.Number();
+    }
+    return 0;
+  };
+  platform.Answer(Rows{{std::string(33, 'N')}, {{Variant(7)}}});
+  EXPECT_EQ(number_of(ExecuteQuery("Q")), 5);
+  EXPECT_EQ(number_of(ExecuteQuery("Q")), 3021);
+  EXPECT_EQ(number_of(nullptr), 91);
+}
+
+// Every seam call of a query and of a request fails in turn: the query is told as failed and gives nothing, the
+// request raises; nothing stays open and the error object names the fault, unless the telling itself was hit.
+TEST_F(QueryExecution, AFaultAtAnyCallIsToldOrRaised) {
+  platform.trace = true;
+  int calls = 0;
+  for (int n = 1;; ++n) {
+    platform.Answer(Rows{{"ID"}, {{Variant(7)}}});
+    platform.FailAtCall(n);
+    const bool query_fails = n <= 5;
+    EXPECT_EQ(ExecuteQuery("Q") == nullptr, query_fails) << n;
+    if (!platform.FaultMet()) break;
+    EXPECT_EQ(SabrelErrorObject()->Number(), 1234) << n;
+    EXPECT_EQ(platform.OpenCursors(), 0) << n;
+    platform.FailAtCall(0);
+    static_cast<void>(ExecuteQueryReturningLong("empty the script"));
+    calls = n;
+  }
+  EXPECT_EQ(calls, 5);  // make, query, fetch, switch, trace
+  for (int n = 1; n <= 3; ++n) {
+    UnloadThread();
+    platform.FailAtCall(n);
+    EXPECT_THROW(ExecuteRequest("R"), RuntimeError) << n;
+  }
+  for (int n = 3; n <= 5; ++n) {  // telling a failed query: notify, box, log
+    platform.Answer(Refuse(942));
+    platform.FailAtCall(n);
+    EXPECT_THROW(static_cast<void>(ExecuteQuery("Q")), RuntimeError) << n;
+  }
+}
+
+}  // namespace
+}  // namespace sabrel

@@ -1,0 +1,157 @@
+// The object rules of the shared recordset, procedure call and row-set writer.
+#include "sabrel/platform/recordset.h"
+
+#include <gmock/gmock.h>
+
+#include "sabrel/platform/row_text.h"
+#include "sabrel/platform/utf8.h"
+#include "tests/support/scripted_platform.h"
+
+namespace sabrel {
+namespace {
+
+using testing::Rows;
+using testing::ScriptedPlatform;
+
+template <class Action>
+std::int32_t NumberOf(Action action) {
+  try {
+    static_cast<void>(action());
+  } catch (const RuntimeError& failure) {
+    return failure.Number();
+  }
+  return 0;
+}
+
+class Records : public ::testing::Test {
+ protected:
+  std::shared_ptr<Recordset> Open(Rows rows) {
+    platform.Answer(std::move(rows));
+    auto records = CurrentPlatform().rowlink->MakeRecordset();
+    records->Open("Q", "", 0, "", "", 60);
+    return records;
+  }
+  ScriptedPlatform platform;
+};
+
+// About 10 MB of rows, so that Open leaves some with the server.
+Rows ManyRows(int count) {
+  Rows rows{{"N", "T"}, {}};
+  for (int i = 0; i < count; ++i) rows.rows.push_back({Variant(i), Variant(std::string(1000, 'x'))});
+  return rows;
+}
+
+TEST_F(Records, KeepEveryKindOfCell) {
+  const std::vector<Variant> cells = {Variant(-7), Variant(2.5), Variant(Decimal(5'000'000'000)),
+                                      Variant(Date(-1.25)), Variant(""), Variant("\u00E4|'"),
+                                      Variant(Null{})};
+  const auto records = Open({{"A", "B", "C", "D", "E", "F", "G"}, {cells, cells}});
+  for (int row = 0; row < 2; ++row, records->MoveNext()) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      EXPECT_EQ(records->Fields().Item(static_cast<std::int32_t>(i)).Value(), cells[i]) << i;
+    }
+    EXPECT_EQ(records->Fields().Item("f").Text(), "\u00E4|'");
+    EXPECT_TRUE(records->Fields().Item("G").IsNull());
+  }
+  EXPECT_TRUE(records->EndOfFile());
+}
+
+TEST_F(Records, RefuseWhatIsNotThere) {
+  const auto records = Open({{"A"}, {{Variant(1)}}});
+  EXPECT_EQ(NumberOf([&] { return records->Fields().Item("B"); }), 3265);
+  EXPECT_EQ(NumberOf([&] { return records->Fields().Item(1); }), 3265);
+  EXPECT_EQ(NumberOf([&] { return records->Fields().Item(-1); }), 3265);
+  records->MoveNext();
+  EXPECT_EQ(NumberOf([&] { return records->Fields().Item(0).Value(); }), 3021);
+  EXPECT_EQ(NumberOf([&] { return records->MoveNext(), 0; }), 3021);
+  records->Close();
+  records->Close();
+  EXPECT_EQ(NumberOf([&] { return records->EndOfFile(); }), 3704);
+  EXPECT_EQ(NumberOf([&] { return records->RecordCount(); }), 3704);
+}
+
+TEST_F(Records, ReadOnAsTheReaderMovesAndCountTheRestOnRequest) {
+  const auto walked = Open(ManyRows(10'000));
+  EXPECT_EQ(platform.OpenCursors(), 1) << "the rest stays with the server";
+  int rows = 0;
+  for (; !walked->EndOfFile(); walked->MoveNext()) {
+    ASSERT_EQ(walked->Fields().Item("N").Value(), Variant(rows)) << rows;
+    ++rows;
+  }
+  EXPECT_EQ(rows, 10'000);
+  EXPECT_EQ(platform.OpenCursors(), 0);
+  const auto counted = Open(ManyRows(10'000));
+  EXPECT_EQ(counted->RecordCount(), 10'000);
+  EXPECT_EQ(platform.OpenCursors(), 0);
+  counted->MoveNext();
+  EXPECT_EQ(counted->Fields().Item("N").Value(), Variant(1));
+  EXPECT_EQ(counted->RecordCount(), 10'000);
+}
+
+TEST_F(Records, AFailureInMovingOnReachesWhoeverMovesEveryTime) {
+  Rows rows = ManyRows(10'000);
+  rows.fail_at_fetch = 25;
+  rows.failure = RuntimeError(77, "S", "severed");
+  const auto records = Open(rows);
+  int moved = 0;
+  const std::int32_t number = NumberOf([&] {
+    for (;; ++moved) records->MoveNext();
+    return 0;
+  });
+  EXPECT_EQ(number, 77);
+  EXPECT_GT(moved, 4'000);
+  EXPECT_EQ(NumberOf([&] { return records->MoveNext(), 0; }), 77);
+  EXPECT_EQ(NumberOf([&] { return records->RecordCount(); }), 77);
+  rows.fail_at_fetch = 2;
+  EXPECT_EQ(NumberOf([&] { return Open(rows); }), 77) << "inside Open it belongs to Open";
+}
+
+TEST_F(Records, ACallAnswersByPositionOnceItRan) {
+  platform.Answer(RoutineOutcome{Variant(3), {Variant(3), std::nullopt, Variant(Null{})}});
+  const auto call = CurrentPlatform().rowlink->MakeProcedureCall();
+  call->ProcedureName("P.F");
+  for (const char* value : {"", "7", "8"}) call->AppendParameter(value, "integer", "");
+  EXPECT_EQ(call->ParameterValue(2), Variant("8")) << "as appended before execution";
+  EXPECT_EQ(call->Execute(), Variant(3));
+  EXPECT_EQ(call->ParameterValue(0), Variant(3));
+  EXPECT_EQ(call->ParameterValue(1), Variant("7"));
+  EXPECT_EQ(call->ParameterValue(2), Variant(Null{}));
+  for (const std::int32_t index : {-1, 3}) {
+    EXPECT_EQ(NumberOf([&] { return call->ParameterValue(index); }), 9) << index;
+  }
+  EXPECT_EQ(platform.Conversation(),
+            "call [P.F] host= port=0 user= password= timeout=0 (,integer,) (7,integer,) "
+            "(8,integer,)\n");
+}
+
+TEST_F(Records, PiecesOfARowSetComeOutAsTheyWentIn) {
+  const std::string alphabet = "|\\\r\n'pN ";
+  std::vector<std::string> pieces = {""};
+  for (const char a : alphabet) {
+    for (const char b : alphabet) pieces.push_back({a, b});
+  }
+  for (const std::string& piece : pieces) {
+    const std::string row = EncodePiece(piece) + "|" + std::string(EncodedNull()) + "|x";
+    const std::vector<std::optional<std::string>> expected = {piece, std::nullopt, "x"};
+    EXPECT_EQ(DecodeRow(row), expected) << piece;
+    EXPECT_EQ(row.find_first_of("\r\n"), std::string::npos);
+  }
+  for (const char* broken : {"a\\", "\\x", "\\Nx"}) {
+    EXPECT_EQ(NumberOf([&] { return DecodeRow(broken); }), 5) << broken;
+  }
+}
+
+TEST_F(Records, ARowOfAnotherWidthIsRefusedBeforeSending) {
+  const auto writer = CurrentPlatform().rowlink->MakeRowSetWriter();
+  writer->Table("T");
+  writer->DeclareColumn("A", "INT");
+  writer->DeclareColumn("B", "STRING");
+  writer->AddRow("1|x");
+  writer->Submit();
+  writer->AddRow("1");
+  EXPECT_EQ(NumberOf([&] { return writer->Submit(), 0; }), 5);
+  EXPECT_EQ(platform.Conversation(), "write [T] A:INT B:STRING [1|x]\n");
+}
+
+}  // namespace
+}  // namespace sabrel

@@ -1,0 +1,130 @@
+#include "sabrel/platform/date.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ctime>
+
+#include "sabrel/platform/runtime_error.h"
+
+namespace sabrel {
+namespace {
+
+const LocaleFacts kAmerican;
+const LocaleFacts kGerman{",", ".", ".", ":", DateOrder::kDayMonthYear};
+const LocaleFacts kSwedish{",", " ", "-", ".", DateOrder::kYearMonthDay};
+
+TEST(Date, SerialsAndCivilDatesTellTheSame) {
+  const struct {
+    const char* name;
+    double serial;
+    CivilDate parts;
+    bool exact = true;
+  } rows[] = {{"zero date", 0.0, {}},
+              {"noon of the zero day", 0.5, {1899, 12, 30, 12, 0, 0}},
+              {"the same from below", -0.5, {1899, 12, 30, 12, 0, 0}, false},
+              {"time runs forwards below zero", -1.25, {1899, 12, 29, 6, 0, 0}},
+              {"leap day", 45351.75, {2024, 2, 29, 18, 0, 0}},
+              {"first day", -657434.0, {100, 1, 1, 0, 0, 0}},
+              {"evening of the first day", -657434.75, {100, 1, 1, 18, 0, 0}},
+              {"last second", 2958465 + 86399 / 86400.0, {9999, 12, 31, 23, 59, 59}},
+              {"carry into the minute", 59.6 / 86400, {1899, 12, 30, 0, 1, 0}, false},
+              {"no carry", 59.4 / 86400, {1899, 12, 30, 0, 0, 59}, false},
+              {"carry into the day", 1 + 86399.6 / 86400, {1900, 1, 1, 0, 0, 0}, false},
+              {"carry into the next day below zero", -1 - 86399.6 / 86400, {1899, 12, 30}, false}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(Date(row.serial).ToCivil(), row.parts) << row.name;
+    if (!row.exact) continue;
+    EXPECT_DOUBLE_EQ(Date::FromCivil(row.parts).Serial(), row.serial) << row.name;
+  }
+  EXPECT_TRUE(Date(-0.0).IsZero());
+}
+
+TEST(Date, EveryDaySurvivesTheRoundTrip) {
+  for (double day = Date::kFirstSerial; day < Date::kEndSerial; day += 13) {
+    const Date date = Date::FromCivil(Date(day < 0 ? day - 0.999 : day + 0.999).ToCivil());
+    ASSERT_EQ(date.WholeSeconds(), static_cast<std::int64_t>(day) * 86400 + 86314) << day;
+  }
+}
+
+TEST(Date, SerialsOutsideTheCalendarOverflow) {
+  for (const double serial : {-657435.0, 2958466.0, 2958465.999999, std::nan(""), HUGE_VAL}) {
+    EXPECT_THROW(static_cast<void>(Date(serial).ToCivil()), RuntimeError) << serial;
+  }
+}
+
+TEST(Date, PartsOutOfRangeAreNoCivilDate) {
+  for (const CivilDate& parts :
+       {CivilDate{99, 12, 31, 0, 0, 0}, CivilDate{10000, 1, 1, 0, 0, 0},
+        CivilDate{2024, 13, 1, 0, 0, 0}, CivilDate{2023, 2, 29, 0, 0, 0},
+        CivilDate{2024, 1, 257, 0, 0, 0}, CivilDate{2024, 1, 1, 24, 0, 0},
+        CivilDate{2024, 1, 1, 0, -1, 0}, CivilDate{2024, 1, 1, 0, 0, 60}}) {
+    EXPECT_FALSE(Date::IsValidCivil(parts)) << parts.year << "-" << parts.month << "-" << parts.day;
+    EXPECT_THROW(static_cast<void>(Date::FromCivil(parts)), RuntimeError);
+  }
+}
+
+TEST(Date, NowIsTheLocalTime) {
+  std::tm parts{};
+  const CivilDate now = Date::Now().ToCivil();
+  parts.tm_year = now.year - 1900;
+  parts.tm_mon = now.month - 1;
+  parts.tm_mday = now.day;
+  parts.tm_hour = now.hour;
+  parts.tm_min = now.minute;
+  parts.tm_sec = now.second;
+  parts.tm_isdst = -1;
+  EXPECT_NEAR(std::difftime(std::mktime(&parts), std::time(nullptr)), 0, 30);
+}
+
+TEST(Date, TextFollowsTheLocale) {
+  const Date afternoon = Date::FromCivil({2024, 3, 9, 17, 5, 0});
+  EXPECT_EQ(FormatDateTime(afternoon, kSwedish), "2024-03-09 17.05.00");
+  EXPECT_EQ(FormatDateTime(Date(-657434.0), kAmerican), "0100-01-01 00:00:00");
+  EXPECT_EQ(GeneralDateText(afternoon, kAmerican), "03/09/2024 17:05:00");
+  EXPECT_EQ(GeneralDateText(afternoon, kGerman), "09.03.2024 17:05:00");
+  EXPECT_EQ(GeneralDateText(Date(45360.0), kSwedish), "2024-03-09");
+  EXPECT_EQ(GeneralDateText(Date(-0.25), kSwedish), "06.00.00");
+  EXPECT_EQ(GeneralDateText(Date(), kAmerican), "00:00:00");
+}
+
+TEST(Date, TextIsReadInTheLocalesOrder) {
+  const struct {
+    const char* text;
+    const LocaleFacts& locale;
+    const char* expected;
+  } rows[] = {{"2024-03-09", kGerman, "2024-03-09 00:00:00"},
+              {"2024-03-09T17:05:00", kSwedish, "2024-03-09 17:05:00"},
+              {" 2024-03-09  17:05 ", kAmerican, "2024-03-09 17:05:00"},
+              {"2024-03-09 17.05.30", kSwedish, "2024-03-09 17:05:30"},
+              {"2024-03-09 17:05:30.75", kAmerican, "2024-03-09 17:05:31"},
+              {"3/9/2024", kAmerican, "2024-03-09 00:00:00"},
+              {"3/9/2024", kGerman, "2024-09-03 00:00:00"},
+              {"3.9.2024", kGerman, "2024-09-03 00:00:00"},
+              {"01/01/1995", kSwedish, "1995-01-01 00:00:00"},
+              {"28-2-29", kGerman, "2029-02-28 00:00:00"},
+              {"28-2-30", kGerman, "1930-02-28 00:00:00"},
+              {"24-03-09", kSwedish, "2024-03-09 00:00:00"},
+              {"13.05.00", kSwedish, "1899-12-30 13:05:00"},
+              {"12:30 AM", kAmerican, "1899-12-30 00:30:00"},
+              {"12pm", kAmerican, "1899-12-30 12:00:00"},
+              {"1/1/1899 6:00 PM", kAmerican, "1899-01-01 18:00:00"}};
+  for (const auto& row : rows) {
+    Date date;
+    EXPECT_TRUE(ParseDate(row.text, row.locale, date)) << row.text;
+    EXPECT_EQ(FormatDateTime(date, kAmerican), row.expected) << row.text;
+  }
+}
+
+TEST(Date, OtherTextsAreNoDatesAndLeaveTheDateAlone) {
+  Date date(1.0);
+  for (const char* text :
+       {"2-29-29", "13:00 PM", "24:00", "1:60", "13/1/2024", "1/1-2024", "1/1/99999", "1/1/099",
+        "2024-03-09T", "2024-03-09x", "2024-03-0917:05", "2024-03-09 17:05:00Z", "3.14", "7", ""}) {
+    EXPECT_FALSE(ParseDate(text, kAmerican, date)) << text;
+  }
+  EXPECT_EQ(date, Date(1.0));
+}
+
+}  // namespace
+}  // namespace sabrel
