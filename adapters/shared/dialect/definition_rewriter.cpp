@@ -1,0 +1,157 @@
+// Definitions: constants stay where they are, names that the engine reserves are quoted, and what
+// only Oracle writes about a column is taken out where it changes nothing.
+#include <algorithm>
+
+#include "adapters/shared/dialect/rewriter.h"
+
+namespace sabrel::dialect {
+
+void Rewriter::Copy() {
+  for (; Here().kind != TokenKind::kEnd; ++at_) {
+    if (IsSymbol(';')) Fail(900, "a definition that holds statements is not supported");
+  }
+}
+
+void Rewriter::Definition() {
+  may_lift_ = false;
+  const Word verb = Here().word;
+  std::size_t object = at_ + 1;
+  if (verb == Word::kCreate && tokens_[object].word == Word::kOr) object += 2;  // OR REPLACE
+  if (verb == Word::kCreate && Ahead(1).word == Word::kUnique) ++object;
+  const Word word = tokens_[std::min(object, tokens_.size() - 1)].word;
+  if (word == Word::kTable) {
+    at_ = object + 1;
+    if (verb == Word::kCreate) return CreateTable();
+    if (verb == Word::kAlter) return AlterTable();
+    if (verb == Word::kDrop) return DropTable();
+    edits_.Replace(object - 1, "DELETE FROM");  // TRUNCATE TABLE
+    edits_.Remove(object);
+    return QualifiedName();
+  }
+  if (verb == Word::kCreate && word == Word::kView) {
+    at_ = object + 1;
+    QualifiedName();
+    if (IsSymbol('(')) NameList();
+    ExpectWord(Word::kAs, 905, "missing keyword AS");
+    return Query();
+  }
+  if (verb == Word::kCreate && word == Word::kIndex) {
+    at_ = object + 1;
+    QualifiedName();
+    ExpectWord(Word::kOn, 969, "missing ON keyword");
+    QualifiedName();
+    ExpectSymbol('(', 906, "missing left parenthesis");
+    OrderList();
+    return ExpectSymbol(')', 907, "missing right parenthesis");
+  }
+  Copy();
+}
+
+void Rewriter::DropTable() {
+  QualifiedName();
+  const std::size_t first = at_;
+  if (SkipText("CASCADE") && !SkipText("CONSTRAINTS")) Fail(905, "missing keyword CONSTRAINTS");
+  SkipText("PURGE");
+  for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
+}
+
+void Rewriter::AlterTable() {
+  QualifiedName();
+  if (!SkipText("ADD")) {
+    if (SkipWord(Word::kDrop) && SkipText("COLUMN")) Name();
+    return Copy();
+  }
+  const bool has_parenthesis = SkipSymbol('(');
+  if (has_parenthesis) edits_.Remove(at_ - 1);
+  TableItem();
+  if (!has_parenthesis) return;
+  if (IsSymbol(',')) Fail(900, "one column at a time can be added");
+  ExpectSymbol(')', 907, "missing right parenthesis");
+  edits_.Remove(at_ - 1);
+}
+
+void Rewriter::CreateTable() {
+  QualifiedName();
+  if (SkipWord(Word::kAs)) return Query();
+  ExpectSymbol('(', 906, "missing left parenthesis");
+  do {
+    TableItem();
+  } while (SkipSymbol(','));
+  ExpectSymbol(')', 907, "missing right parenthesis");
+}
+
+void Rewriter::TableItem() {
+  const bool is_constraint = IsWord(Word::kConstraint) || IsWord(Word::kCheck) ||
+                             IsWord(Word::kUnique) ||
+                             (IsWord(Word::kPrimary) && IsText(Ahead(1), "KEY")) ||
+                             (IsWord(Word::kForeign) && IsText(Ahead(1), "KEY"));
+  if (!is_constraint) {
+    const std::string name = Upper(Here());
+    Name();
+    ColumnType();
+    columns_.push_back({name, at_ - 1});
+  }
+  ColumnRules();
+}
+
+// A primary key takes no null, which other engines want to be told of each column.
+void Rewriter::PrimaryKey() {
+  at_ += 2;
+  const std::size_t list = at_;
+  if (!IsSymbol('(')) {
+    if (!columns_.empty()) RefuseNull(columns_.back());
+    return;
+  }
+  NameList();
+  for (std::size_t i = list + 1; i + 1 < at_; i += 2) {
+    for (const Column& column : columns_) {
+      if (column.name == Upper(tokens_[i])) RefuseNull(column);
+    }
+  }
+}
+
+void Rewriter::RefuseNull(const Column& column) { edits_.Append(column.last_token, " NOT NULL"); }
+
+// VARCHAR2(20 CHAR), NUMBER(10,2), TIMESTAMP WITH TIME ZONE, up to the column's rules.
+void Rewriter::ColumnType() {
+  if (Here().kind != TokenKind::kWord) Fail(902, "invalid datatype");
+  ++at_;
+  while (SkipText("VARYING") || SkipText("PRECISION") || SkipText("RAW")) {
+  }
+  if (!SkipSymbol('(')) return;
+  while (Here().kind == TokenKind::kNumber || IsSymbol(',') || IsSymbol('-') || IsSymbol('*')) {
+    if (IsSymbol('*')) edits_.Replace(at_, "38");  // NUMBER(*,0): as precise as there is
+    ++at_;
+  }
+  if (SkipText("BYTE") || SkipText("CHAR")) edits_.Remove(at_ - 1);
+  ExpectSymbol(')', 907, "missing right parenthesis");
+}
+
+void Rewriter::ColumnRules() {
+  while (!IsSymbol(',') && !IsSymbol(')') && Here().kind != TokenKind::kEnd) {
+    if (IsWord(Word::kPrimary)) {
+      PrimaryKey();
+    } else if (SkipWord(Word::kDefault)) {
+      const Operand value = Sum();
+      edits_.Wrap(value.first, value.last, {});
+    } else if (SkipWord(Word::kCheck)) {
+      if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
+      Parenthesis();
+    } else if (SkipText("REFERENCES")) {
+      QualifiedName();
+      if (IsSymbol('(')) NameList();
+    } else if (SkipWord(Word::kConstraint)) {
+      Name();
+    } else if (IsSymbol('(')) {
+      NameList();  // of UNIQUE, FOREIGN KEY
+    } else if (SkipText("ENABLE") || SkipText("VALIDATE")) {
+      edits_.Remove(at_ - 1);
+    } else if (Here().kind == TokenKind::kWord && !IsText(Here(), "DISABLE")) {
+      ++at_;
+    } else {
+      Fail(900, "not supported in a column's definition");
+    }
+  }
+}
+
+}  // namespace sabrel::dialect

@@ -1,0 +1,171 @@
+// Oracle's SQL, taken apart and written anew for another engine.
+//
+// Statements come in as Oracle takes them. What the other engine takes too stays byte for byte;
+// only tokens that it cannot take are replaced: `seq.NEXTVAL`, bare `SYSDATE`, calls of stored
+// routines, date arithmetic, reserved words where a column stands. Constants of WHERE, VALUES, SET
+// and of argument lists are lifted into bound parameters, so that statements that differ in their
+// constants only share one prepared form. What cannot be rewritten truly is refused with a clear
+// error (native 900), never changed in meaning.
+//
+// Statements that no engine but Oracle has (blocks, CREATE FUNCTION, CREATE SEQUENCE) are parsed
+// into structures.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sabrel::dialect {
+
+/// A statement that cannot be sent: Oracle's native number and a message that names the place.
+struct SyntaxFailure {
+  std::int32_t native_number;
+  std::string message;
+};
+
+enum class StatementKind {
+  kSelect,
+  kInsert,
+  kUpdate,
+  kDelete,
+  kBlock,          // BEGIN ... END;
+  kCreateRoutine,  // CREATE [OR REPLACE] FUNCTION | PROCEDURE
+  kDropRoutine,    // DROP FUNCTION | PROCEDURE
+  kCreateSequence,
+  kDropSequence,
+  kCreateTable,
+  kOtherDefinition,  // other CREATE, ALTER, DROP, TRUNCATE
+  kTransaction,  // COMMIT, ROLLBACK, SAVEPOINT: nothing to do where each statement is a transaction
+  kOther,
+};
+
+/// Checks that `sql` is valid UTF-8 without NUL and one statement, every quote closed.
+/// Returns the statement without surrounding space and, outside blocks and routines, without its
+/// closing ";". Throws SyntaxFailure: 911 for NUL, invalid UTF-8 or a second statement, 1756 for an
+/// open quote, 900 for an empty text
+[[nodiscard]] std::string_view RequireOneStatement(std::string_view sql);
+
+[[nodiscard]] StatementKind KindOf(std::string_view statement);
+
+/// A constant that was lifted out of a statement: parameter n+1 of the rewritten text for element
+/// n.
+struct Constant {
+  enum class Kind { kNull, kInteger, kReal, kText };
+  Kind kind = Kind::kNull;
+  std::int64_t integer = 0;
+  double real = 0.0;
+  std::string text;
+  friend bool operator==(const Constant&, const Constant&) = default;
+};
+
+struct Rewritten {
+  StatementKind kind = StatementKind::kOther;
+  /// The engine's statement, with `?1`, `?2`, ... for lifted constants; named parameters `:name`
+  /// stay. A statement with named parameters keeps its constants: engines number both kinds
+  /// together.
+  std::string text;
+  std::vector<Constant> constants;
+  /// Changes data, draws a sequence or calls a routine that may: wants a write transaction.
+  bool writes = false;
+};
+
+/// What the rewriting must know of the stored routines and of the engine.
+class Engine {
+ public:
+  virtual ~Engine() = default;
+
+  struct RoutineFacts {
+    bool writes = false;
+  };
+  /// Facts of a stored routine; `name` is upper case and may be qualified ("PKG.F"). Nothing when
+  /// there is none.
+  [[nodiscard]] virtual std::optional<RoutineFacts> FindRoutine(std::string_view name) const = 0;
+  /// Whether the engine cannot take `word` (upper case) as a bare column name although Oracle can.
+  [[nodiscard]] virtual bool IsReservedWord(std::string_view word) const = 0;
+
+  // How things are spelled. Names arrive as the statement writes them.
+  [[nodiscard]] virtual std::string NextValue(std::string_view sequence) const = 0;
+  [[nodiscard]] virtual std::string CurrentValue(std::string_view sequence) const = 0;
+  [[nodiscard]] virtual std::string SystemDate() const = 0;
+  /// Opening of a call of a stored function up to the place of its first argument, and whether a
+  /// "," is due before that argument: "sabrel_call('PKG.F'" with true, "pkg.f(" with false.
+  struct CallOpening {
+    std::string text;
+    bool comma_before_arguments = false;
+  };
+  [[nodiscard]] virtual CallOpening RoutineCall(std::string_view name) const = 0;
+  /// Functions that add and subtract where an operand may be a date; empty where the engine's own
+  /// operators do.
+  [[nodiscard]] virtual std::string_view AddFunction() const = 0;
+  [[nodiscard]] virtual std::string_view SubtractFunction() const = 0;
+  /// Function for a quotient; where it is empty, `a / b` becomes `a *1.0/ b`, which keeps the
+  /// fraction of whole numbers.
+  [[nodiscard]] virtual std::string_view DivideFunction() const { return {}; }
+  /// Function for `a || b` that takes null for the empty text, as Oracle does; empty where the
+  /// engine's own does.
+  [[nodiscard]] virtual std::string_view ConcatenateFunction() const { return {}; }
+  /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.
+  [[nodiscard]] virtual std::string_view FunctionName(std::string_view upper_name) const = 0;
+};
+
+/// Rewrites one statement as RequireOneStatement returned it. Throws SyntaxFailure with the number
+/// that Oracle has for the fault: 900 for what is not supported, 904 for an unknown routine, 905 to
+/// 936 for bad syntax.
+[[nodiscard]] Rewritten Rewrite(std::string_view statement, const Engine& engine);
+
+/// One step of a block: a call of a routine with its argument expressions, or a statement.
+struct BlockStep {
+  bool is_call = false;
+  std::string name;                    // of the routine, as written
+  std::vector<std::string> arguments;  // Oracle expressions, as written
+  std::vector<std::string> names;      // names of named arguments, empty where positional
+  std::string statement;
+};
+/// The steps of `BEGIN ... END;`. Throws SyntaxFailure 6550 with what could not be understood.
+[[nodiscard]] std::vector<BlockStep> ParseBlock(std::string_view block);
+
+enum class Direction { kIn, kOut, kInOut };
+
+struct RoutineArgument {
+  std::string name;  // as written
+  Direction direction = Direction::kIn;
+  std::string type;  // upper case: NUMBER, VARCHAR2, DATE
+};
+
+struct RoutineDefinition {
+  std::string package;  // empty for a routine of its own; upper case
+  std::string name;     // upper case
+  bool is_function = false;
+  bool or_replace = false;
+  std::string result_type;
+  std::vector<RoutineArgument> arguments;
+  /// The statements between BEGIN and END, each without its ";", with named parameters `:argument`.
+  std::vector<std::string> body;
+};
+/// Throws SyntaxFailure 6550 with what could not be understood.
+[[nodiscard]] RoutineDefinition ParseCreateRoutine(std::string_view statement);
+
+struct SequenceDefinition {
+  std::string name;  // upper case
+  std::int64_t start = 1;
+  std::int64_t increment = 1;
+};
+[[nodiscard]] SequenceDefinition ParseCreateSequence(std::string_view statement);
+
+/// The object's name, upper case, of a DROP statement.
+[[nodiscard]] std::string DroppedName(std::string_view statement);
+
+/// One column of CREATE TABLE, for engines that do not check widths and types themselves.
+struct ColumnDefinition {
+  std::string name;                   // as written, quotes removed
+  std::string type;                   // upper case, without sizes: VARCHAR2, NUMBER, DATE, CLOB
+  std::optional<std::int64_t> width;  // the first size
+  std::optional<std::int64_t> scale;
+  std::size_t end = 0;  // offset in the statement's text just behind the column's definition
+};
+/// Columns of a CREATE TABLE statement that lists them; empty for CREATE TABLE ... AS SELECT.
+[[nodiscard]] std::vector<ColumnDefinition> ParseCreateTable(std::string_view statement);
+
+}  // namespace sabrel::dialect

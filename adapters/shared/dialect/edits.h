@@ -1,0 +1,69 @@
+// What becomes of each token of a statement, and the engine's text that results.
+//
+// The parser marks tokens while it walks; nothing is written before the end, so that a call can be
+// put around an operand that was read long ago. Space and comments between tokens stay as they are.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/shared/dialect/token.h"
+
+namespace sabrel::dialect {
+
+class Edits {
+ public:
+  /// Both must outlive this.
+  Edits(std::string_view sql, const std::vector<Token>& tokens)
+      : sql_(sql), tokens_(tokens), marks_(tokens.size()) {}
+
+  void Remove(std::size_t token) { marks_[token].output = Output::kNothing; }
+  void Replace(std::size_t token, std::string text);
+  void Quote(std::size_t token) { marks_[token].output = Output::kQuoted; }
+  /// Makes a constant a parameter, or writes it as the engine takes it where `is_lifted` is false.
+  void SetConstant(std::size_t token, bool is_lifted, bool is_negative = false);
+  /// Makes the tokens the arguments of `function`, or puts them in parentheses where it is empty.
+  /// Later calls wrap earlier ones. The name must stay alive.
+  void Wrap(std::size_t first, std::size_t last, std::string_view function);
+  /// Puts `text` behind a token that stays as it is.
+  void Append(std::size_t token, std::string_view text);
+  void AppendToStatement(std::string_view text) { tail_ += text; }
+
+  /// Cost: linear in the statement's length
+  void Render(Rewritten& rewritten) const;
+
+ private:
+  enum class Output : std::uint8_t {
+    kSource,
+    kNothing,
+    kReplacement,
+    kQuoted,
+    kLifted,
+    kLiftedNegative,
+    kLiteral
+  };
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  struct Mark {
+    Output output = Output::kSource;
+    std::uint32_t closings = 0;
+    std::uint32_t opening = kNone;      // newest first: the newest is outermost
+    std::uint32_t replacement = kNone;  // index into replacements_
+  };
+  struct Opening {
+    std::string_view function;
+    std::uint32_t next;
+  };
+
+  void RenderToken(const Token& token, const Mark& mark, Rewritten& rewritten) const;
+
+  std::string_view sql_;
+  const std::vector<Token>& tokens_;
+  std::vector<Mark> marks_;
+  std::vector<Opening> openings_;
+  std::vector<std::string> replacements_;
+  std::string tail_;
+};
+
+}  // namespace sabrel::dialect

@@ -1,0 +1,365 @@
+// Queries and changes of data, clause by clause.
+#include <algorithm>
+#include <charconv>
+
+#include "adapters/shared/dialect/rewriter.h"
+
+namespace sabrel::dialect {
+
+void Rewriter::Query() {
+  SelectFacts* const outer_facts = facts_;
+  facts_ = nullptr;
+  SelectFacts own_facts;
+  const bool is_outermost = depth_ == 0;
+  bool has_set_operator = false;
+  With();
+  while (true) {
+    if (IsSymbol('(')) {
+      Parenthesis();
+    } else {
+      if (is_outermost) facts_ = &own_facts;
+      SelectCore(own_facts);
+    }
+    if (IsWord(Word::kMinus)) edits_.Replace(at_, "EXCEPT");
+    if (!SkipWord(Word::kUnion) && !SkipWord(Word::kMinus) && !SkipWord(Word::kIntersect) &&
+        !SkipWord(Word::kExcept)) {
+      break;
+    }
+    SkipWord(Word::kAll);
+    has_set_operator = true;
+  }
+  bool is_ordered = false;
+  if (IsWord(Word::kOrder)) {
+    is_ordered = true;
+    ++at_;
+    ExpectWord(Word::kBy, 924, "missing BY keyword");
+    OrderList();
+  }
+  if (IsWord(Word::kOffset) || IsWord(Word::kFetch)) {
+    is_ordered = true;
+    FetchFirst();
+  }
+  if (IsWord(Word::kFor)) ForUpdate();
+  if (own_facts.has_row_limit) FinishRowLimit(own_facts, is_ordered || has_set_operator);
+  facts_ = outer_facts;
+}
+
+void Rewriter::With() {
+  if (!SkipWord(Word::kWith)) return;
+  do {
+    Name();
+    if (IsSymbol('(')) NameList();
+    ExpectWord(Word::kAs, 905, "missing keyword AS");
+    const Lift lift = lift_;
+    if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
+    Parenthesis();
+    lift_ = lift;
+  } while (SkipSymbol(','));
+}
+
+void Rewriter::SelectCore(SelectFacts& facts) {
+  const Lift lift = lift_;
+  ExpectWord(Word::kSelect, 928, "missing SELECT keyword");
+  if (SkipWord(Word::kUnique)) {
+    edits_.Replace(at_ - 1, "DISTINCT");
+    facts.is_distinct = true;
+  } else if (SkipWord(Word::kDistinct)) {
+    facts.is_distinct = true;
+  } else {
+    SkipWord(Word::kAll);
+  }
+  lift_ = Lift::kInCalls;
+  SelectList();
+  ExpectWord(Word::kFrom, 923, "FROM keyword not found where expected");
+  lift_ = Lift::kAlways;
+  FromList();
+  const bool is_outermost = facts_ == &facts;
+  facts_ = nullptr;
+  if (IsWord(Word::kWhere)) Where(is_outermost && depth_ == 0 ? &facts : nullptr);
+  if (IsWord(Word::kConnect) || IsWord(Word::kStart)) Fail(900, "CONNECT BY is not supported");
+  if (IsWord(Word::kGroup) || IsWord(Word::kHaving)) GroupBy(facts);
+  lift_ = lift;
+}
+
+void Rewriter::SelectList() {
+  do {
+    if (SkipSymbol('*')) continue;
+    Condition();
+    const bool has_as = SkipWord(Word::kAs);
+    if (Here().kind == TokenKind::kQuotedName ||
+        (Here().kind == TokenKind::kWord && !IsReservedByOracle(Here().word))) {
+      Name();
+    } else if (has_as) {
+      Fail(923, "missing name of a column");
+    }
+  } while (SkipSymbol(','));
+}
+
+void Rewriter::FromList() {
+  do {
+    TableReference();
+    while (JoinWords()) {
+      TableReference();
+      if (SkipWord(Word::kOn)) {
+        Condition();
+      } else if (SkipWord(Word::kUsing)) {
+        NameList();
+      }
+    }
+  } while (SkipSymbol(','));
+}
+
+bool Rewriter::JoinWords() {
+  const std::size_t first = at_;
+  SkipWord(Word::kNatural);
+  if (SkipWord(Word::kLeft) || SkipWord(Word::kRight) || SkipWord(Word::kFull)) {
+    SkipWord(Word::kOuter);
+  } else {
+    SkipWord(Word::kInner) || SkipWord(Word::kCross);
+  }
+  if (SkipWord(Word::kJoin)) return true;
+  if (at_ != first) Fail(905, "missing keyword JOIN");
+  return false;
+}
+
+void Rewriter::TableReference() {
+  if (IsSymbol('(')) {
+    const Level level(*this);
+    ++at_;
+    if (IsQueryStart()) {
+      Query();
+    } else {
+      FromList();
+    }
+    ExpectSymbol(')', 907, "missing right parenthesis");
+  } else {
+    QualifiedName();
+    if (IsSymbol('(')) Fail(900, "a table function is not supported");
+  }
+  TableAlias();
+}
+
+void Rewriter::TableAlias() {
+  if (Here().kind == TokenKind::kQuotedName ||
+      (Here().kind == TokenKind::kWord && !ContinuesFromClause(Here().word))) {
+    Name();
+  }
+}
+
+void Rewriter::Where(SelectFacts* facts) {
+  const std::size_t where = at_++;
+  bool has_or = false;
+  std::size_t connective = where;
+  std::size_t limit_connective = where;
+  while (true) {
+    if (facts != nullptr && RowLimit(*facts)) {
+      limit_connective = connective;
+    } else {
+      Predicate();
+    }
+    connective = at_;
+    if (SkipWord(Word::kOr)) {
+      has_or = true;
+    } else if (!SkipWord(Word::kAnd)) {
+      break;
+    }
+  }
+  if (facts == nullptr || !facts->has_row_limit) return;
+  if (has_or) Fail(900, "ROWNUM beside OR is not supported");
+  // A first condition takes the AND behind it along; an only one takes the WHERE.
+  const std::size_t behind = facts->row_limit_token + 3;
+  const bool takes_next = limit_connective == where && tokens_[behind].word == Word::kAnd;
+  edits_.Remove(takes_next ? behind : limit_connective);
+}
+
+bool Rewriter::RowLimit(SelectFacts& facts) {
+  const Token& comparison = Ahead(1);
+  if (!IsWord(Word::kRownum) || facts.has_row_limit || Ahead(2).kind != TokenKind::kNumber) {
+    return false;
+  }
+  const bool is_below = IsSymbol(comparison, '<');
+  const bool is_first_only = IsSymbol(comparison, '=') && TextOf(sql_, Ahead(2)) == "1";
+  if (!is_below && !is_first_only && !IsSymbol(comparison, kLessOrEqual)) return false;
+  const Token& behind = Ahead(3);
+  if (behind.kind == TokenKind::kSymbol && behind.symbol != ')') return false;
+  const std::string_view digits = TextOf(sql_, Ahead(2));
+  std::int64_t limit = 0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), limit);
+  if (parsed.ec != std::errc() || parsed.ptr != digits.data() + digits.size()) return false;
+  if (is_below) limit = std::max<std::int64_t>(limit - 1, 0);
+  facts.has_row_limit = true;
+  facts.row_limit_token = at_;
+  for (int i = 0; i < 3; ++i) edits_.Remove(at_++);
+  edits_.AppendToStatement(" LIMIT " + std::to_string(limit));
+  return true;
+}
+
+void Rewriter::FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator) {
+  if (!has_order_or_set_operator && !facts.has_aggregate && !facts.is_grouped &&
+      !facts.is_distinct) {
+    return;
+  }
+  at_ = facts.row_limit_token;
+  Fail(900,
+       "ROWNUM is not supported beside ORDER BY, GROUP BY, DISTINCT, aggregates, FETCH and set "
+       "operators; select from a query in parentheses");
+}
+
+void Rewriter::GroupBy(SelectFacts& facts) {
+  facts.is_grouped = true;
+  for (int part = 0; part < 2; ++part) {
+    if (SkipWord(Word::kGroup)) {
+      ExpectWord(Word::kBy, 924, "missing BY keyword");
+      lift_ = Lift::kNever;
+      ExpressionList();
+      lift_ = Lift::kAlways;
+    } else if (SkipWord(Word::kHaving)) {
+      Condition();
+    }
+  }
+}
+
+// [OFFSET n ROWS] [FETCH FIRST|NEXT [m] ROWS ONLY] becomes LIMIT m [OFFSET n].
+void Rewriter::FetchFirst() {
+  const std::size_t first = at_;
+  std::string offset;
+  std::string limit = "-1";
+  const auto row_word = [this] { return SkipText("ROWS") || SkipText("ROW"); };
+  const auto count = [this](std::string& text) {
+    if (Here().kind != TokenKind::kNumber && Here().kind != TokenKind::kParameter) return false;
+    text = TextOf(sql_, tokens_[at_++]);
+    return true;
+  };
+  if (SkipWord(Word::kOffset)) {
+    if (!count(offset) || !row_word()) Fail(905, "missing keyword in OFFSET n ROWS");
+  }
+  if (SkipWord(Word::kFetch)) {
+    if (!SkipText("FIRST") && !SkipText("NEXT")) Fail(905, "missing keyword FIRST");
+    if (!count(limit)) limit = "1";
+    if (!row_word() || !SkipText("ONLY")) Fail(900, "only FETCH FIRST n ROWS ONLY is supported");
+  }
+  edits_.Replace(first, "LIMIT " + limit + (offset.empty() ? "" : " OFFSET " + offset));
+  for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);
+}
+
+void Rewriter::ForUpdate() {
+  const std::size_t first = at_++;
+  if (depth_ != 0) Fail(907, "missing right parenthesis");
+  ExpectWord(Word::kUpdate, 933, "SQL command not properly ended");
+  if (SkipText("OF")) {
+    do {
+      QualifiedName();
+    } while (SkipSymbol(','));
+  }
+  if (SkipText("WAIT")) {
+    if (Here().kind != TokenKind::kNumber) Fail(30005, "missing WAIT interval");
+    ++at_;
+  } else if (!SkipText("NOWAIT") && SkipText("SKIP") && !SkipText("LOCKED")) {
+    Fail(905, "missing keyword LOCKED");
+  }
+  for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
+  writes_ = true;
+}
+
+void Rewriter::Insert() {
+  ++at_;
+  if (IsWord(Word::kAll) || IsText(Here(), "FIRST")) {
+    Fail(900, "INSERT into several tables is not supported");
+  }
+  ExpectWord(Word::kInto, 925, "missing INTO keyword");
+  QualifiedName();
+  AliasOfChangedTable();
+  if (IsSymbol('(') && !IsSymbol(Ahead(1), '(') && Ahead(1).word != Word::kSelect &&
+      Ahead(1).word != Word::kWith) {
+    NameList();
+  }
+  if (SkipWord(Word::kValues)) {
+    Values();
+  } else if (IsQueryStart() || IsSymbol('(')) {
+    const Level level(*this);
+    Query();
+  } else {
+    Fail(926, "missing VALUES keyword");
+  }
+}
+
+void Rewriter::Values() {
+  if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
+  const Level level(*this);
+  ++at_;
+  ExpressionList();
+  if (!IsSymbol(')')) Fail(917, "missing comma");
+  ++at_;
+}
+
+void Rewriter::Update() {
+  ++at_;
+  QualifiedName();
+  AliasOfChangedTable();
+  ExpectWord(Word::kSet, 971, "missing SET keyword");
+  do {
+    Assignment();
+  } while (SkipSymbol(','));
+  if (IsWord(Word::kWhere)) Where(nullptr);
+}
+
+void Rewriter::Assignment() {
+  if (IsSymbol('(')) {
+    NameList();
+  } else {
+    const std::size_t first = at_;
+    QualifiedName();
+    // Engines name the column alone.
+    for (std::size_t i = first; i + 1 < at_; ++i) edits_.Remove(i);
+  }
+  ExpectSymbol('=', 927, "missing equal sign");
+  (void)Sum();
+}
+
+void Rewriter::Delete() {
+  ++at_;
+  if (!SkipWord(Word::kFrom)) edits_.Replace(at_ - 1, "DELETE FROM");
+  QualifiedName();
+  AliasOfChangedTable();
+  if (IsWord(Word::kWhere)) Where(nullptr);
+}
+
+// Oracle's alias stands bare, other engines want AS before it.
+void Rewriter::AliasOfChangedTable() {
+  const Token& alias = Here();
+  if (alias.kind != TokenKind::kQuotedName &&
+      (alias.kind != TokenKind::kWord || ContinuesFromClause(alias.word))) {
+    return;
+  }
+  const std::string_view text = TextOf(sql_, alias);
+  const bool quotes = alias.kind == TokenKind::kWord && engine_.IsReservedWord(Upper(alias));
+  const std::string quote = quotes ? "\"" : "";
+  edits_.Replace(at_++, "AS " + quote + std::string(text) + quote);
+}
+
+void Rewriter::Name() {
+  const Token& name = Here();
+  if (name.kind == TokenKind::kWord && !IsReservedByOracle(name.word)) {
+    if (engine_.IsReservedWord(Upper(name))) edits_.Quote(at_);
+  } else if (name.kind != TokenKind::kQuotedName) {
+    Fail(name.kind == TokenKind::kWord ? 903 : 900, "a name is missing");
+  }
+  ++at_;
+}
+
+void Rewriter::QualifiedName() {
+  Name();
+  while (SkipSymbol('.')) Name();
+}
+
+void Rewriter::NameList() {
+  ExpectSymbol('(', 906, "missing left parenthesis");
+  do {
+    const std::size_t first = at_;
+    QualifiedName();
+    for (std::size_t i = first; i + 1 < at_; ++i) edits_.Remove(i);
+  } while (SkipSymbol(','));
+  ExpectSymbol(')', 907, "missing right parenthesis");
+}
+
+}  // namespace sabrel::dialect

@@ -1,0 +1,169 @@
+// Walks one statement along Oracle's grammar and marks what the engine wants otherwise.
+//
+// Recursive descent: a nested query, a parenthesis and a call go one level deeper, everything else
+// is a loop, so that the depth limit bounds the stack whatever the text. Where the grammar here
+// ends, the statement is refused.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/shared/dialect/dialect.h"
+#include "adapters/shared/dialect/edits.h"
+#include "adapters/shared/dialect/token.h"
+
+namespace sabrel::dialect {
+
+class Rewriter {
+ public:
+  Rewriter(std::string_view sql, const Engine& engine);
+  [[nodiscard]] Rewritten Run(StatementKind kind);
+
+ private:
+  /// Which constants become parameters.
+  enum class Lift : std::uint8_t { kNever, kInCalls, kAlways };
+  /// How the engine's own operators would bind to the operand that was read.
+  enum class Shape : std::uint8_t { kAtom, kProduct, kSum, kChain };
+  struct Operand {
+    std::size_t first = 0;
+    std::size_t last = 0;
+    Shape shape = Shape::kAtom;
+    bool is_number = false;  // numeric constants only
+  };
+  /// What speaks against cutting a SELECT at its ROWNUM condition.
+  struct SelectFacts {
+    bool has_row_limit = false;
+    bool has_aggregate = false;
+    bool is_grouped = false;
+    bool is_distinct = false;
+    std::size_t row_limit_token = 0;
+  };
+  /// A column of CREATE TABLE, up to its type's last token.
+  struct Column {
+    std::string name;
+    std::size_t last_token = 0;
+  };
+  class Level;  // one nesting level while it lives
+
+  // Cursor.
+  [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
+  [[nodiscard]] const Token& Ahead(std::size_t distance) const {
+    const std::size_t last = tokens_.size() - 1;
+    return tokens_[at_ + distance < last ? at_ + distance : last];
+  }
+  [[nodiscard]] bool IsWord(Word word) const { return Here().word == word; }
+  [[nodiscard]] bool IsText(const Token& token, std::string_view upper) const;
+  [[nodiscard]] static bool IsSymbol(const Token& token, char symbol) {
+    return token.kind == TokenKind::kSymbol && token.symbol == symbol;
+  }
+  [[nodiscard]] bool IsSymbol(char symbol) const { return IsSymbol(Here(), symbol); }
+  [[nodiscard]] bool IsQueryStart() const { return IsWord(Word::kSelect) || IsWord(Word::kWith); }
+  bool SkipWord(Word word) {
+    const bool is_here = IsWord(word);
+    if (is_here) ++at_;
+    return is_here;
+  }
+  bool SkipText(std::string_view upper);
+  bool SkipSymbol(char symbol) {
+    const bool is_here = IsSymbol(symbol);
+    if (is_here) ++at_;
+    return is_here;
+  }
+  void ExpectSymbol(char symbol, std::int32_t native_number, std::string_view what);
+  void ExpectWord(Word word, std::int32_t native_number, std::string_view what);
+  [[noreturn]] void Fail(std::int32_t native_number, std::string_view what) const;
+  [[nodiscard]] std::string Upper(const Token& token) const { return ValueOfName(sql_, token); }
+
+  // Expressions and conditions (expression.cpp).
+  void Condition();
+  void Comparison();
+  void Predicate();
+  [[nodiscard]] Operand Sum();
+  [[nodiscard]] Operand Product();
+  [[nodiscard]] Operand Unary();
+  [[nodiscard]] Operand Primary();
+  Operand Combine(const Operand& left, std::size_t operation, const Operand& right);
+  void Parenthesis();
+  void Case();
+  void Cast();
+  void DateConstant();
+  void NameOrCall();
+  void QuoteReserved(std::size_t first, std::size_t last);
+  void Call(std::size_t first, std::size_t last);
+  void CallName(std::size_t first, std::size_t last);
+  void Arguments();
+  void Window();
+  void ExpressionList();
+  void OrderList();
+
+  // Queries and changes of data (query.cpp).
+  void Query();
+  void SelectCore(SelectFacts& facts);
+  void SelectList();
+  void FromList();
+  void TableReference();
+  bool JoinWords();
+  void TableAlias();
+  void Where(SelectFacts* facts);
+  bool RowLimit(SelectFacts& facts);
+  void GroupBy(SelectFacts& facts);
+  void FetchFirst();
+  void ForUpdate();
+  void With();
+  void Insert();
+  void Update();
+  void Delete();
+  void AliasOfChangedTable();
+  void Assignment();
+  void Values();
+  void Name();
+  void QualifiedName();
+  void NameList();
+  void FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator);
+
+  // Definitions (definition_rewriter.cpp).
+  void Definition();
+  void CreateTable();
+  void AlterTable();
+  void DropTable();
+  void TableItem();
+  void ColumnType();
+  void ColumnRules();
+  void PrimaryKey();
+  void RefuseNull(const Column& column);
+  void Copy();
+
+  std::string_view sql_;
+  const Engine& engine_;
+  std::vector<Token> tokens_;
+  Edits edits_;
+  std::size_t at_ = 0;
+  int depth_ = 0;
+  Lift lift_ = Lift::kAlways;
+  bool may_lift_ = true;
+  bool writes_ = false;
+  std::vector<Column> columns_;
+  SelectFacts* facts_ = nullptr;  // of the outermost SELECT while its parts are read
+};
+
+class Rewriter::Level {
+ public:
+  explicit Level(Rewriter& rewriter) : rewriter_(rewriter), lift_(rewriter.lift_) {
+    constexpr int kMaximumDepth = 500;
+    if (++rewriter_.depth_ > kMaximumDepth) rewriter_.Fail(900, "nested too deeply");
+  }
+  ~Level() {
+    --rewriter_.depth_;
+    rewriter_.lift_ = lift_;
+  }
+  Level(const Level&) = delete;
+  Level& operator=(const Level&) = delete;
+
+ private:
+  Rewriter& rewriter_;
+  Lift lift_;
+};
+
+}  // namespace sabrel::dialect

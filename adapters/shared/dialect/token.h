@@ -1,0 +1,86 @@
+// Statement text cut into tokens: words, names in quotes, constants, parameters, symbols.
+//
+// Space and comments lie between tokens and belong to none. A token is a place in the text, never a
+// copy of it. Open quotes and comments are refused; bytes that start no token are tokens of their
+// own, for the parser to refuse.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/shared/dialect/dialect.h"
+#include "adapters/shared/dialect/word.h"
+
+namespace sabrel::dialect {
+
+enum class TokenKind : std::uint8_t {
+  kEnd,
+  kWord,
+  kQuotedName,
+  kText,  // '...', N'...', q'[...]'
+  kNumber,
+  kParameter,  // :name
+  kSymbol,
+  kStray,
+};
+
+/// Symbols of one character are that character; these stand for the longer ones.
+constexpr char kConcatenation = 'c';  // ||
+constexpr char kNotEqual = 'n';       // <> != ^=
+constexpr char kLessOrEqual = 'l';
+constexpr char kGreaterOrEqual = 'g';
+constexpr char kArrow = 'a';       // =>
+constexpr char kAssignment = 's';  // :=
+
+struct Token {
+  TokenKind kind = TokenKind::kEnd;
+  Word word = Word::kNone;
+  char symbol = '\0';
+  std::uint32_t begin = 0;
+  std::uint32_t end = 0;
+};
+
+/// Reads tokens one by one. The text must outlive it.
+class Lexer {
+ public:
+  /// Throws SyntaxFailure 900 for a text of 1 GB and more
+  explicit Lexer(std::string_view sql);
+  /// The next token; kEnd again and again at the end.
+  /// Throws SyntaxFailure: 1756 for an open quote, 900 for an open comment
+  [[nodiscard]] Token Next();
+
+ private:
+  [[nodiscard]] char At(std::size_t position) const {
+    return position < sql_.size() ? sql_[position] : '\0';
+  }
+  void SkipSpace();
+  Token Make(TokenKind kind, std::size_t end);
+  Token Quoted(TokenKind kind, std::size_t open);
+  Token AlternativelyQuoted(std::size_t open);
+  Token Number();
+  Token WordOrText();
+  Token Symbol();
+
+  std::string_view sql_;
+  std::size_t position_ = 0;
+};
+
+/// All tokens of `sql` and a kEnd.
+[[nodiscard]] std::vector<Token> Tokenize(std::string_view sql);
+
+[[nodiscard]] inline std::string_view TextOf(std::string_view sql, const Token& token) {
+  return sql.substr(token.begin, token.end - token.begin);
+}
+
+/// What a text constant says: without its quotes, doubled quotes single.
+[[nodiscard]] std::string ValueOfText(std::string_view token_text);
+/// A name as the catalogue holds it: upper case, or as written between quotes.
+[[nodiscard]] std::string ValueOfName(std::string_view sql, const Token& token);
+/// `value` as a text constant.
+[[nodiscard]] std::string TextConstant(std::string_view value);
+/// ` near "word" (character 12)`. Constants are not shown: they may be secrets.
+[[nodiscard]] std::string PlaceOf(std::string_view sql, const Token& token);
+
+}  // namespace sabrel::dialect
