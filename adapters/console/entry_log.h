@@ -1,0 +1,45 @@
+// Trace and log entries: to a file that rotates, or to the terminal when no file is named.
+//
+// One entry is one line with date, time, thread and kind; line breaks inside an entry are followed
+// by four blanks, so whatever starts with a digit in the first column starts an entry. A write that
+// fails is thrown to whoever wrote, and the next write opens the file anew: a disk that has room
+// again continues the log. Refuses to share its file: two processes must not rotate one log.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include "adapters/console/terminal.h"
+
+namespace sabrel {
+
+struct EntryLogOptions {
+  /// Empty writes to the terminal. Missing folders are made.
+  std::filesystem::path path;
+  /// The file is put aside as <stem>.1<extension> before an entry that would make it longer.
+  std::size_t rotate_at_bytes = std::size_t{10} * 1024 * 1024;
+  /// How many files put aside are kept.
+  std::size_t rotated_files = 3;
+};
+
+class EntryLog {
+ public:
+  /// Opens the file. `terminal` must outlive this object.
+  /// Errors: 75 naming the file and the reason
+  EntryLog(const EntryLogOptions& options, TerminalOutput& terminal);
+  ~EntryLog();
+  EntryLog(const EntryLog&) = delete;
+  EntryLog& operator=(const EntryLog&) = delete;
+
+  /// May be called from any thread; the entry has left the process on return.
+  /// Errors: 75 naming the file and the reason
+  void Write(std::string_view kind, std::string_view text);
+
+ private:
+  class Destination;
+  std::unique_ptr<Destination> destination_;
+};
+
+}  // namespace sabrel

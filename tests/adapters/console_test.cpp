@@ -1,0 +1,543 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "adapters/console/configured_spreadsheet.h"
+#include "adapters/console/console_application.h"
+#include "adapters/console/console_services.h"
+#include "adapters/console/environment_locale.h"
+#include "adapters/console/password_prompt.h"
+#include "adapters/console/registry_file.h"
+#include "sabrel/platform/runtime_error.h"
+
+namespace sabrel {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+std::string FailureOfCall(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const RuntimeError& failure) {
+    return std::to_string(failure.Number()) + " " + failure.Description();
+  }
+  return "no failure";
+}
+
+class Folder {
+ public:
+  Folder() {
+    std::string name = (fs::temp_directory_path() / "consoleXXXXXX").string();
+    path_ = ::mkdtemp(name.data());
+  }
+  ~Folder() { fs::remove_all(path_); }
+  [[nodiscard]] fs::path operator/(const char* name) const { return path_ / name; }
+
+ private:
+  fs::path path_;
+};
+
+std::string Contents(const fs::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+// A terminal whose person waits for the end of each prompt and then types the next answer.
+class Terminal {
+ public:
+  Terminal() {
+    if (::openpty(&person_, &program_, nullptr, nullptr, nullptr) != 0) std::abort();
+    file_ = ::fdopen(::dup(program_), "r+");
+  }
+  ~Terminal() {
+    std::fclose(file_);
+    ::close(program_);
+    ::close(person_);
+  }
+  [[nodiscard]] std::FILE* File() const { return file_; }
+  [[nodiscard]] int Descriptor() const { return program_; }
+  [[nodiscard]] bool Echoes() const {
+    termios state{};
+    ::tcgetattr(program_, &state);
+    return (state.c_lflag & ECHO) != 0;
+  }
+  // The echo of what is typed ahead would arrive between any two lines.
+  void Hush() const {
+    termios state{};
+    ::tcgetattr(program_, &state);
+    state.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    ::tcsetattr(program_, TCSANOW, &state);
+  }
+  // What the terminal showed up to and with `awaited`.
+  std::string ReadTo(std::string_view awaited) {
+    std::string seen;
+    for (char c = 0; !seen.ends_with(awaited) && ::read(person_, &c, 1) == 1;) seen += c;
+    return seen;
+  }
+  void Type(std::string_view text) { EXPECT_GT(::write(person_, text.data(), text.size()), 0); }
+
+ private:
+  int person_ = -1;
+  int program_ = -1;
+  std::FILE* file_ = nullptr;
+};
+
+// Registry text
+
+constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00\r\n";
+
+std::string Utf16(std::u16string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (const char16_t unit : text) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+std::string Utf16OfAscii(std::string_view text) {
+  return Utf16(std::u16string(text.begin(), text.end()));
+}
+
+std::string ReadSetting(std::string_view bytes, std::string_view name) {
+  const auto key = RegistryFile::FromBytes(bytes, "s.reg").OpenKey("\\HKEY_LOCAL_MACHINE\\A\\b");
+  return !key ? "no key" : key->ReadString(name, key->ReadBoolean(name, false) ? "true" : "-");
+}
+
+TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
+  struct Row {
+    const char* name;
+    const char* lines;  // of which "v" of the key A\B is read
+    const char* expected;
+  };
+  const Row rows[] = {
+      {"text", "[HKEY_LOCAL_MACHINE\\A\\B]\r\n\"V\"=\"x\"\r\n", "x"},
+      {"LF only, comments, blanks", ";c\n\n [hklm\\a\\b] ; c\n \"v\" = \"x;y\" ;c\n", "x;y"},
+      {"escapes", "[HKLM\\A\\B]\n\"v\"=\"C:\\\\Q \\\"x\\\"\"\n", "C:\\Q \"x\""},
+      {"name with escapes", "[HKLM\\A\\B]\n\"a\\\"=\"=\"n\"\n\"v\"=\"x\"\n", "x"},
+      {"text of two lines", "[HKLM\\A\\B]\n\"v\"=\"x\r\ny\"\n", "x\r\ny"},
+      {"later file part wins", "[HKLM\\A\\B]\n\"v\"=\"x\"\n[HKLM\\A\\B]\n\"V\"=\"y\"\n", "y"},
+      {"dword", "[HKLM\\A\\B]\n\"v\"=dword:0000002A\n", "true"},
+      {"dword 0", "[HKLM\\A\\B]\n\"v\"=dword:00000000\n", "-"},
+      {"dword as hex", "[HKLM\\A\\B]\n\"v\"=hex(4):00,00,00,01\n", "true"},
+      {"qword", "[HKLM\\A\\B]\n\"v\"=hex(b):00,00,00,00,00,00,00,80\n", "true"},
+      {"UTF-16 over lines", "[HKLM\\A\\B]\n\"v\"=hex(2):25,00,\\\r\n  41,00,00,00\n", "%A"},
+      {"binary and list", "[HKLM\\A\\B]\n\"v\"=hex:01,02\n\"v\"=hex(7):41,00\n", "-"},
+      {"half pair", "[HKLM\\A\\B]\n\"v\"=hex(1):00,d8,41,00\n", "\uFFFDA"},
+      {"value removed", "[HKLM\\A\\B]\n\"v\"=\"x\"\n\"V\"=-\n", "-"},
+      {"key removed", "[HKLM\\A\\B\\C]\n[-HKLM\\a\\b]\n[-HKLM\\x\\y]\n", "no key"},
+      {"parents exist", "[HKLM\\A\\B\\C]\n\"v\"=\"x\"\n", "-"},
+      {"brackets in a name", "[HKLM\\A\\B\\[C]]\n", "-"},
+      {"other hive", "[HKCU\\A\\B]\n", "no key"},
+      {"unknown hive", "[HKEY\\A]\n", "line 2: the key does not start"},
+      {"key without name", "[HKLM\\\\A]\n", "line 2: the key has a part without"},
+      {"key open", "\n[HKLM\\A\n", "line 3: the name of the key is not closed"},
+      {"value without key", "\"v\"=\"x\"\n", "line 2: the value stands under no key"},
+      {"value under removed", "[-HKLM\\A]\n\"v\"=-\n", "line 3: the value stands under no key"},
+      {"single backslash", "[HKLM\\A]\n\"v\"=\"C:\\x\"\n", "line 3: a backslash"},
+      {"text open", "[HKLM\\A]\n\"v\"=\"x\n\n", "line 3: the text is not closed"},
+      {"text behind text", "[HKLM\\A]\n\"v\"=\"x\" y\n", "line 3: there is more text"},
+      {"no type", "[HKLM\\A]\n\"v\"=dwo\n", "line 3: the type of the value is missing"},
+      {"odd type", "[HKLM\\A]\n\"v\"=hex(g):00\n", "line 3: the type of the value is not known"},
+      {"short dword", "[HKLM\\A]\n\"v\"=dword:0000002\n", "line 3: a number of 8 hex"},
+      {"short byte", "[HKLM\\A]\n\"v\"=hex:01,0\n", "line 3: a number of 2 hex"},
+      {"list ends in comma", "[HKLM\\A]\n\"v\"=hex:01,\n", "line 3: the list of bytes ends"},
+      {"no comma", "[HKLM\\A]\n\"v\"=hex:01 02\n", "line 3: a comma is missing"},
+      {"half character", "[HKLM\\A]\n\"v\"=hex(1):41\n", "line 3: the text ends in half"},
+      {"short qword", "[HKLM\\A]\n\"v\"=hex(b):01,\\\n02\n", "line 3: the number has to have 8"},
+      {"garbage", "[HKLM\\A]\nv=1\n", "line 3: this is neither a key"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string text = std::string(kHeader) + row.lines;
+    for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, Utf16OfAscii(text)}) {
+      std::string read;
+      const std::string failure = FailureOfCall([&] { read = ReadSetting(bytes, "v"); });
+      if (failure == "no failure") {
+        EXPECT_EQ(read, row.expected);
+      } else {
+        EXPECT_THAT(failure, HasSubstr(row.expected));
+        EXPECT_THAT(failure, HasSubstr("321 The settings file \"s.reg\" is not usable, line "));
+      }
+    }
+  }
+}
+
+TEST(RegistryFile, TakesOrRefusesEncodings) {
+  const std::u16string start = u"Windows Registry Editor Version 5.00\n[HKLM\\A\\B]\n\"v\"=\"";
+  EXPECT_EQ(ReadSetting(Utf16(start + u"\u00E9\u20AC\U0001F600\"\n"), "v"),
+            "\u00E9\u20AC\U0001F600");
+  const std::u16string halves = {u'x', 0xD83D, u'y', 0xDE00, u'"', u'\n'};
+  EXPECT_EQ(ReadSetting(Utf16(start + halves), "v"), "x\uFFFDy\uFFFD");
+  const std::string ansi = "REGEDIT4\n[HKLM\\A\\B]\n\"v\"=hex(2):41,";
+  EXPECT_EQ(ReadSetting(ansi + "42,00\n", "v"), "AB");
+
+  const auto refusal = [](const std::string& bytes) {
+    return FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes, "s.reg"); });
+  };
+  EXPECT_THAT(refusal(ansi + "E9\n"), HasSubstr("line 3: the text is not UTF-8"));
+  EXPECT_THAT(refusal("REGEDIT4\n;\xE9\n"), HasSubstr("line 2: the text is neither UTF-8"));
+  EXPECT_THAT(refusal("\xFE\xFF" + std::string(kHeader)), HasSubstr("big-endian"));
+  EXPECT_THAT(refusal(Utf16(start).substr(2)), HasSubstr("byte-order mark"));
+  EXPECT_THAT(refusal("REGEDIT5\n"), HasSubstr("header"));
+  EXPECT_THAT(refusal("REGEDIT4\n[HKLM]"), HasSubstr("line 2: the file ends without a line break"));
+  std::string deep = "REGEDIT4\n[HKLM";
+  for (int i = 0; i < 600; ++i) deep += "\\k";
+  EXPECT_THAT(refusal(deep + "]\n"), HasSubstr("line 2: the key is nested too deeply"));
+}
+
+TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
+  const std::string text = std::string(kHeader) +
+                           "; c\r\n[HKLM\\A\\B]\r\n\"v\"=\"a\\\\b\"\r\n@=dword:0000002a\r\n"
+                           "\"w\"=hex(2):41,00,\\\r\n  42,00,00,00\r\n\"w\"=-\r\n[-HKLM\\A]\r\n";
+  for (const bool wide : {false, true}) {
+    const std::string bytes = wide ? Utf16OfAscii(text) : text;
+    int loaded = 0;
+    for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+      SCOPED_TRACE(cut);
+      const std::size_t characters = wide ? cut / 2 - (cut >= 2 ? 1 : 0) : cut;
+      const std::string_view kept = std::string_view(text).substr(0, characters);
+      const std::size_t last = kept.find_last_not_of("\r\n");
+      const bool whole = (!wide || cut % 2 == 0) && last + 1 < kept.size() && kept[last] != '\\';
+      const std::string failure =
+          FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes.substr(0, cut), "s.reg"); });
+      EXPECT_EQ(failure == "no failure", whole) << failure;
+      loaded += whole ? 1 : 0;
+    }
+    EXPECT_EQ(loaded,
+              15);  // behind CR and behind LF of each line but the continued one and the last LF
+  }
+}
+
+TEST(RegistryFile, ReadsTruthFromNumbersAndWords) {
+  const std::pair<const char*, int> rows[] = {
+      {"True", 1}, {"YES", 1}, {"y", 1},  {" 1 ", 1}, {"-2.5", 1}, {"false", 0}, {"No", 0},
+      {"n", 0},    {"0.0", 0}, {"on", 2}, {"", 2},    {"1x", 2},   {"nan", 2}};
+  for (const auto& [word, expected] : rows) {
+    SCOPED_TRACE(word);
+    const auto registry =
+        RegistryFile::FromBytes("REGEDIT4\n[HKCU]\n@=\"" + std::string(word) + "\"\n", "s.reg");
+    const auto key = registry.OpenKey("HKCU");
+    EXPECT_EQ(key->ReadBoolean("", true), expected != 0);
+    EXPECT_EQ(key->ReadBoolean("", false), expected == 1);
+    EXPECT_TRUE(key->ReadBoolean("other", true));
+  }
+}
+
+TEST(RegistryFile, OpensKeysThatOutliveIt) {
+  const Folder folder;
+  std::ofstream(folder / "s.reg") << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
+  auto registry = std::make_unique<RegistryFile>(folder / "s.reg");
+  EXPECT_EQ(registry->OpenKey("\\HKEY_LOCAL_MACHINE\\A\\X"), nullptr);
+  EXPECT_EQ(registry->OpenKey("\\HKEY\\A"), nullptr);
+  const auto key = registry->OpenKey("\\hkey_local_machine\\a");
+  registry.reset();
+  EXPECT_EQ(key->OpenSubkey("C"), nullptr);
+  EXPECT_EQ(key->OpenSubkey("b\\c")->ReadString("", "d"), "x");
+
+  EXPECT_EQ(RegistryFile().OpenKey("\\HKEY_LOCAL_MACHINE"), nullptr);
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder / ""); }), HasSubstr("Is a directory"));
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder / "no.reg"); }),
+              ::testing::AllOf(HasSubstr("75 "), HasSubstr("no.reg\""), HasSubstr("No such file")));
+}
+
+// Message boxes
+
+TEST(ConsoleServices, AnswersBoxesByModeAndStyle) {
+  struct Row {
+    const char* name;
+    AnswerMode mode;
+    std::int32_t style;
+    std::int32_t answer;
+    std::string icon, question;
+  };
+  const Row rows[] = {
+      {"critical", AnswerMode::kNo, 16, 1, "critical", ""},
+      {"exclamation", AnswerMode::kYes, 48, 1, "exclamation", ""},
+      {"yes", AnswerMode::kYes, 52, 6, "exclamation", "  Yes or No? Yes\n"},
+      {"no", AnswerMode::kNo, 52, 7, "exclamation", "  Yes or No? No\n"},
+      {"nobody to ask", AnswerMode::kAsk, 292, 7, "question", "  Yes or No? No\n"},
+      {"no icon", AnswerMode::kAsk, 0, 1, "message", ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    char* shown = nullptr;
+    std::size_t size = 0;
+    ConsoleServicesOptions options;
+    options.answer = row.mode;
+    options.terminal = ::open_memstream(&shown, &size);
+    ConsoleServices services(options);
+    EXPECT_EQ(services.ShowMessage("a\r\nb\a", row.style, "C\r\nd"), row.answer);
+    std::fclose(options.terminal);
+    EXPECT_EQ(shown, "[" + row.icon + "] C d\n  a\n  b\\x07\n" + row.question);
+    std::free(shown);
+  }
+}
+
+TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
+  struct Row {
+    const char* typed;
+    std::int32_t style;
+    std::int32_t answer;
+  };
+  const Row rows[] = {{"y\n", 292, 6}, {"YES\n", 52, 6}, {"n\n", 52, 7},  {" no \n", 52, 7},
+                      {"\n", 292, 7},  {"\n", 52, 6},    {"\x04", 52, 7}, {"what\ny\n", 292, 6}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.typed);
+    Terminal terminal;
+    terminal.Hush();
+    ConsoleServicesOptions options;
+    options.terminal = terminal.File();
+    options.answers_from = terminal.Descriptor();
+    ConsoleServices services(options);
+    terminal.Type(row.typed);
+    EXPECT_EQ(services.ShowMessage("text", row.style, "caption"), row.answer);
+    terminal.ReadTo("] ");
+    EXPECT_EQ(terminal.ReadTo("] "), std::string("caption\r\n  text\r\n  Yes or No? ") +
+                                         (row.style == 292 ? "[y/N] " : "[Y/n] "));
+  }
+}
+
+TEST(VisibleText, ShowsWhatCouldSteerATerminal) {
+  const std::pair<std::string, const char*> rows[] = {
+      {"plain \t \u00E9\u20AC\U0001F600", "plain \t \u00E9\u20AC\U0001F600"},
+      {"a\r\nb\nc\rd\n\re", "a|b|c|d||e"},
+      {"\x1B[31m\x7F\b", "\\x1B[31m\\x7F\\x08"},
+      {std::string("a\0b", 3), "a\\x00b"},
+      {"\u0080\u009B\u009F\u00A0", "\\u0080\\u009B\\u009F\u00A0"},
+      {"\u202E\u2066\u200F\u2028\uFEFF", "\\u202E\\u2066\\u200F\\u2028\\uFEFF"},
+      {"\x9B\xC3(\xE2\x82", "\\x9B\\xC3(\\xE2\\x82"},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(VisibleText(text, "|"), expected);
+}
+
+// Trace and log
+
+ConsoleServicesOptions LogTo(const fs::path& path, std::size_t bytes = 1 << 20) {
+  ConsoleServicesOptions options;
+  options.log = {path, bytes, 2};
+  return options;
+}
+
+TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
+  const Folder folder;
+  std::ofstream(folder / "s.log") << "torn";
+  ConsoleServices services(LogTo(folder / "s.log"));
+  services.WriteTrace("dropped");
+  services.TraceSwitch(true);
+  services.WriteTrace("caption\r\nQuery: \x1B");
+  services.Assertion(true, "S", "M", "P", "dropped");
+  services.Assertion(false, "S", "M", "P", "m");
+  const std::string at = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[\\d+\\] ";
+  const std::regex expected("torn\n" + at + "trace: caption\n    Query: \\\\x1B\n" + at +
+                            "log: Assertion failed in S, M\\.P: m\n");
+  EXPECT_TRUE(std::regex_match(Contents(folder / "s.log"), expected)) << Contents(folder / "s.log");
+}
+
+TEST(ConsoleServices, WritesEntriesToTheTerminalWithoutALogFile) {
+  char* shown = nullptr;
+  std::size_t size = 0;
+  ConsoleServicesOptions options;
+  options.terminal = ::open_memstream(&shown, &size);
+  ConsoleServices(options).WriteLog("entry");
+  std::fclose(options.terminal);
+  EXPECT_THAT(shown, HasSubstr("] log: entry\n"));
+  std::free(shown);
+}
+
+TEST(ConsoleServices, PutsFullLogsAsideAndKeepsTheLastOnes) {
+  const Folder folder;
+  ConsoleServices services(LogTo(folder / "s.log", 100));
+  for (const char* entry : {"first", "second", "third", "fourth"}) {
+    services.WriteLog(entry + std::string(60, '.'));
+  }
+  EXPECT_THAT(Contents(folder / "s.log"), HasSubstr("fourth"));
+  EXPECT_THAT(Contents(folder / "s.1.log"), HasSubstr("third"));
+  EXPECT_THAT(Contents(folder / "s.2.log"), HasSubstr("second"));
+  EXPECT_FALSE(fs::exists(folder / "s.3.log"));
+}
+
+TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
+  const Folder folder;
+  const std::string open = FailureOfCall([&] { ConsoleServices services(LogTo(folder / "")); });
+  EXPECT_THAT(open, HasSubstr("75 The log file"));
+  EXPECT_THAT(open, HasSubstr("Is a directory"));
+
+  ConsoleServices full(LogTo("/dev/full"));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(FailureOfCall([&] { full.WriteLog("entry"); }),
+                ::testing::AllOf(HasSubstr("\"/dev/full\""), HasSubstr("No space left")));
+  }
+
+  fs::create_directory(folder / "sub");
+  ConsoleServices rotating(LogTo(folder / "sub" / "s.log", 50));
+  rotating.WriteLog(std::string(60, '.'));
+  fs::create_directories(folder / "sub" / "s.2.log" / "in the way");
+  fs::create_directories(folder / "sub" / "s.1.log");
+  EXPECT_THAT(FailureOfCall([&] { rotating.WriteLog("a"); }), HasSubstr("failed renaming"));
+  fs::remove_all(folder / "sub");
+  rotating.WriteLog("works again");
+  EXPECT_THAT(Contents(folder / "sub" / "s.log"), HasSubstr("works again"));
+
+  ConsoleServicesOptions options;
+  options.terminal = std::fopen("/dev/full", "w");
+  ConsoleServices mute(options);
+  EXPECT_THAT(FailureOfCall([&] { mute.ShowMessage("t", 16, "c"); }), HasSubstr("No space left"));
+  std::fclose(options.terminal);
+}
+
+TEST(ConsoleServices, KeepsLinesWholeWhenEightThreadsWrite) {
+  const Folder folder;
+  ConsoleServicesOptions options = LogTo(folder / "s.log", 2000);
+  options.log.rotated_files = 60;
+  options.terminal = std::fopen((folder / "boxes").c_str(), "w");
+  {
+    ConsoleServices services(options);
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 8; ++t) {
+      threads.emplace_back([&, t] {
+        for (int i = 0; i < 100; ++i) {
+          services.TraceSwitch(i % 2 == 0);
+          const std::string text = std::to_string(t) + "." + std::to_string(i) + "!";
+          services.WriteLog(text + "\n" + std::string(20, 'x'));
+          services.ShowMessage(text, 292, "c");
+        }
+      });
+    }
+  }
+  std::fclose(options.terminal);
+  std::string log = Contents(folder / "s.log");
+  for (int i = 1; i <= 60; ++i) {
+    log += Contents(folder / ("s." + std::to_string(i) + ".log").c_str());
+  }
+  const std::regex entry("[-\\d]{10} [:.\\d]{12} \\[\\d+\\] log: (\\d\\.\\d+!)\n    x{20}\n");
+  std::set<std::string> seen;
+  std::size_t length = 0;
+  for (std::sregex_iterator it(log.begin(), log.end(), entry), end; it != end; ++it) {
+    seen.insert((*it)[1]);
+    length += static_cast<std::size_t>(it->length());
+  }
+  EXPECT_EQ(seen.size(), 800U);
+  EXPECT_EQ(length, log.size());
+  const std::string boxes = Contents(folder / "boxes");
+  const std::regex box("\\[question\\] c\n  \\d\\.\\d+!\n  Yes or No\\? No\n");
+  EXPECT_EQ(std::distance(std::sregex_iterator(boxes.begin(), boxes.end(), box), {}), 800);
+}
+
+// Locale, application, spreadsheet, prompt
+
+TEST(EnvironmentLocale, DerivesFactsFromPatterns) {
+  struct Row {
+    const char *name, *decimal, *thousands, *date, *time;
+    const char* expected;  // decimal thousands date separator, time separator, order
+  };
+  const Row rows[] = {
+      {"C", ".", "", "%m/%d/%y", "%H:%M:%S", ". , / : 0"},
+      {"en_US", ".", ",", "%m/%d/%Y", "%r", ". , / : 0"},
+      {"de_DE", ",", ".", "%d.%m.%Y", "%T", ", . . : 1"},
+      {"es_ES", ",", "", "%d/%m/%y", "%T", ", . / : 1"},
+      {"fi_FI", ",", "\u202F", "%d.%m.%Y", "%H.%M.%S", ", \u202F . . 1"},
+      {"fr_FR in Latin-1", ",", "\xA0", "%d/%m/%Y", "%T", ", \u00A0 / : 1"},
+      {"sv_SE", ",", "\u00A0", "%Y-%m-%d", "%H:%M:%S", ", \u00A0 - : 2"},
+      {"en_CA", ".", ",", "%F", "%T", ". , - : 2"},
+      {"cs_CZ", ",", "\u00A0", "%-d.%-m.%Y", "%H:%M:%S", ", \u00A0 . : 1"},
+      {"vi_VN", ",", ".", "%A, %d/%m/%Y", "%Od:%M", ", . / : 1"},
+      {"ja_JP", ".", ",", "%Y年%m月%d日", "%H時%M分%S秒", ". , / : 2"},
+      {"nothing", "", "", "", "%", ". , / : 0"},
+  };
+  for (const Row& row : rows) {
+    const LocaleFacts f = LocaleFactsOf(row.decimal, row.thousands, row.date, row.time);
+    EXPECT_EQ(f.decimal_separator + " " + f.thousands_separator + " " + f.date_separator + " " +
+                  f.time_separator + " " + std::to_string(static_cast<int>(f.date_order)),
+              row.expected)
+        << row.name;
+  }
+  ::setenv("LC_ALL", "xx_NOT_INSTALLED", 1);
+  EXPECT_EQ(EnvironmentLocale().decimal_separator, ".");
+  ::unsetenv("LC_ALL");
+}
+
+TEST(ConsoleApplication, AnswersWithPropertiesOptionsAndFallbacks) {
+  int notified = 0;
+  ConsoleApplicationOptions options;
+  options.product_name = "Own";
+  options.on_notify = [&] { ++notified; };
+  ConsoleApplication application(options);
+  EXPECT_EQ(application.ProductName(), "Own");
+  application.ProductProperty("productNAME", "");
+  EXPECT_EQ(application.ProductName(), "");
+  EXPECT_NE(application.MachineName(), "");
+  EXPECT_NE(application.DomainName(), "");
+  EXPECT_NE(application.DomainName(), "(none)");
+  EXPECT_EQ(application.TransformPassword("p"), "p");
+  EXPECT_EQ(application.ErrorCodeOf(static_cast<std::int32_t>(0x80040000U) + 28004), 28004);
+  application.Notify();
+  EXPECT_EQ(notified, 1);
+
+  options.domain_name = "D";
+  options.transform_password = [](std::string_view p) { return std::string(p.rbegin(), p.rend()); };
+  ConsoleApplication other(options);
+  EXPECT_EQ(other.DomainName() + other.TransformPassword("ab"), "Dba");
+}
+
+TEST(ConfiguredSpreadsheet, StartsOnlyWhenConfigured) {
+  EXPECT_EQ(ConfiguredSpreadsheet("12.0").CreateInstance()->Version(), "12.0");
+  EXPECT_THAT(FailureOfCall([] { (void)ConfiguredSpreadsheet().CreateInstance(); }),
+              HasSubstr("429 The spreadsheet application is not installed"));
+}
+
+volatile std::sig_atomic_t g_interrupts = 0;
+
+TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
+  const int null = ::open("/dev/null", O_RDONLY);
+  EXPECT_THAT(FailureOfCall([&] { (void)PromptWithoutEcho("P", null); }),
+              HasSubstr("not a terminal"));
+  ::close(null);
+
+  Terminal terminal;
+  const auto prompt = [&] {
+    return PromptWithoutEcho("Password: ", terminal.Descriptor(), terminal.File());
+  };
+  {
+    std::jthread person([&] {
+      terminal.ReadTo("Password: ");
+      EXPECT_FALSE(terminal.Echoes());
+      terminal.Type("s\u00E9cret \n");
+    });
+    EXPECT_EQ(prompt(), "s\u00E9cret ");
+  }
+  EXPECT_TRUE(terminal.Echoes());
+  terminal.Type("visible\n");
+  EXPECT_EQ(terminal.ReadTo("visible"), "\r\nvisible");
+
+  // A signal with a handler of the host's: it runs, on whatever thread, and the prompt ends.
+  g_interrupts = 0;
+  const auto before = std::signal(SIGINT, [](int) { g_interrupts = g_interrupts + 1; });
+  {
+    std::jthread person([&] {
+      terminal.ReadTo("Password: ");
+      std::raise(SIGINT);
+    });
+    EXPECT_THAT(FailureOfCall([&] { (void)prompt(); }), HasSubstr("was interrupted"));
+  }
+  EXPECT_TRUE(terminal.Echoes());
+  std::raise(SIGINT);
+  EXPECT_EQ(g_interrupts, 2);
+  std::signal(SIGINT, before);
+}
+
+}  // namespace
+}  // namespace sabrel
