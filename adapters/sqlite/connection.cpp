@@ -1,0 +1,309 @@
+#include "adapters/sqlite/connection.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "adapters/sqlite/catalogue.h"
+#include "adapters/sqlite/failure.h"
+#include "sabrel/platform/rowlink.h"
+
+namespace sabrel::sqlite {
+namespace {
+
+constexpr int kOperationsBetweenChecks = 2000;
+
+/// Refuses what the engine would take wrongly: it makes a missing file's journal, and calls a
+/// folder "unable to open".
+void RequireFile(const std::string& path) {
+  struct stat facts {};
+  if (::stat(path.c_str(), &facts) != 0) {
+    throw ServerFailure(1157, "cannot open the file " + path + ": " + std::strerror(errno));
+  }
+  if (S_ISDIR(facts.st_mode)) {
+    throw ServerFailure(1157, "cannot open the file " + path + ": it is a folder");
+  }
+  if (!S_ISREG(facts.st_mode)) {
+    throw ServerFailure(1157, "cannot open the file " + path + ": it is no ordinary file");
+  }
+}
+
+bool HasJournal(const std::string& path) {
+  return ::access((path + "-wal").c_str(), F_OK) == 0 ||
+         ::access((path + "-shm").c_str(), F_OK) == 0;
+}
+
+/// The engine leaves its journal beside a damaged file, which it cannot close in order.
+void RemoveEmptyJournal(const std::string& path) noexcept {
+  struct stat facts {};
+  if (::stat((path + "-wal").c_str(), &facts) != 0 || facts.st_size != 0) return;
+  ::unlink((path + "-wal").c_str());
+  ::unlink((path + "-shm").c_str());
+}
+
+}  // namespace
+
+Deadline DeadlineIn(std::int32_t seconds) {
+  if (seconds <= 0) return std::nullopt;
+  return std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+}
+
+void StopSwitch::Add(Connection& connection) {
+  const std::scoped_lock lock(mutex_);
+  connections_.push_back(&connection);
+}
+
+void StopSwitch::Remove(Connection& connection) {
+  const std::scoped_lock lock(mutex_);
+  std::erase(connections_, &connection);
+}
+
+void StopSwitch::StopAll() noexcept {
+  const std::scoped_lock lock(mutex_);
+  for (Connection* connection : connections_) {
+    if (!connection->running_) continue;
+    connection->cancelled_ = true;
+    sqlite3_interrupt(connection->handle_);
+  }
+}
+
+Connection::Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch)
+    : path_(path), stop_switch_(std::move(stop_switch)) {
+  RequireFile(path_);
+  const bool had_journal = HasJournal(path_);
+  try {
+    Open();
+    Configure();
+  } catch (const std::exception&) {
+    for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
+    sqlite3_close(handle_);
+    if (!had_journal) RemoveEmptyJournal(path_);
+    throw;
+  }
+  stop_switch_->Add(*this);
+}
+
+Connection::~Connection() {
+  stop_switch_->Remove(*this);
+  for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
+  sqlite3_close(handle_);
+}
+
+void Connection::Open() {
+  const int code = sqlite3_open_v2(path_.c_str(), &handle_,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  if (code != SQLITE_OK) {
+    const int reason = handle_ != nullptr ? sqlite3_system_errno(handle_) : 0;
+    throw ServerFailure(1157,
+                        "cannot open the file " + path_ + (reason != 0 ? ": " : "") +
+                            (reason != 0 ? std::strerror(reason) : ""),
+                        sqlite3_errstr(code));
+  }
+  sqlite3_extended_result_codes(handle_, 1);
+  sqlite3_busy_handler(
+      handle_,
+      [](void* self, int waits) {
+        return static_cast<Connection*>(self)->WaitForLock(waits) ? 1 : 0;
+      },
+      this);
+  sqlite3_progress_handler(
+      handle_, kOperationsBetweenChecks,
+      [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
+}
+
+void Connection::Configure() {
+  // Reading before anything is set: what is no site must not be written to, nor get a journal
+  // beside it.
+  {
+    Statement mark = Prepare("PRAGMA application_id");
+    if (!mark.Step() || mark.Column(0).integer != kSiteMark) {
+      throw ServerFailure(1157, "the file " + path_ + " is not a site of this server");
+    }
+  }
+  Run("PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON; PRAGMA case_sensitive_like=ON;"
+      "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON; PRAGMA temp_store=MEMORY;"
+      "PRAGMA journal_size_limit=67108864");
+  sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_limit(handle_, SQLITE_LIMIT_SQL_LENGTH, static_cast<int>(kLongestText));
+  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+Statement Connection::Prepare(std::string_view sql, Verb verb) {
+  if (const auto found = kept_by_text_.find(sql); found != kept_by_text_.end()) {
+    const auto entry = found->second;
+    kept_by_text_.erase(found);
+    Kept kept = std::move(*entry);
+    kept_.erase(entry);
+    return {*this, kept.handle, std::move(kept.key), verb};
+  }
+  if (sql.size() > kLongestText) throw ServerFailure(1745, "the statement is too large");
+  const bool keep = sql.size() <= kLongestKeptText;
+  sqlite3_stmt* handle = nullptr;
+  kept_failure_ = nullptr;
+  const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+                                      keep ? SQLITE_PREPARE_PERSISTENT : 0, &handle, nullptr);
+  if (code != SQLITE_OK) Fail(code, nullptr, verb);
+  if (handle == nullptr) throw ServerFailure(900, "invalid SQL statement: it is empty");
+  return {*this, handle, keep ? std::string(sql) : std::string(), verb};
+}
+
+void Connection::KeepStatement(std::string key, sqlite3_stmt* handle) noexcept {
+  // A statement that calls itself is prepared twice; the first to end is kept.
+  if (key.empty() || kept_by_text_.contains(key)) {
+    sqlite3_finalize(handle);
+    return;
+  }
+  try {
+    kept_.push_front({std::move(key), handle});
+    kept_by_text_.emplace(kept_.front().key, kept_.begin());
+  } catch (...) {
+    if (!kept_.empty() && kept_.front().handle == handle) kept_.pop_front();
+    sqlite3_finalize(handle);
+    return;
+  }
+  if (kept_.size() > kKeptStatements) {
+    kept_by_text_.erase(kept_.back().key);
+    sqlite3_finalize(kept_.back().handle);
+    kept_.pop_back();
+  }
+}
+
+void Connection::Run(const char* sql) {
+  kept_failure_ = nullptr;
+  const int code = sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Fail(code, nullptr, Verb::kOther);
+}
+
+bool Connection::MustStop() const noexcept {
+  if (!running_) return false;
+  return cancelled_ || (deadline_ && std::chrono::steady_clock::now() >= *deadline_);
+}
+
+bool Connection::WaitForLock(int waits) noexcept {
+  using std::chrono::milliseconds;
+  const auto now = std::chrono::steady_clock::now();
+  if (waits == 0) wait_started_ = now;
+  if (MustStop()) return false;
+  if (!deadline_ && now - wait_started_ >= kLongestWait) return false;
+  auto pause = milliseconds(std::min(1 + waits, 20));
+  if (deadline_) {
+    pause = std::min(pause, std::chrono::ceil<milliseconds>(*deadline_ - now));
+  }
+  std::this_thread::sleep_for(pause);
+  return true;
+}
+
+void Connection::Fail(int code, sqlite3_stmt* handle, Verb verb) {
+  if (kept_failure_) std::rethrow_exception(std::exchange(kept_failure_, nullptr));
+  std::string text = sqlite3_errmsg(handle_);
+  const int plain = code & 0xFF;
+  if (plain == SQLITE_INTERRUPT || plain == SQLITE_BUSY) {
+    if (cancelled_) throw ServerFailure(1013, "user requested cancel of current operation", text);
+    if (deadline_ && std::chrono::steady_clock::now() >= *deadline_) {
+      throw ConnectionFailed(ConnectionFailure::kReceiveTimeOut,
+                             "The statement took longer than the time-out allows.");
+    }
+  }
+  const int extended =
+      code == SQLITE_ERROR || code > 0xFF ? code : sqlite3_extended_errcode(handle_);
+  const NativeError error =
+      NativeErrorOf((extended & 0xFF) == plain ? extended : code, text,
+                    extended == SQLITE_CONSTRAINT_FOREIGNKEY ? PreciseVerb(handle, verb) : verb);
+  std::string message = error.message;
+  if (plain == SQLITE_CORRUPT || plain == SQLITE_NOTADB || plain == SQLITE_CANTOPEN ||
+      plain == SQLITE_READONLY || plain == SQLITE_IOERR || plain == SQLITE_FULL) {
+    message += " (" + path_ + ")";
+  }
+  // The engine quotes the place, which may be a constant.
+  if (text.find("near \"") != std::string::npos) text = "syntax error";
+  if (text.find("unrecognized token") != std::string::npos) text = "unrecognized token";
+  ServerFailure failure(error.number, message, text);
+  failure.Originator(path_);
+  throw failure;
+}
+
+Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
+  if (verb != Verb::kUpdate || handle == nullptr) return verb;
+  // Which columns the statement sets is known to the engine's compiler alone, which tells its
+  // authorizer.
+  struct Seen {
+    std::vector<std::pair<std::string, std::string>> columns;
+  } seen;
+  sqlite3_set_authorizer(
+      handle_,
+      [](void* to, int action, const char* table, const char* column, const char*,
+         const char* trigger) {
+        if (action == SQLITE_UPDATE && trigger == nullptr && table != nullptr &&
+            column != nullptr) {
+          static_cast<Seen*>(to)->columns.emplace_back(table, column);
+        }
+        return SQLITE_OK;
+      },
+      &seen);
+  sqlite3_stmt* again = nullptr;
+  sqlite3_prepare_v2(handle_, sqlite3_sql(handle), -1, &again, nullptr);
+  sqlite3_finalize(again);
+  sqlite3_set_authorizer(handle_, nullptr, nullptr);
+  for (const auto& [table, column] : seen.columns) {
+    Statement references =
+        Prepare("SELECT 1 FROM pragma_foreign_key_list(?1) WHERE UPPER(\"from\") = UPPER(?2)");
+    references.Bind(1, std::string_view(table));
+    references.Bind(2, std::string_view(column));
+    if (references.Step()) return Verb::kUpdateOfReference;
+  }
+  return verb;
+}
+
+bool Connection::InTransaction() const noexcept { return sqlite3_get_autocommit(handle_) == 0; }
+
+void Connection::RollBack() noexcept {
+  // A cancel that comes in between must not stop the clean-up: it holds for the failed statement
+  // only.
+  for (int attempt = 0; attempt < 3 && InTransaction(); ++attempt) {
+    sqlite3_progress_handler(handle_, 0, nullptr, nullptr);
+    sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_progress_handler(
+        handle_, kOperationsBetweenChecks,
+        [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
+  }
+  broken_ = broken_ || InTransaction();
+}
+
+Operation::Operation(Connection& connection, Deadline deadline) : connection_(&connection) {
+  const std::scoped_lock lock(connection.stop_switch_->mutex_);
+  connection.deadline_ = deadline;
+  connection.cancelled_ = false;
+  connection.running_ = true;
+}
+
+Operation::~Operation() {
+  const std::scoped_lock lock(connection_->stop_switch_->mutex_);
+  connection_->running_ = false;
+  connection_->cancelled_ = false;
+  connection_->deadline_.reset();
+}
+
+Transaction::Transaction(Connection& connection, Kind kind) : connection_(&connection) {
+  Statement begin = connection.Prepare(kind == Kind::kWrite ? "BEGIN IMMEDIATE" : "BEGIN");
+  begin.Step();
+}
+
+Transaction::~Transaction() {
+  if (connection_->InTransaction()) connection_->RollBack();
+}
+
+void Transaction::Commit() {
+  Statement commit = connection_->Prepare("COMMIT");
+  commit.Step();
+}
+
+}  // namespace sabrel::sqlite

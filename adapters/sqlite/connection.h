@@ -1,0 +1,175 @@
+// One connection of the engine to one file, and its prepared statements.
+//
+// Every call of the engine goes through here: its result code is checked in one place
+// (Connection::Fail), time-outs and cancelling reach every running statement, and prepared
+// statements are kept for the next use of the same text.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "adapters/sqlite/error_table.h"
+#include "adapters/sqlite/value.h"
+#include "sabrel/platform/row_block.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace sabrel::sqlite {
+
+class Connection;
+
+using Deadline = std::optional<std::chrono::steady_clock::time_point>;
+/// The moment `seconds` from now; none for 0.
+[[nodiscard]] Deadline DeadlineIn(std::int32_t seconds);
+
+/// The connections that Cancel may stop; shared by a thread's rowlink and its connections.
+class StopSwitch {
+ public:
+  void Add(Connection& connection);
+  void Remove(Connection& connection);
+  /// Any thread.
+  void StopAll() noexcept;
+
+ private:
+  friend class Operation;
+  std::mutex mutex_;
+  std::vector<Connection*> connections_;
+};
+
+/// A prepared statement while it is used; goes back to its connection's cache when it is done with.
+class Statement {
+ public:
+  Statement(Connection& connection, sqlite3_stmt* handle, std::string key, Verb verb);
+  ~Statement();
+  Statement(Statement&& other) noexcept;
+  Statement& operator=(Statement&&) = delete;
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  /// 1-based.
+  void Bind(int index, const Value& value);
+  void Bind(int index, std::string_view text);
+  void Bind(int index, std::int64_t number);
+  /// Moves to the next row; false at the end. Errors: the statement's
+  bool Step();
+  /// Ends the run; bound values stay.
+  void Reset() noexcept;
+  [[nodiscard]] int Parameters() const noexcept;
+  [[nodiscard]] int Columns() const noexcept;
+  [[nodiscard]] std::string_view ColumnName(int column) const;
+  [[nodiscard]] Value Column(int column) const;
+  [[nodiscard]] bool IsReadOnly() const noexcept;
+  /// Appends the current row.
+  void AppendRow(RowBlock& block) const;
+
+ private:
+  void AppendCell(RowBlock& block, int column) const;
+  Connection* connection_;
+  sqlite3_stmt* handle_;
+  std::string key_;  // empty: not kept
+  Verb verb_;
+};
+
+class Connection {
+ public:
+  static constexpr std::size_t kKeptStatements = 64;
+  static constexpr std::size_t kLongestKeptText = 2048;
+  static constexpr std::size_t kLongestText = std::size_t{64} << 20U;
+  /// For the write lock, where no time-out holds.
+  static constexpr std::chrono::seconds kLongestWait{30};
+
+  /// Opens the existing file `path` as a site. Errors: ServerFailure naming file and reason
+  Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  [[nodiscard]] sqlite3* Handle() const noexcept { return handle_; }
+  [[nodiscard]] const std::string& Path() const noexcept { return path_; }
+
+  /// Prepares one statement of the engine, or takes it from the cache.
+  [[nodiscard]] Statement Prepare(std::string_view sql, Verb verb = Verb::kOther);
+  /// Runs statements of this server's own, without rows.
+  void Run(const char* sql);
+
+  /// Keeps a failure that happened inside a function of a running statement; it replaces the
+  /// engine's own.
+  void Keep(std::exception_ptr failure) noexcept { kept_failure_ = std::move(failure); }
+  /// The one place where a result code becomes a failure. `handle` is the failing statement, null
+  /// when there is none.
+  [[noreturn]] void Fail(int code, sqlite3_stmt* handle, Verb verb);
+
+  [[nodiscard]] bool InTransaction() const noexcept;
+  /// Ends an open transaction without keeping it. Errors: none
+  void RollBack() noexcept;
+  /// Whether a clean-up failed; such a connection is not used again.
+  [[nodiscard]] bool IsBroken() const noexcept { return broken_; }
+
+ private:
+  friend class Statement;
+  friend class Operation;
+  friend class StopSwitch;
+
+  void Open();
+  void Configure();
+  void KeepStatement(std::string key, sqlite3_stmt* handle) noexcept;
+  [[nodiscard]] bool MustStop() const noexcept;
+  [[nodiscard]] bool WaitForLock(int waits) noexcept;
+  [[nodiscard]] Verb PreciseVerb(sqlite3_stmt* handle, Verb verb);
+
+  struct Kept {
+    std::string key;
+    sqlite3_stmt* handle;
+  };
+  std::string path_;
+  std::shared_ptr<StopSwitch> stop_switch_;
+  sqlite3* handle_ = nullptr;
+  std::list<Kept> kept_;  // last used first
+  std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;
+  std::exception_ptr kept_failure_;
+  Deadline deadline_;
+  std::chrono::steady_clock::time_point wait_started_;
+  std::atomic<bool> running_ = false;
+  std::atomic<bool> cancelled_ = false;
+  bool broken_ = false;
+};
+
+/// The time during which a connection works for one request: its deadline holds and Cancel reaches
+/// it.
+class Operation {
+ public:
+  Operation(Connection& connection, Deadline deadline);
+  ~Operation();
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+
+ private:
+  Connection* connection_;
+};
+
+/// A transaction that is rolled back unless it was committed.
+class Transaction {
+ public:
+  enum class Kind { kRead, kWrite };
+  Transaction(Connection& connection, Kind kind);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void Commit();
+
+ private:
+  Connection* connection_;
+};
+
+}  // namespace sabrel::sqlite

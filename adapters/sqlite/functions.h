@@ -1,0 +1,42 @@
+// The server's SQL functions that need no more than their arguments.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "adapters/sqlite/connection.h"
+#include "adapters/sqlite/value.h"
+
+namespace sabrel::sqlite {
+
+using Arguments = std::span<const Value>;
+
+/// A function of SQL. `most` -1 takes any number of arguments; a failure is thrown as
+/// ServerFailure.
+struct SqlFunction {
+  const char* name;
+  int least;
+  int most;
+  bool is_pure;  // same arguments, same result
+  Value (*run)(Arguments arguments, void* context);
+};
+
+/// Makes `function` known to statements of `connection`; `context` must live as long as the
+/// connection.
+void Register(Connection& connection, const SqlFunction& function, void* context);
+
+/// TO_DATE, TRUNC, NVL, DECODE, UPPER, ... and the operators for dates.
+void RegisterFunctions(Connection& connection);
+void RegisterDateFunctions(Connection& connection);
+
+/// A value as text, as a function takes it. Null is "".
+[[nodiscard]] std::string TextOf(const Value& value);
+/// A value as a number. Errors (ServerFailure): 1722
+[[nodiscard]] Value NumberOf(const Value& value);
+[[nodiscard]] double RealOf(const Value& value);
+/// A whole number, cut. Errors (ServerFailure): 1722, 1426
+[[nodiscard]] std::int64_t WholeOf(const Value& value);
+/// A number, as a whole one when it is one.
+[[nodiscard]] Value Tidy(double number);
+
+}  // namespace sabrel::sqlite

@@ -1,0 +1,276 @@
+#include "adapters/sqlite/server.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "adapters/sqlite/failure.h"
+#include "adapters/sqlite/functions.h"
+#include "adapters/sqlite/server_functions.h"
+#include "sabrel/platform/row_text.h"
+#include "sabrel/platform/utf8.h"
+
+namespace sabrel::sqlite {
+namespace {
+
+using dialect::StatementKind;
+
+bool IsDefinition(StatementKind kind) {
+  return kind == StatementKind::kCreateRoutine || kind == StatementKind::kDropRoutine ||
+         kind == StatementKind::kCreateSequence || kind == StatementKind::kDropSequence ||
+         kind == StatementKind::kCreateTable || kind == StatementKind::kOtherDefinition;
+}
+
+/// `name` with each call of a stored function as the statement wrote it.
+std::string WithoutCalls(std::string name) {
+  constexpr std::string_view kCall = "sabrel_call('";
+  for (std::size_t at = name.find(kCall); at != std::string::npos; at = name.find(kCall, at)) {
+    const std::size_t end = name.find('\'', at + kCall.size());
+    if (end == std::string::npos) break;
+    const std::string routine = name.substr(at + kCall.size(), end - at - kCall.size());
+    const std::size_t behind = name.compare(end + 1, 1, ",") == 0 ? end + 2 : end + 1;
+    name.replace(at, behind - at, routine + "(");
+    at += routine.size();
+  }
+  return name;
+}
+
+/// A column's name as a caller finds it: upper case as unquoted names are, without traces of the
+/// rewriting.
+std::string ResultName(std::string_view name, const dialect::Rewritten& rewritten) {
+  std::string result(name);
+  for (std::size_t i = rewritten.constants.size(); i > 0; --i) {
+    const dialect::Constant& constant = rewritten.constants[i - 1];
+    const bool is_text = constant.kind == dialect::Constant::Kind::kText;
+    const std::string text = is_text ? Quoted(constant.text) : TextOf(ValueOf(constant));
+    result = ReplaceAll(result, "?" + std::to_string(i), text);
+  }
+  result = WithoutCalls(ReplaceAll(result, "sabrel_sysdate()", "SYSDATE"));
+  if (rewritten.text.find("\"" + result + "\"") != std::string::npos) return result;
+  return UpperCase(result);
+}
+
+/// Whether `statement` names what belongs to this server: its own tables and functions all begin
+/// alike.
+bool NamesOwnTable(std::string_view statement) {
+  constexpr std::string_view kPrefix = "sabrel_";
+  if (!ContainsIgnoringCase(statement, kPrefix)) return false;
+  bool in_text = false;
+  for (std::size_t i = 0; i < statement.size(); ++i) {
+    if (statement[i] == '\'') in_text = !in_text;
+    if (!in_text && EqualIgnoringCase(statement.substr(i, kPrefix.size()), kPrefix)) return true;
+  }
+  return false;
+}
+
+std::vector<std::string> ResultNames(const Statement& statement,
+                                     const dialect::Rewritten& rewritten) {
+  std::vector<std::string> names;
+  for (int column = 0; column < statement.Columns(); ++column) {
+    names.push_back(ResultName(statement.ColumnName(column), rewritten));
+  }
+  return names;
+}
+
+}  // namespace
+
+Verb VerbOf(StatementKind kind) noexcept {
+  switch (kind) {
+    case StatementKind::kInsert: return Verb::kInsert;
+    case StatementKind::kUpdate: return Verb::kUpdate;
+    case StatementKind::kDelete: return Verb::kDelete;
+    default: return Verb::kOther;
+  }
+}
+
+Value ValueOf(const dialect::Constant& constant) {
+  switch (constant.kind) {
+    case dialect::Constant::Kind::kInteger: return IntegerValue(constant.integer);
+    case dialect::Constant::Kind::kReal: return RealValue(constant.real);
+    case dialect::Constant::Kind::kText: return TextValue(constant.text);
+    case dialect::Constant::Kind::kNull: break;
+  }
+  return {};
+}
+
+std::string Quoted(std::string_view text) { return "'" + ReplaceAll(text, "'", "''") + "'"; }
+std::string QuotedName(std::string_view name) {
+  return "\"" + ReplaceAll(name, "\"", "\"\"") + "\"";
+}
+
+std::optional<dialect::Engine::RoutineFacts> SqliteDialect::FindRoutine(
+    std::string_view name) const {
+  const auto routine = routines_->Find(name);
+  if (!routine) return std::nullopt;
+  return RoutineFacts{routine->writes};
+}
+
+bool SqliteDialect::IsReservedWord(std::string_view word) const {
+  static constexpr std::array<std::string_view, 10> kWords = {
+      "AUTOINCREMENT", "COMMIT",  "DEFERRABLE", "ISNULL",      "LIMIT",
+      "NOTHING",       "NOTNULL", "RETURNING",  "TRANSACTION", "INDEXED"};
+  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+}
+
+std::string SqliteDialect::NextValue(std::string_view sequence) const {
+  return "sabrel_nextval(" + Quoted(UpperCase(sequence)) + ")";
+}
+
+std::string SqliteDialect::CurrentValue(std::string_view sequence) const {
+  return "sabrel_currval(" + Quoted(UpperCase(sequence)) + ")";
+}
+
+dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) const {
+  return {"sabrel_call(" + Quoted(UpperCase(name)), true};
+}
+
+Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+               std::shared_ptr<SessionState> session)
+    : connection_(path, std::move(stop_switch)),
+      session_(std::move(session)),
+      routines_(*this),
+      dialect_(routines_) {
+  RegisterFunctions(connection_);
+  RegisterDateFunctions(connection_);
+  RegisterServerFunctions(*this);
+  Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);
+}
+
+dialect::Rewritten Server::Compile(std::string_view statement) const {
+  if (NamesOwnTable(statement)) throw ServerFailure(942, "table or view does not exist");
+  return CompileOwn(statement);
+}
+
+dialect::Rewritten Server::CompileOwn(std::string_view statement) const {
+  return dialect::Rewrite(statement, dialect_);
+}
+
+Statement Server::Prepare(const dialect::Rewritten& rewritten) {
+  Statement statement = connection_.Prepare(rewritten.text, VerbOf(rewritten.kind));
+  for (std::size_t i = 0; i < rewritten.constants.size(); ++i) {
+    statement.Bind(static_cast<int>(i + 1), ValueOf(rewritten.constants[i]));
+  }
+  return statement;
+}
+
+void Server::Execute(std::string_view statement) {
+  routines_.MayBeOutdated();
+  const StatementKind kind = dialect::KindOf(statement);
+  if (kind == StatementKind::kTransaction) return;
+  if (kind == StatementKind::kBlock) {
+    RunBlock(statement);
+  } else if (IsDefinition(kind)) {
+    Transaction transaction(connection_, Transaction::Kind::kWrite);
+    try {
+      Define(kind, statement);
+      transaction.Commit();
+    } catch (...) {
+      routines_.Forget();
+      throw;
+    }
+  } else {
+    ExecuteStatement(statement);
+  }
+}
+
+void Server::ExecuteStatement(std::string_view statement) {
+  const dialect::Rewritten rewritten = Compile(statement);
+  if (rewritten.kind == StatementKind::kOther) throw ServerFailure(900, "invalid SQL statement");
+  Statement prepared = Prepare(rewritten);
+  if (prepared.Parameters() > static_cast<int>(rewritten.constants.size())) {
+    throw ServerFailure(1008, "not all variables bound");
+  }
+  const bool writes = rewritten.writes || !prepared.IsReadOnly();
+  Transaction transaction(connection_,
+                          writes ? Transaction::Kind::kWrite : Transaction::Kind::kRead);
+  while (prepared.Step()) {
+  }
+  prepared.Reset();
+  transaction.Commit();
+}
+
+QueryResult Server::Query(std::string_view statement) {
+  routines_.MayBeOutdated();
+  QueryResult result;
+  if (dialect::KindOf(statement) != StatementKind::kSelect) {
+    Execute(statement);
+    result.rows.emplace(0);
+    return result;
+  }
+  const dialect::Rewritten rewritten = Compile(statement);
+  Statement prepared = Prepare(rewritten);
+  if (prepared.Parameters() > static_cast<int>(rewritten.constants.size())) {
+    throw ServerFailure(1008, "not all variables bound");
+  }
+  if (!rewritten.writes && prepared.IsReadOnly()) {
+    const bool has_row = prepared.Step();
+    // Only now: the engine prepares again when the schema has changed.
+    result.column_names = ResultNames(prepared, rewritten);
+    if (has_row) {
+      result.running.emplace(std::move(prepared));
+    } else {
+      result.rows.emplace(result.column_names.size());
+    }
+    return result;
+  }
+  Transaction transaction(connection_, Transaction::Kind::kWrite);
+  bool has_row = prepared.Step();
+  result.column_names = ResultNames(prepared, rewritten);
+  result.rows.emplace(result.column_names.size());
+  for (; has_row; has_row = prepared.Step()) prepared.AppendRow(*result.rows);
+  prepared.Reset();
+  transaction.Commit();
+  return result;
+}
+
+void Server::Write(const RowSet& rows) {
+  std::string sql = "INSERT INTO " + QuotedName(rows.table) + " (";
+  std::string places;
+  for (std::size_t i = 0; i < rows.columns.size(); ++i) {
+    sql += (i > 0 ? ", " : "") + QuotedName(rows.columns[i].name);
+    places += (i > 0 ? ", ?" : "?") + std::to_string(i + 1);
+  }
+  sql += ") VALUES (" + places + ")";
+  Transaction transaction(connection_, Transaction::Kind::kWrite);
+  {
+    Statement insert = connection_.Prepare(sql, Verb::kInsert);
+    for (const std::string& row : rows.rows) {
+      const auto pieces = DecodeRow(row);
+      if (pieces.size() != rows.columns.size()) throw ServerFailure(947, "not enough values");
+      for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const std::string_view text = pieces[i] ? std::string_view(*pieces[i]) : "";
+        if (!IsSendableText(text)) throw ServerFailure(911, "invalid character in a row's text");
+        const Value value = TextValue(text);
+        const bool is_number = EqualIgnoringCase(rows.columns[i].type_word, "INT");
+        insert.Bind(static_cast<int>(i + 1), is_number ? NumberOf(value) : value);
+      }
+      insert.Step();
+      insert.Reset();
+    }
+  }
+  transaction.Commit();
+}
+
+std::int64_t Server::NextValue(const std::string& sequence) {
+  Statement draw = connection_.Prepare(
+      "UPDATE sabrel_sequence SET next_value = next_value + increment_by WHERE name = ?1"
+      " RETURNING next_value - increment_by",
+      Verb::kUpdate);
+  draw.Bind(1, std::string_view(sequence));
+  if (!draw.Step()) throw ServerFailure(2289, "sequence does not exist: " + sequence);
+  const std::int64_t value = draw.Column(0).integer;
+  draw.Step();
+  session_->current_values[sequence] = value;
+  return value;
+}
+
+std::int64_t Server::CurrentValue(const std::string& sequence) {
+  const auto found = session_->current_values.find(sequence);
+  if (found != session_->current_values.end()) return found->second;
+  Statement known = connection_.Prepare("SELECT 1 FROM sabrel_sequence WHERE name = ?1");
+  known.Bind(1, std::string_view(sequence));
+  if (!known.Step()) throw ServerFailure(2289, "sequence does not exist: " + sequence);
+  throw ServerFailure(8002, "sequence " + sequence + ".CURRVAL is not yet defined in this session");
+}
+
+}  // namespace sabrel::sqlite

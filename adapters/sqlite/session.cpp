@@ -1,0 +1,29 @@
+#include "adapters/sqlite/session.h"
+
+#include <utility>
+
+namespace sabrel::sqlite {
+
+std::unique_ptr<Server> Session::Take() {
+  if (idle_.empty()) return std::make_unique<Server>(path_, stop_switch_, state_);
+  // The last one back has the statements that are in use now.
+  std::unique_ptr<Server> server = std::move(idle_.back());
+  idle_.pop_back();
+  return server;
+}
+
+void Session::GiveBack(std::unique_ptr<Server> server) noexcept {
+  if (server->Engine().InTransaction()) server->Engine().RollBack();
+  if (closed_ || server->Engine().IsBroken() || idle_.size() >= kMostIdle) return;
+  try {
+    idle_.push_back(std::move(server));
+  } catch (...) {  // No memory to keep it: it is closed.
+  }
+}
+
+void Session::Close() noexcept {
+  closed_ = true;
+  idle_.clear();
+}
+
+}  // namespace sabrel::sqlite

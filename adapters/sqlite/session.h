@@ -1,0 +1,60 @@
+// The connections of one thread to one file as one user.
+//
+// A request borrows a connection and gives it back; rows that are still being read keep theirs, so
+// that nothing else waits for them or disturbs them. Mostly one connection serves everything.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/sqlite/connection.h"
+#include "adapters/sqlite/server.h"
+
+namespace sabrel::sqlite {
+
+class Session {
+ public:
+  static constexpr std::size_t kMostIdle = 4;
+
+  Session(std::string path, std::shared_ptr<StopSwitch> stop_switch)
+      : path_(std::move(path)),
+        stop_switch_(std::move(stop_switch)),
+        state_(std::make_shared<SessionState>()) {}
+
+  /// Errors: as Connection
+  [[nodiscard]] std::unique_ptr<Server> Take();
+  void GiveBack(std::unique_ptr<Server> server) noexcept;
+  /// Closes the idle connections now, the borrowed ones when they come back.
+  void Close() noexcept;
+  [[nodiscard]] const std::string& Path() const noexcept { return path_; }
+
+ private:
+  std::string path_;
+  std::shared_ptr<StopSwitch> stop_switch_;
+  std::shared_ptr<SessionState> state_;
+  std::vector<std::unique_ptr<Server>> idle_;
+  bool closed_ = false;
+};
+
+/// A borrowed connection.
+class Lease {
+ public:
+  explicit Lease(std::shared_ptr<Session> session)
+      : session_(std::move(session)), server_(session_->Take()) {}
+  ~Lease() {
+    if (server_) session_->GiveBack(std::move(server_));
+  }
+  Lease(Lease&&) noexcept = default;
+  Lease& operator=(Lease&&) = delete;
+  Lease(const Lease&) = delete;
+  Lease& operator=(const Lease&) = delete;
+  [[nodiscard]] Server& operator*() const noexcept { return *server_; }
+  [[nodiscard]] Server* operator->() const noexcept { return server_.get(); }
+
+ private:
+  std::shared_ptr<Session> session_;
+  std::unique_ptr<Server> server_;
+};
+
+}  // namespace sabrel::sqlite

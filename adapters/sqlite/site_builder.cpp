@@ -1,0 +1,143 @@
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include "adapters/sqlite/catalogue.h"
+#include "adapters/sqlite/failure.h"
+#include "adapters/sqlite/sqlite_link.h"
+#include "adapters/sqlite/sqlite_rowlink.h"
+
+namespace sabrel::sqlite {
+namespace {
+
+std::string Reason(const char* what, const std::string& path) {
+  return std::string(what) + " " + path + ": " + std::strerror(errno);
+}
+
+void RemoveWithJournals(const std::string& path) noexcept {
+  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) ::unlink((path + suffix).c_str());
+}
+
+/// Makes an empty file that nobody else has, and a site of it.
+void MakeSite(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (file < 0) throw ServerFailure(1119, Reason("cannot create the file", path));
+  ::close(file);
+  sqlite3* handle = nullptr;
+  int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+  const std::string mark = "PRAGMA application_id=" + std::to_string(kSiteMark) +
+                           "; PRAGMA journal_mode=WAL; PRAGMA trusted_schema=ON; BEGIN;";
+  for (const char* sql : {mark.c_str(), CatalogueSql(), "COMMIT"}) {
+    if (code == SQLITE_OK) code = sqlite3_exec(handle, sql, nullptr, nullptr, nullptr);
+  }
+  const std::string text = handle != nullptr ? sqlite3_errmsg(handle) : "";
+  const int extended = handle != nullptr ? sqlite3_extended_errcode(handle) : code;
+  sqlite3_close(handle);
+  if (code != SQLITE_OK) {
+    const NativeError error = NativeErrorOf(extended, text, Verb::kOther);
+    throw ServerFailure(error.number, error.message + " (" + path + ")", text);
+  }
+}
+
+void SyncFile(const std::string& path, int flags) {
+  const int file = ::open(path.c_str(), flags | O_CLOEXEC);
+  const bool done = file >= 0 && ::fsync(file) == 0;
+  const int reason = errno;
+  if (file >= 0) ::close(file);
+  errno = reason;
+  if (!done) throw ServerFailure(1115, Reason("cannot bring to the disk:", path));
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  return folder.empty() ? "." : folder.string();
+}
+
+}  // namespace
+
+struct SiteBuilder::Work {
+  std::string path;
+  std::string unfinished;
+  std::unique_ptr<SqliteLink> link;
+  DatabaseError error;
+
+  /// Runs `action`, turning what it throws into the failure that callers know.
+  template <class Action>
+  void Guard(Action&& action) {
+    try {
+      action();
+    } catch (ServerFailure& failure) {
+      failure.Originator(path);
+      error = failure.Error();
+      throw DatabaseFailure(error);
+    }
+  }
+};
+
+SiteBuilder::SiteBuilder(std::string path) : work_(std::make_unique<Work>()) {
+  work_->path = std::move(path);
+  work_->unfinished = work_->path + ".unfinished-" + std::to_string(::getpid());
+  work_->Guard([this] {
+    if (::access(work_->path.c_str(), F_OK) == 0) {
+      throw ServerFailure(1119, "cannot create the file " + work_->path + ": it exists already");
+    }
+    try {
+      MakeSite(work_->unfinished);
+    } catch (...) {
+      RemoveWithJournals(work_->unfinished);
+      throw;
+    }
+  });
+  ConnectionProfile profile;
+  profile.Name = "unfinished site";
+  profile.Driver = "sqlite";
+  profile.Database = work_->unfinished;
+  work_->link = std::make_unique<SqliteLink>(ProfileSet(std::move(profile)));
+}
+
+SiteBuilder::~SiteBuilder() {
+  work_->link.reset();
+  RemoveWithJournals(work_->unfinished);
+}
+
+void SiteBuilder::Execute(std::string_view sql) {
+  try {
+    work_->link->Execute(sql, {});
+  } catch (...) {
+    work_->error = work_->link->LastError();
+    throw;
+  }
+}
+
+void SiteBuilder::Finish() {
+  work_->Guard([this] {
+    {
+      Connection engine(work_->unfinished, std::make_shared<StopSwitch>());
+      Statement check = engine.Prepare("PRAGMA integrity_check(1)");
+      if (!check.Step() || check.Column(0).text != "ok") {
+        throw ServerFailure(1578, "the new file is damaged", check.Column(0).text);
+      }
+    }
+    // The last connection that closes moves the journal's content into the file.
+    work_->link->ShutDown();
+    SyncFile(work_->unfinished, O_RDWR);
+    // A link instead of a renaming: a file that came to be in the meantime is not overwritten.
+    if (::link(work_->unfinished.c_str(), work_->path.c_str()) != 0) {
+      throw ServerFailure(1119, Reason("cannot create the file", work_->path));
+    }
+    ::unlink(work_->unfinished.c_str());
+    SyncFile(FolderOf(work_->path), O_RDONLY | O_DIRECTORY);
+  });
+}
+
+const DatabaseError& SiteBuilder::Error() const noexcept { return work_->error; }
+
+void CreateDatabase(const std::string& path) { SiteBuilder(path).Finish(); }
+
+}  // namespace sabrel::sqlite

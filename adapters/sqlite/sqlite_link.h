@@ -1,0 +1,47 @@
+// Statements, calls and row sets of one thread, sent to the files that its profiles name.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+#include "adapters/shared/profiles.h"
+#include "adapters/sqlite/session.h"
+#include "sabrel/platform/data_link.h"
+#include "sabrel/platform/rowlink.h"
+
+namespace sabrel::sqlite {
+
+class SqliteLink final : public DataLink {
+ public:
+  explicit SqliteLink(ProfileSet profiles);
+
+  [[nodiscard]] std::unique_ptr<Cursor> Query(std::string_view sql,
+                                              const DataServerAddress& address) override;
+  void Execute(std::string_view sql, const DataServerAddress& address) override;
+  [[nodiscard]] RoutineOutcome Call(const RoutineCall& call) override;
+  void Write(const RowSet& rows) override;
+
+  void ShutDown() noexcept;
+  void Cancel() noexcept { stop_switch_->StopAll(); }
+  [[nodiscard]] const DatabaseError& LastError() const noexcept { return *last_error_; }
+
+ private:
+  struct Target {
+    std::shared_ptr<Session> session;
+    std::int32_t timeout_s;
+  };
+  using Key =
+      std::tuple<std::string, std::string, std::int32_t, std::string, std::string, std::string>;
+  [[nodiscard]] Target Find(const DataServerAddress& address);
+
+  ProfileSet profiles_;
+  std::shared_ptr<StopSwitch> stop_switch_;
+  /// Shared with cursors, which may fail later than this link lives.
+  std::shared_ptr<DatabaseError> last_error_;
+  std::map<Key, std::shared_ptr<Session>> sessions_;
+};
+
+}  // namespace sabrel::sqlite

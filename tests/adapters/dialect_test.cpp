@@ -1,0 +1,544 @@
+#include "adapters/shared/dialect/dialect.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace sabrel::dialect {
+namespace {
+
+// Spells everything so that a row can be read: routines are F, PKG.F (writes) and P; LIMIT and
+// INDEX are reserved.
+class TestEngine final : public Engine {
+ public:
+  explicit TestEngine(bool has_functions = true) : has_functions_(has_functions) {}
+  std::optional<RoutineFacts> FindRoutine(std::string_view name) const override {
+    if (name == "PKG.F") return RoutineFacts{true};
+    if (name == "F") return RoutineFacts{false};
+    return std::nullopt;
+  }
+  bool IsReservedWord(std::string_view word) const override {
+    return word == "LIMIT" || word == "TRANSACTION";
+  }
+  std::string NextValue(std::string_view name) const override { return "next<" + Text(name) + ">"; }
+  std::string CurrentValue(std::string_view name) const override {
+    return "current<" + Text(name) + ">";
+  }
+  std::string SystemDate() const override { return "now()"; }
+  CallOpening RoutineCall(std::string_view name) const override {
+    return {"call('" + Text(name) + "'", true};
+  }
+  std::string_view AddFunction() const override { return has_functions_ ? "plus" : ""; }
+  std::string_view SubtractFunction() const override { return has_functions_ ? "minus" : ""; }
+  std::string_view FunctionName(std::string_view name) const override {
+    return name == "TRUNC" ? "ora_trunc" : "";
+  }
+
+ private:
+  static std::string Text(std::string_view view) { return std::string(view); }
+  bool has_functions_;
+};
+
+std::string Shown(const Constant& constant) {
+  switch (constant.kind) {
+    case Constant::Kind::kInteger: return std::to_string(constant.integer);
+    case Constant::Kind::kReal: return std::to_string(constant.real) + "r";
+    case Constant::Kind::kText: return "'" + constant.text + "'";
+    case Constant::Kind::kNull: break;
+  }
+  return "null";
+}
+
+std::string Attempt(const std::function<std::string()>& action) {
+  try {
+    return action();
+  } catch (const SyntaxFailure& failure) {
+    return "!" + std::to_string(failure.native_number) + " " + failure.message;
+  }
+}
+
+// The rewritten text, its constants behind "|", "W" where it writes; blanks that removed words
+// leave become one.
+std::string Outcome(std::string_view sql, const Engine& engine = TestEngine()) {
+  return Attempt([&] {
+    const Rewritten rewritten = Rewrite(RequireOneStatement(sql), engine);
+    std::string shown = rewritten.text;
+    for (const Constant& constant : rewritten.constants) shown += " |" + Shown(constant);
+    if (rewritten.writes) shown += " W";
+    const auto both_blank = [](char a, char b) { return a == ' ' && b == ' '; };
+    shown.erase(std::unique(shown.begin(), shown.end(), both_blank), shown.end());
+    return shown;
+  });
+}
+
+struct Row {
+  const char* name;
+  std::string sql;
+  std::string outcome;
+};
+
+void CheckAll(const std::vector<Row>& rows, const Engine& engine = TestEngine()) {
+  for (const Row& row : rows) EXPECT_EQ(Outcome(row.sql, engine), row.outcome) << row.name;
+}
+
+TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
+  CheckAll({
+      {"reserved column", "SELECT LIMIT, NVL(N,0) FROM T B WHERE B.TASKID= 5",
+       "SELECT \"LIMIT\", NVL(N,?1) FROM T B WHERE B.TASKID= ?2 |0 |5"},
+      {"reserved everywhere", "SELECT t.limit Limit FROM limit t WHERE limit>1 ORDER BY LIMIT",
+       "SELECT t.\"limit\" \"Limit\" FROM \"limit\" t WHERE \"limit\">?1 ORDER BY \"LIMIT\" |1"},
+      {"words that only look special", "Select Max(TimeStamp) as TimeStamp From Z",
+       "Select Max(TimeStamp) as TimeStamp From Z"},
+      {"all columns", "SELECT limit.*, t.*, COUNT(*), COUNT(DISTINCT a) FROM limit, t",
+       "SELECT \"limit\".*, t.*, COUNT(*), COUNT(DISTINCT a) FROM \"limit\", t"},
+      {"line ends", "SELECT COUNT(a) FROM u\r\n    WHERE a = 'X'",
+       "SELECT COUNT(a) FROM u\r\n WHERE a = ?1 |'X'"},
+      {"sequence", "SELECT my_sq.NEXTVAL, s.q.currval FROM DUAL",
+       "SELECT next<my_sq>, current<s.q> FROM DUAL W"},
+      {"reading a sequence", "SELECT q.currval FROM DUAL", "SELECT current<q> FROM DUAL"},
+      {"system date", "SELECT TRUNC(SYSDATE,'MI'), t.sysdate FROM DUAL",
+       "SELECT ora_trunc(now(),?1), t.sysdate FROM DUAL |'MI'"},
+      {"system date in a text", "SELECT 'SYSDATE' FROM DUAL", "SELECT 'SYSDATE' FROM DUAL"},
+      {"routine", "SELECT Pkg . F( 5,'O''Hara' ) FROM DUAL",
+       "SELECT call('Pkg . F', ?1,?2 ) FROM DUAL |5 |'O'Hara' W"},
+      {"routine without arguments", "SELECT pkg.f() x, f(  ) FROM DUAL",
+       "SELECT call('pkg.f') x, call('f' ) FROM DUAL W"},
+      {"nested routines", "SELECT f(f(1), a.f) FROM a",
+       "SELECT call('f',call('f',?1), a.f) FROM a |1"},
+      {"unknown routine of a package", "SELECT pkg.g(1) FROM DUAL",
+       "!904 \"PKG\".\"G\": invalid identifier"},
+      {"unknown function", "SELECT g(1) FROM DUAL", "SELECT g(?1) FROM DUAL |1"},
+      {"empty text", "SELECT NVL(a,'') FROM t WHERE b=''",
+       "SELECT NVL(a,NULL) FROM t WHERE b=NULL"},
+      {"date constants", "SELECT a FROM t WHERE d > DATE '2024-03-09'",
+       "SELECT a FROM t WHERE d > TO_DATE('2024-03-09','YYYY-MM-DD') "},
+      {"set operators", "SELECT a FROM t MINUS SELECT b FROM u UNION ALL SELECT 1 FROM DUAL",
+       "SELECT a FROM t EXCEPT SELECT b FROM u UNION ALL SELECT 1 FROM DUAL"},
+      {"for update", "SELECT a FROM t FOR UPDATE OF t.a NOWAIT", "SELECT a FROM t W"},
+      {"joins", "SELECT 1 FROM a LEFT JOIN b ON a.x=b.x AND b.y=2 JOIN c USING (z), d e",
+       "SELECT 1 FROM a LEFT JOIN b ON a.x=b.x AND b.y=?1 JOIN c USING (z), d e |2"},
+      {"sub-selects", "WITH w AS (SELECT 1 x FROM DUAL) SELECT (SELECT 2 FROM w WHERE x=3) FROM w",
+       "WITH w AS (SELECT 1 x FROM DUAL) SELECT (SELECT 2 FROM w WHERE x=?1) FROM w |3"},
+      {"comments", "SELECT /*+ FULL(t) */ a -- ; it's\n FROM t /* end */;",
+       "SELECT /*+ FULL(t) */ a -- ; it's\n FROM t"},
+      {"words that touch constants", "SELECT 1x, 0x1 FROM t WHERE a=1and b='c'or d=2",
+       "SELECT 1 x, 0 x1 FROM t WHERE a=?1 and b=?2 or d=?3 |1 |'c' |2"},
+      {"window", "SELECT SUM(a) OVER (PARTITION BY b ORDER BY c ROWS UNBOUNDED PRECEDING) s FROM t",
+       "SELECT SUM(a) OVER (PARTITION BY b ORDER BY c ROWS UNBOUNDED PRECEDING) s FROM t"},
+      {"fetch first", "SELECT a FROM t ORDER BY 1 OFFSET 4 ROWS FETCH NEXT 2 ROWS ONLY",
+       "SELECT a FROM t ORDER BY 1 LIMIT 2 OFFSET 4 "},
+      {"other kinds of quoting", "SELECT \"Limit\" FROM t WHERE a=q'[it's]' AND b=N'x'",
+       "SELECT \"Limit\" FROM t WHERE a=?1 AND b=?2 |'it's' |'x'"},
+      {"insert", "INSERT INTO s.T (Id, LIMIT) VALUES (q.NEXTVAL,-5)",
+       "INSERT INTO s.T (Id, \"LIMIT\") VALUES (next<q>,?1) |-5 W"},
+      {"insert of a query", "INSERT INTO t SELECT 'a', 'b' FROM u WHERE c='d'",
+       "INSERT INTO t SELECT 'a', 'b' FROM u WHERE c=?1 |'d' W"},
+      {"update", "UPDATE t b SET b.x=1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (4,5)",
+       "UPDATE t AS b SET x=?1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (?2,?3) |1 |4 |5 W"},
+      {"delete", "DELETE t WHERE a IS NOT NULL AND b NOT LIKE 'x!%' ESCAPE '!'",
+       "DELETE FROM t WHERE a IS NOT NULL AND b NOT LIKE ?1 ESCAPE ?2 |'x!%' |'!' W"},
+  });
+}
+
+TEST(Rewrite, KeepsTheMeaningOfArithmetic) {
+  const auto select = [](const char* expression) {
+    return "SELECT " + std::string(expression) + " FROM T";
+  };
+  struct Shape {
+    const char* expression;
+    const char* with_functions;
+    const char* with_operators;
+  };
+  for (const Shape& shape : {
+           Shape{"a+b-c", "minus(plus(a,b),c)", "a+b-c"},
+           Shape{"a-(b-c)", "minus(a,(minus(b,c)))", "a-(b-c)"},
+           Shape{"a+b*c-d", "minus(plus(a,b*c),d)", "a+b*c-d"},
+           Shape{"SYSDATE-1/24", "minus(now(),1*1.0/24)", "now()-1*1.0/24"},
+           Shape{"1+2-a", "minus(1+2,a)", "1+2-a"},
+           Shape{"1E-5+2", "1E-5+2", "1E-5+2"},
+           Shape{"1E-5+a", "plus(1E-5,a)", "1E-5+a"},
+           Shape{"-a+ -b", "plus(-a, -b)", "-a+ -b"},
+           Shape{"- -a", "- -a", "- -a"},
+           Shape{"a||b+c", "plus(a||b,c)", "a||b+c"},
+           Shape{"1||2+3", "plus(1||2,3)", "1||2+3"},
+           Shape{"a+b||c", "plus(a,b)||c", "(a+b)||c"},
+           Shape{"a||b*c||d*e", "a||(b*c)||(d*e)", "a||(b*c)||(d*e)"},
+           Shape{"a*b||c-d", "minus((a*b)||c,d)", "(a*b)||c-d"},
+           Shape{"a/b/c", "a*1.0/b*1.0/c", "a*1.0/b*1.0/c"},
+           Shape{"MAX(a+b)", "MAX(plus(a,b))", "MAX(a+b)"},
+           Shape{"CASE WHEN a-b>c THEN d+e END+f",
+                 "plus(CASE WHEN minus(a,b)>c THEN plus(d,e) END,f)",
+                 "CASE WHEN a-b>c THEN d+e END+f"},
+           Shape{"q.NEXTVAL+(b)", "plus(next<q>,(b))", "next<q>+(b)"},
+           Shape{"f(a)-f(b)", "minus(call('f',a),call('f',b))", "call('f',a)-call('f',b)"},
+           Shape{"a - /* b */ c", "minus(a , /* b */ c)", "a - /* b */ c"},
+       }) {
+    const auto outcome = [&](const TestEngine& engine) {
+      return Rewrite(select(shape.expression), engine).text;
+    };
+    EXPECT_EQ(outcome(TestEngine()), select(shape.with_functions)) << shape.expression;
+    EXPECT_EQ(outcome(TestEngine(false)), select(shape.with_operators)) << shape.expression;
+  }
+  EXPECT_EQ(Outcome("SELECT a FROM t WHERE d BETWEEN a-1 AND a+-2 AND b=1+2 ORDER BY a+1"),
+            "SELECT a FROM t WHERE d BETWEEN minus(a,?1) AND plus(a,?2) AND b=?3+?4 "
+            "ORDER BY plus(a,1) |1 |-2 |1 |2");
+}
+
+TEST(Rewrite, LiftsConstantsOnlyWhereTheirPlaceDoesNotMatter) {
+  CheckAll({
+      {"numbers", "INSERT INTO t VALUES (1.0,1e3,.5,9223372036854775807,9223372036854775808,2f)",
+       "INSERT INTO t VALUES (?1,?2,?3,?4,?5,?6) |1 |1000 |0.500000r |9223372036854775807 "
+       "|9223372036854775808.000000r |2 W"},
+      {"smallest", "DELETE FROM t WHERE a=-9223372036854775808 OR a=- 1",
+       "DELETE FROM t WHERE a=?1 OR a= ?2 |-9223372036854775808 |-1 W"},
+      {"tiny", "DELETE FROM t WHERE a=1e-999", "DELETE FROM t WHERE a=?1 |0 W"},
+      {"huge", "DELETE FROM t WHERE a=1e999", "!1426 numeric overflow in a constant"},
+      {"select list", "SELECT 5, -5, 'a', (6), f(7) FROM DUAL",
+       "SELECT 5, -5, 'a', (6), call('f',?1) FROM DUAL |7"},
+      {"positions", "SELECT f(1) FROM t GROUP BY f(1) HAVING COUNT(*)>2 ORDER BY 1, f(2)",
+       "SELECT call('f',?1) FROM t GROUP BY call('f',1) HAVING COUNT(*)>?2 ORDER BY 1, "
+       "call('f',2) |1 |2"},
+      {"sizes", "SELECT CAST(a AS VARCHAR2(20 CHAR)) FROM t WHERE CAST('1' AS NUMBER(5,2))=1",
+       "SELECT CAST(a AS VARCHAR2(20 )) FROM t WHERE CAST(?1 AS NUMBER(5,2))=?2 |'1' |1"},
+      {"named parameters", "UPDATE t SET a=:a WHERE b=5 AND c=-1",
+       "UPDATE t SET a=:a WHERE b=5 AND c=-1 W"},
+  });
+  std::string many = "SELECT a FROM t WHERE a IN (0";
+  for (int i = 1; i < 2000; ++i) many += "," + std::to_string(i);
+  const Rewritten rewritten = Rewrite(many + ")", TestEngine());
+  EXPECT_EQ(rewritten.constants.size(), 999U);
+  EXPECT_NE(rewritten.text.find(",?999,999,1000,"), std::string::npos);
+}
+
+TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
+  const std::string beside =
+      "!900 ROWNUM is not supported beside ORDER BY, GROUP BY, DISTINCT, aggregates, FETCH and set "
+      "operators; select from a query in parentheses near \"ROWNUM\" (character ";
+  const std::string elsewhere =
+      "!900 ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE clause "
+      "of an outermost SELECT near \"ROWNUM\" (character ";
+  CheckAll({
+      {"only", "SELECT a FROM t WHERE ROWNUM<=5", "SELECT a FROM t LIMIT 5"},
+      {"first", "SELECT a FROM t WHERE rownum<5 AND b=1", "SELECT a FROM t WHERE b=?1 LIMIT 4 |1"},
+      {"last", "SELECT a FROM t WHERE b=1 AND ROWNUM=1", "SELECT a FROM t WHERE b=?1 LIMIT 1 |1"},
+      {"middle", "SELECT a FROM t WHERE b=1 AND ROWNUM<=2 AND c BETWEEN 1 AND 2",
+       "SELECT a FROM t WHERE b=?1 AND c BETWEEN ?2 AND ?3 LIMIT 2 |1 |1 |2"},
+      {"none", "SELECT a FROM t WHERE ROWNUM<0", "SELECT a FROM t LIMIT 0"},
+      {"of a sorted query", "SELECT a FROM (SELECT a FROM t ORDER BY a) WHERE ROWNUM<=5",
+       "SELECT a FROM (SELECT a FROM t ORDER BY a) LIMIT 5"},
+      {"aggregate inside", "SELECT (SELECT MAX(b) FROM u) FROM t WHERE ROWNUM<=5",
+       "SELECT (SELECT MAX(b) FROM u) FROM t LIMIT 5"},
+      {"sorted", "SELECT a FROM t WHERE ROWNUM<=5 ORDER BY a", beside + "23)"},
+      {"counted", "SELECT NVL(COUNT(*),0) FROM t WHERE ROWNUM<=5", beside + "37)"},
+      {"distinct", "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", beside + "32)"},
+      {"set", "SELECT a FROM t WHERE ROWNUM<=5 UNION SELECT b FROM u", beside + "23)"},
+      {"or", "SELECT a FROM t WHERE ROWNUM<=5 OR b=1",
+       "!900 ROWNUM beside OR is not supported at the end of the statement"},
+      {"nested", "SELECT a FROM t WHERE b IN (SELECT c FROM u WHERE ROWNUM<=1)", elsewhere + "51)"},
+      {"above", "SELECT a FROM t WHERE ROWNUM>5", elsewhere + "23)"},
+      {"sum", "SELECT a FROM t WHERE ROWNUM<=5+1", elsewhere + "23)"},
+      {"selected", "SELECT ROWNUM FROM t", elsewhere + "8)"},
+      {"changed", "DELETE FROM t WHERE ROWNUM<=5", elsewhere + "21)"},
+  });
+}
+
+TEST(Rewrite, RefusesWhatItCannotRewriteAndNamesThePlace) {
+  CheckAll({
+      {"no FROM", "SELECT 5",
+       "!923 FROM keyword not found where expected at the end of the statement"},
+      {"no expression", "SELECT  FROM t", "!936 missing expression near \"FROM\" (character 9)"},
+      {"no argument", "SELECT f(,7) FROM t", "!936 missing expression near \",\" (character 10)"},
+      {"characters, not bytes", "SELECT 'äö', FROM t",
+       "!936 missing expression near \"FROM\" (character 14)"},
+      {"secret", "SELECT a FROM t WHERE b = 'x' 'secret'",
+       "!933 SQL command not properly ended near a text constant (character 31)"},
+      {"outer join mark", "SELECT 1 FROM a,b WHERE a.x=b.x(+)",
+       "!900 the outer join mark (+) is not supported; write LEFT JOIN near \"(\" (character 32)"},
+      {"hierarchy", "SELECT a FROM t CONNECT BY PRIOR a=b",
+       "!900 CONNECT BY is not supported near \"CONNECT\" (character 17)"},
+      {"engine's own clause", "SELECT a FROM t WHERE b=1 LIMIT 5",
+       "!933 SQL command not properly ended near \"LIMIT\" (character 27)"},
+      {"unnamed parameter", "SELECT ? FROM t", "!911 invalid character near \"?\" (character 8)"},
+      {"brackets", "SELECT [a] FROM t", "!911 invalid character near \"[\" (character 8)"},
+      {"open parenthesis", "SELECT (a FROM t",
+       "!907 missing right parenthesis near \"FROM\" (character 11)"},
+      {"closing parenthesis", "SELECT a FROM t)",
+       "!933 a right parenthesis without its left one near \")\" (character 16)"},
+      {"case", "SELECT CASE WHEN a=1 THEN 2 FROM t",
+       "!905 missing keyword END near \"FROM\" (character 29)"},
+      {"date constant", "SELECT DATE '9.3.2024' FROM t",
+       "!1861 the constant does not have the form of a date near \"DATE\" (character 8)"},
+      {"cast to a date", "SELECT CAST(a AS DATE) FROM t",
+       "!900 CAST to a date is not supported; write TO_DATE near \"DATE\" (character 18)"},
+      {"returning", "DELETE FROM t RETURNING a INTO b",
+       "!900 RETURNING is not supported near \"RETURNING\" (character 15)"},
+      {"no statement", "FOO BAR", "!900 invalid SQL statement near \"FOO\" (character 1)"},
+      {"merge", "MERGE INTO t", "!900 invalid SQL statement near \"MERGE\" (character 1)"},
+  });
+}
+
+TEST(Rewrite, WritesDefinitionsAsTheEngineTakesThem) {
+  CheckAll({
+      {"table", "CREATE TABLE t (LIMIT NUMBER(10,2) DEFAULT -1 NOT NULL, v VARCHAR2(20 BYTE))",
+       "CREATE TABLE t (\"LIMIT\" NUMBER(10,2) DEFAULT (-1) NOT NULL, v VARCHAR2(20 )) W"},
+      {"key of a column", "CREATE TABLE t (a DATE DEFAULT SYSDATE PRIMARY KEY)",
+       "CREATE TABLE t (a DATE NOT NULL DEFAULT (now()) PRIMARY KEY) W"},
+      {"key of the table", "CREATE TABLE t (a NUMBER(5), b DATE, c DATE, PRIMARY KEY (A, C))",
+       "CREATE TABLE t (a NUMBER(5) NOT NULL, b DATE, c DATE NOT NULL, PRIMARY KEY (A, C)) W"},
+      {"rules", "CREATE TABLE t (a NUMBER(*,0) CHECK (a > 0+b) REFERENCES u (x) ON DELETE CASCADE)",
+       "CREATE TABLE t (a NUMBER(38,0) CHECK (a > plus(0,b)) REFERENCES u (x) ON DELETE CASCADE) "
+       "W"},
+      {"copy of a query", "CREATE TABLE t AS SELECT f(1) x FROM u WHERE a='b'",
+       "CREATE TABLE t AS SELECT call('f',1) x FROM u WHERE a='b' W"},
+      {"view", "CREATE OR REPLACE VIEW v (a) AS SELECT SYSDATE-1 FROM DUAL WHERE 1=1",
+       "CREATE OR REPLACE VIEW v (a) AS SELECT minus(now(),1) FROM DUAL WHERE 1=1 W"},
+      {"index", "CREATE UNIQUE INDEX i ON t (limit, UPPER(b) DESC)",
+       "CREATE UNIQUE INDEX i ON t (\"limit\", UPPER(b) DESC) W"},
+      {"new column", "ALTER TABLE t ADD (limit DATE)", "ALTER TABLE t ADD \"limit\" DATE W"},
+      {"truncate", "TRUNCATE TABLE t", "DELETE FROM t W"},
+      {"drop", "DROP TABLE t CASCADE CONSTRAINTS PURGE", "DROP TABLE t W"},
+      {"package", "CREATE PACKAGE p AS FUNCTION f RETURN NUMBER; END;",
+       "!900 a definition that holds statements is not supported near \";\" (character 45)"},
+  });
+}
+
+TEST(Rewrite, SurvivesLongAndDeepStatements) {
+  const std::string deep(100'000, '(');
+  EXPECT_EQ(Outcome("SELECT " + deep).substr(0, 24), "!900 nested too deeply n");
+  EXPECT_EQ(Outcome("SELECT " + std::string(400, '(') + "1" + std::string(400, ')') + " FROM t")
+                .substr(0, 8),
+            "SELECT (");
+  std::string calls = "SELECT a FROM t WHERE b IN (";
+  for (int i = 0; i < 50'000; ++i) calls += "SELECT b FROM (";
+  EXPECT_EQ(Outcome(calls).substr(0, 4), "!900");
+  std::string chain = "SELECT - - - a";
+  for (int i = 0; i < 100'000; ++i) chain += "+b";
+  EXPECT_EQ(Rewrite(chain + " FROM t", TestEngine()).text.size(), 100'000 * 8 + 21U);
+  const std::string text(1'000'000, 'x');
+  EXPECT_EQ(Rewrite("INSERT INTO t VALUES ('" + text + "')", TestEngine()).constants[0].text, text);
+}
+
+// Whatever the text, it is refused or rewritten to balanced text with a place for every constant.
+TEST(Rewrite, AcceptsOrRefusesEveryShortText) {
+  constexpr std::string_view kAlphabet = "'\"()-*/; a1";
+  const TestEngine engine;
+  int accepted = 0;
+  const auto try_one = [&](const std::string& sql) {
+    try {
+      const Rewritten rewritten = Rewrite(RequireOneStatement(sql), engine);
+      ++accepted;
+      int depth = 0;
+      std::size_t places = 0;
+      char quote = '\0';
+      for (const char c : rewritten.text) {
+        if (quote != '\0' || c == '\'' || c == '"') {
+          quote = quote == '\0' ? c : (c == quote ? '\0' : quote);
+          continue;
+        }
+        if (c == '?') ++places;
+        depth += c == '(' ? 1 : (c == ')' ? -1 : 0);
+      }
+      const bool has_comment =
+          sql.find("/*") != std::string::npos || sql.find("--") != std::string::npos;
+      if (has_comment) return;
+      ASSERT_EQ(depth, 0) << sql << " -> " << rewritten.text;
+      ASSERT_EQ(places, rewritten.constants.size()) << sql << " -> " << rewritten.text;
+    } catch (const SyntaxFailure& failure) {
+      ASSERT_FALSE(failure.message.empty()) << sql;
+    }
+    (void)Attempt([&] { return std::to_string(ParseBlock(sql).size()); });
+  };
+  std::string text;
+  const std::function<void(std::size_t)> extend = [&](std::size_t left) {
+    try_one(text);
+    if (left > 0) try_one("SELECT f(" + text + ") FROM t WHERE a=" + text);
+    if (left == 0) return;
+    for (const char c : kAlphabet) {
+      text += c;
+      extend(left - 1);
+      text.pop_back();
+    }
+  };
+  extend(5);
+  EXPECT_GT(accepted, 500);
+}
+
+TEST(RequireOneStatement, FindsTheEndOfOneStatementAndRefusesASecond) {
+  const std::string second = "!911 invalid character: a second statement after \";\" near ";
+  const std::string body =
+      "CREATE FUNCTION f RETURN NUMBER IS BEGIN SELECT CASE a WHEN 1 THEN 2 END "
+      "FROM t; x.END; END f;";
+  for (const Row& row : std::vector<Row>{
+           {"closed", " \n SELECT a FROM t ; -- done; \n", "SELECT a FROM t"},
+           {"quoted", "SELECT ';' FROM \";\" /* ; */", "SELECT ';' FROM \";\""},
+           {"two", "SELECT a FROM t; DELETE FROM t", second + "\"DELETE\" (character 18)"},
+           {"closed twice", "SELECT a FROM t;;", second + "\";\" (character 17)"},
+           {"block", "BEGIN a; b(';'); END; ", "BEGIN a; b(';'); END;"},
+           {"behind a block", "BEGIN a; END; DROP TABLE t", second + "\"DROP\" (character 15)"},
+           {"routine", body + " ", body},
+           {"behind a routine", body + "x", second + "\"x\" (character 95)"},
+           {"open text", "SELECT 'a''", "!1756 quoted string not properly terminated"},
+           {"open name", "SELECT \"a", "!1756 quoted name not properly terminated"},
+           {"open alternative", "SELECT q'[a'", "!1756 quoted string not properly terminated"},
+           {"alternative at the end", "q'", "!1756 quoted string not properly terminated"},
+           {"open comment", "SELECT /* a", "!900 a comment is not closed"},
+           {"empty", " -- nothing", "!900 invalid SQL statement: it is empty"},
+           {"closed nothing", ";", "!900 invalid SQL statement: it is empty"},
+           {"not UTF-8", "SELECT '\xC3' FROM t",
+            "!911 invalid character: the statement is not UTF-8 text without NUL"},
+           {"NUL", std::string("SELECT a\0 FROM t", 16),
+            "!911 invalid character: the statement is not UTF-8 text without NUL"},
+       }) {
+    EXPECT_EQ(Attempt([&] { return std::string(RequireOneStatement(row.sql)); }), row.outcome)
+        << row.name;
+  }
+}
+
+TEST(KindOf, LooksAtTheFirstWordsOnly) {
+  const std::vector<std::pair<const char*, StatementKind>> rows = {
+      {"/* x */ select 1", StatementKind::kSelect},
+      {"((SELECT", StatementKind::kSelect},
+      {"WITH a AS", StatementKind::kSelect},
+      {"Declare x", StatementKind::kBlock},
+      {"CREATE OR REPLACE PROCEDURE p", StatementKind::kCreateRoutine},
+      {"DROP FUNCTION f", StatementKind::kDropRoutine},
+      {"CREATE SEQUENCE", StatementKind::kCreateSequence},
+      {"DROP SEQUENCE s", StatementKind::kDropSequence},
+      {"CREATE TABLE t", StatementKind::kCreateTable},
+      {"CREATE OR REPLACE VIEW v", StatementKind::kOtherDefinition},
+      {"ROLLBACK", StatementKind::kTransaction},
+      {"SELECTED", StatementKind::kOther},
+      {"", StatementKind::kOther},
+  };
+  for (const auto& [sql, kind] : rows) EXPECT_EQ(KindOf(sql), kind) << sql;
+}
+
+// Calls as name[arguments], statements in braces.
+std::string Steps(std::string_view block) {
+  return Attempt([&] {
+    std::string shown;
+    for (const BlockStep& step : ParseBlock(block)) {
+      shown += step.is_call ? step.name + "[" : "{" + step.statement + "}";
+      for (std::size_t i = 0; i < step.arguments.size(); ++i) {
+        shown += (i == 0 ? "" : "|") + step.names[i] + (step.names[i].empty() ? "" : "=") +
+                 step.arguments[i];
+      }
+      if (step.is_call) shown += "]";
+    }
+    return shown;
+  });
+}
+
+TEST(ParseBlock, TakesCallsAndStatementsAndRefusesControlFlow) {
+  const std::string refused = "!6550 blocks hold calls and statements only near ";
+  for (const Row& row : std::vector<Row>{
+           {"texts", "BEGIN PKG.P( 5,'O''Hara, (;' ); END;", "PKG.P[5|'O''Hara, (;']"},
+           {"no arguments", "BEGIN P(  ); q ; END;", "P[]q[]"},
+           {"nested", "begin p(f(1,2), (3)) ; end p;", "p[f(1,2)|(3)]"},
+           {"named", "BEGIN p(1, b => 2+3); END;", "p[1|b=2+3]"},
+           {"statements", "BEGIN NULL; UPDATE t SET a=';' WHERE b=1; COMMIT; END;",
+            "{UPDATE t SET a=';' WHERE b=1}{COMMIT}"},
+           {"error", "BEGIN RAISE_APPLICATION_ERROR(-20011,'text'); END;",
+            "RAISE_APPLICATION_ERROR[-20011|'text']"},
+           {"lost argument", "BEGIN P( 5,,7 ); END;",
+            "!6550 an argument is missing near \",\" (character 12)"},
+           {"lost first", "BEGIN P( ,7 ); END;",
+            "!6550 an argument is missing near \",\" (character 10)"},
+           {"lost last", "BEGIN P(7,); END;",
+            "!6550 an argument is missing near \")\" (character 11)"},
+           {"named first", "BEGIN p(a => 1, 2); END;",
+            "!6550 a positional argument may not follow a named one near a number (character 17)"},
+           {"open", "BEGIN p(1; END;",
+            "!6550 the list of arguments is not closed near \";\" (character 10)"},
+           {"no end", "BEGIN p;",
+            "!6550 a call or a statement is missing at the end of the statement"},
+           {"no semicolon", "BEGIN p; END", "!6550 \";\" is missing at the end of the statement"},
+           {"assignment", "BEGIN x := 1; END;",
+            "!6550 assignments are not supported: blocks hold calls and statements only near "
+            "\":=\" "
+            "(character 9)"},
+           {"declare", "DECLARE x NUMBER; BEGIN p; END;", refused + "\"DECLARE\" (character 1)"},
+           {"if", "BEGIN IF a THEN b; END IF; END;", refused + "\"IF\" (character 7)"},
+           {"handler", "BEGIN p; EXCEPTION WHEN x THEN NULL; END;",
+            refused + "\"EXCEPTION\" (character 10)"},
+       }) {
+    EXPECT_EQ(Steps(row.sql), row.outcome) << row.name;
+  }
+}
+
+std::string Routine(std::string_view sql) {
+  return Attempt([&] {
+    const RoutineDefinition routine = ParseCreateRoutine(sql);
+    std::string shown = routine.or_replace ? "replace " : "";
+    shown += routine.package + "." + routine.name + "(";
+    for (const RoutineArgument& argument : routine.arguments) {
+      shown += argument.name + ":" + argument.type;
+      shown += argument.direction == Direction::kIn    ? ","
+               : argument.direction == Direction::kOut ? "<,"
+                                                       : "<>,";
+    }
+    shown += ")" + (routine.is_function ? "=" + routine.result_type : "");
+    for (const std::string& statement : routine.body) shown += "{" + statement + "}";
+    return shown;
+  });
+}
+
+TEST(ParseCreateRoutine, ReadsHeadAndBody) {
+  for (const Row& row : std::vector<Row>{
+           {"function",
+            "CREATE OR REPLACE FUNCTION pkg.f (a IN NUMBER, b varchar2(20)) RETURN Varchar2 IS "
+            "BEGIN "
+            "SELECT ':x;' || :a FROM DUAL; END f;",
+            "replace PKG.F(a:NUMBER,b:VARCHAR2,)=VARCHAR2{SELECT ':x;' || :a FROM DUAL}"},
+           {"procedure",
+            "CREATE PROCEDURE p(x OUT DATE, y IN OUT NUMBER) AS BEGIN "
+            "DELETE FROM t /* ; */ ; q(1); END;",
+            ".P(x:DATE<,y:NUMBER<>,){DELETE FROM t}{q(1)}"},
+           {"empty body", "CREATE PROCEDURE p IS BEGIN NULL; END;", ".P()"},
+           {"declarations", "CREATE PROCEDURE p IS x NUMBER; BEGIN NULL; END;",
+            "!6550 BEGIN is missing: declarations are not supported near \"x\" (character 23)"},
+           {"no result", "CREATE FUNCTION f IS BEGIN NULL; END;",
+            "!6550 RETURN is missing near \"IS\" (character 19)"},
+           {"control flow", "CREATE PROCEDURE p IS BEGIN LOOP NULL; END LOOP; END;",
+            "!6550 blocks hold calls and statements only near \"LOOP\" (character 29)"},
+           {"no end", "CREATE PROCEDURE p IS BEGIN q(1);",
+            "!6550 a statement is missing at the end of the statement"},
+       }) {
+    EXPECT_EQ(Routine(row.sql), row.outcome) << row.name;
+  }
+}
+
+TEST(Definitions, AreReadIntoStructures) {
+  const auto sequence = [](const char* options) {
+    return Attempt([&] {
+      const SequenceDefinition made =
+          ParseCreateSequence("CREATE SEQUENCE s.My_Sq " + std::string(options));
+      return made.name + " " + std::to_string(made.start) + " " + std::to_string(made.increment);
+    });
+  };
+  EXPECT_EQ(sequence(""), "S.MY_SQ 1 1");
+  EXPECT_EQ(sequence("START WITH -5 INCREMENT BY 10 NOCACHE ORDER"), "S.MY_SQ -5 10");
+  EXPECT_EQ(sequence("MINVALUE 1 MAXVALUE 9999999999999999999999999999 CACHE 20"), "S.MY_SQ 1 1");
+  EXPECT_EQ(sequence("MAXVALUE 10").substr(0, 5), "!900 ");
+  EXPECT_EQ(sequence("CYCLE").substr(0, 5), "!900 ");
+  EXPECT_EQ(sequence("INCREMENT BY 0").substr(0, 5), "!4002");
+  EXPECT_EQ(DroppedName("DROP FUNCTION pkg.f"), "PKG.F");
+  EXPECT_EQ(DroppedName("drop sequence \"a B\""), "a B");
+  EXPECT_EQ(DroppedName("DROP PACKAGE BODY p"), "P");
+
+  const std::string table =
+      "CREATE TABLE s.t (a NUMBER(10,2) DEFAULT f(1,2), \"b c\" varchar2(20 CHAR), d DATE NOT "
+      "NULL, "
+      "CONSTRAINT p PRIMARY KEY (a), CHECK (d > a))";
+  std::string shown;
+  for (const ColumnDefinition& column : ParseCreateTable(table)) {
+    shown += column.name + ":" + column.type + ":" + std::to_string(column.width.value_or(-1)) +
+             ":" + std::to_string(column.scale.value_or(-1)) + table.substr(column.end, 4) + "/";
+  }
+  EXPECT_EQ(shown, "a:NUMBER:10:2, \"b/b c:VARCHAR2:20:-1, d /d:DATE:-1:-1, CO/");
+  EXPECT_TRUE(ParseCreateTable("CREATE TABLE t AS SELECT 1 FROM DUAL").empty());
+}
+
+}  // namespace
+}  // namespace sabrel::dialect

@@ -1,0 +1,105 @@
+#include "adapters/shared/profiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "sabrel/platform/runtime_error.h"
+
+namespace sabrel {
+namespace {
+
+std::string Written(const std::string& text, mode_t mode = 0600) {
+  const std::string path = ::testing::TempDir() + "profiles_test.ini";
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+  ::chmod(path.c_str(), mode);
+  return path;
+}
+
+TEST(Profiles, AFileGivesItsSettings) {
+  const ProfileFile file = ReadProfileFile(
+      Written("\xEF\xBB\xBF# plants\r\n[ plant ]\r\ndriver = sqlite\nDATABASE=/a b/=x\n"
+              "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n",
+              0640));
+  ASSERT_EQ(file.profiles.All().size(), 2U);
+  EXPECT_EQ(file.profiles.Session(),
+            (ConnectionProfile{"plant", "sqlite", "", 0, "/a b/=x", "", "p#;", 0, 60}));
+  EXPECT_EQ(file.profiles.All()[1].Port, 1521);
+  ASSERT_EQ(file.warnings.size(), 1U);
+  EXPECT_THAT(file.warnings[0], ::testing::HasSubstr("chmod 600"));
+  EXPECT_TRUE(ReadProfileFile(Written("[a]\nPassword=x\n")).warnings.empty());
+}
+
+TEST(Profiles, AFaultNamesFileAndLine) {
+  struct Row {
+    const char* name;
+    const char* text;
+    const char* told;
+  };
+  constexpr Row kRows[] = {
+      {"unknown setting", "[a]\nPasword=hush\n", ":2: no setting is called \"Pasword\""},
+      {"bad number", "[a]\n\nPort=15x\n", ":3: Port wants a whole number"},
+      {"port too large", "[a]\nPort=65536\n", ":2: Port wants"},
+      {"negative time-out", "[a]\nReceiveTimeout=-1\n", ":2: ReceiveTimeout wants"},
+      {"name twice", "[a]\n[b]\n[A]\n", ":3: a second profile \"A\""},
+      {"name twice by setting", "[a]\n[b]\nName=A\n", ":3: a second profile"},
+      {"setting twice", "[a]\nHost=x\nhost=y\n", ":3: the setting Host for the second time"},
+      {"setting before a name", "Host=hush\n", ":1: a setting before"},
+      {"no setting", "[a]\nhush\n", ":2: neither"},
+      {"open name", "[a\n", ":1: the profile's name does not end"},
+      {"no UTF-8", "[a]\nHost=\xFF\n", ":2: this is not UTF-8"},
+      {"empty file", "\n", "no profile in it"},
+  };
+  for (const Row& row : kRows) {
+    try {
+      static_cast<void>(ReadProfileFile(Written(row.text)));
+      ADD_FAILURE() << row.name;
+    } catch (const RuntimeError& failure) {
+      EXPECT_THAT(failure.Description(), ::testing::HasSubstr(row.told)) << row.name;
+      EXPECT_THAT(failure.Description(), ::testing::Not(::testing::HasSubstr("hush")));
+    }
+  }
+  EXPECT_THROW(static_cast<void>(ReadProfileFile("/nowhere/x")), RuntimeError);
+  EXPECT_THROW(static_cast<void>(ReadProfileFile("/")), RuntimeError);
+}
+
+TEST(Profiles, AnAddressChoosesAndOverrides) {
+  ProfileSet set({"s", "sqlite", "", 0, "s.site", "ann", "pa", 5, 60});
+  set.Add({"n", "odbc", "north", 1, "N", "ann", "pn", 0, 0});
+  set.Add({"m", "odbc", "north", 1, "M", "bob", "pm", 0, 9});
+  struct Row {
+    const char* name;
+    DataServerAddress address;
+    const char* chosen;  // profile, user, password, time-out, replaced
+  };
+  const Row rows[] = {
+      {"nothing", {}, "s ann pa 60 0"},
+      {"time-out", {"", 0, "", "", 3}, "s ann pa 3 0"},
+      {"own user", {"", 0, "ann", "", 0}, "s ann pa 60 0"},
+      {"another user has no password", {"", 0, "eve", "", 0}, "s eve  60 0"},
+      {"another user with password", {"", 0, "eve", "pe", 0}, "s eve pe 60 0"},
+      {"address", {"NORTH", 1, "", "", 0}, "n ann pn 0 0"},
+      {"address and user", {"north", 1, "bob", "", 0}, "m bob pm 9 0"},
+      {"host alone", {"north", 0, "", "", 0}, "n ann pn 0 0"},
+      {"unknown host", {"south", 1, "", "", 0}, "s ann pa 60 1"},
+      {"unknown port", {"north", 2, "", "", 0}, "s ann pa 60 1"},
+      {"unknown user there", {"north", 1, "eve", "", 0}, "s eve  60 1"},
+  };
+  for (const Row& row : rows) {
+    const ResolvedTarget target = set.Resolve(row.address);
+    const ConnectionProfile& p = target.profile;
+    EXPECT_EQ(p.Name + " " + p.UserName + " " + p.Password + " " +
+                  std::to_string(p.ReceiveTimeout) + " " + (target.address_replaced ? "1" : "0"),
+              row.chosen)
+        << row.name;
+  }
+  set.UseForSession("M");
+  EXPECT_EQ(set.Resolve({}).profile.Database, "M");
+  EXPECT_THROW(set.UseForSession("x"), RuntimeError);
+}
+
+}  // namespace
+}  // namespace sabrel

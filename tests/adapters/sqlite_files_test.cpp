@@ -1,0 +1,142 @@
+// Files that are no sites, or not as they should be, and the making of sites.
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+
+#include "tests/adapters/sqlite_site.h"
+
+namespace sabrel::testing {
+namespace {
+
+std::vector<std::string> FilesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+using SqliteFiles = SiteTest;
+
+TEST_F(SqliteFiles, AFileThatCannotBeOpenedIsADatabaseErrorNamingItAndLeavesNoJournal) {
+  const std::string sound = Folder().File("sound");
+  sqlite::CreateDatabase(sound);
+  std::filesystem::create_directory(Folder().File("folder"));
+  std::ofstream(Folder().File("empty")).flush();
+  std::ofstream(Folder().File("text")) << std::string(5000, 'x');
+  std::filesystem::copy(sound, Folder().File("truncated"));
+  std::filesystem::resize_file(Folder().File("truncated"), 6000);
+  std::filesystem::copy(sound, Folder().File("scribbled"));
+  std::fstream(Folder().File("scribbled"), std::ios::in | std::ios::out | std::ios::binary)
+      .seekp(100)
+      .write(std::string(4000, '\x55').data(), 4000);
+  ::mkfifo(Folder().File("pipe").c_str(), 0600);
+  const std::vector<std::string> before = FilesIn(Folder().File(""));
+  struct Row {
+    const char* name;
+    const char* outcome;
+  };
+  constexpr Row kRows[] = {
+      {"missing", "ORA-1157"},   {"folder", "ORA-1157"},    {"empty", "ORA-1157"},
+      {"pipe", "ORA-1157"},      {"text", "ORA-1578"},      {"truncated", "ORA-1578"},
+      {"scribbled", "ORA-1578"}, {"no/folder", "ORA-1157"},
+  };
+  for (const Row& row : kRows) {
+    Asking asking(Folder().File(row.name));
+    EXPECT_EQ(asking.Ask("SELECT COUNT(*) FROM user_tables"), row.outcome) << row.name;
+    EXPECT_THAT(asking.link->LastDatabaseError().message,
+                ::testing::HasSubstr(Folder().File(row.name)));
+    EXPECT_EQ(asking.link->LastDatabaseError().originator, Folder().File(row.name));
+  }
+  EXPECT_EQ(FilesIn(Folder().File("")), before);
+}
+
+TEST_F(SqliteFiles, AnAddressWithoutAProfileIsNeverTheSessionsFile) {
+  EXPECT_EQ(Tried([&] {
+              link->MakeRecordset()->Execute("CREATE TABLE T (N NUMBER)", "h", 1, "", "", 0);
+              return std::string();
+            }),
+            "connection 31");
+  ProfileSet profiles(ProfileOf(File()));
+  ConnectionProfile other = ProfileOf(Folder().File("other"));
+  other.Name = "other";
+  other.Host = "archive";
+  other.Port = 7;
+  profiles.Add(other);
+  sqlite::CreateDatabase(other.Database);
+  Asking asking(profiles);
+  asking.link->MakeRecordset()->Execute("CREATE TABLE T (N NUMBER)", "archive", 7, "", "", 0);
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM user_tables"), "0");
+  EXPECT_EQ(Asking(other.Database).Ask("SELECT COUNT(*) FROM user_tables"), "1");
+}
+
+TEST_F(SqliteFiles, AReadOnlySiteIsReadAndRefusesWrites) {
+  ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
+  link->ShutDown();
+  ::chmod(File().c_str(), 0444);
+  // Nothing is read-only for root.
+  const pid_t child = ::fork();
+  if (child == 0) {
+    std::filesystem::permissions(Folder().File(""), std::filesystem::perms::all);
+    if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(9);
+    Asking asking(File());
+    const bool reads = asking.Ask("SELECT COUNT(*) FROM T") == "0";
+    const bool refuses = asking.Do("INSERT INTO T VALUES (1)") == "ORA-16000";
+    ::_exit((reads ? 0 : 1) + (refuses ? 0 : 2));
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST_F(SqliteFiles, AFullDiskIsReportedAndTheStatementTakenBack) {
+  ASSERT_EQ(Do("CREATE TABLE T (X VARCHAR2(4000))"), "");
+  link->ShutDown();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{1U << 20U, 1U << 20U};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    Asking asking(File());
+    const std::string outcome = asking.Do(
+        "INSERT INTO T WITH R(N) AS (SELECT 1 FROM DUAL UNION ALL SELECT N+1 FROM R WHERE"
+        " N < 5000) SELECT LPAD('x',4000) FROM R");
+    const bool told = outcome == "ORA-1653" || outcome == "ORA-1115";
+    ::_exit((told ? 0 : 1) + (asking.Ask("SELECT COUNT(*) FROM T") == "0" ? 0 : 2));
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST_F(SqliteFiles, ASiteIsMadeWholeOrNotAtAll) {
+  const std::string path = Folder().File("new");
+  const std::vector<std::string> before = FilesIn(Folder().File(""));
+  {
+    sqlite::SiteBuilder site(path);
+    site.Execute("CREATE TABLE T (N NUMBER)");
+    EXPECT_THROW(site.Execute("CREATE TABLE T (N NUMBER)"), RuntimeError);
+    EXPECT_EQ(site.Error().native_number, 955);
+  }
+  EXPECT_EQ(FilesIn(Folder().File("")), before);
+  {
+    sqlite::SiteBuilder site(path);
+    site.Execute("CREATE TABLE T (N NUMBER)");
+    EXPECT_FALSE(std::filesystem::exists(path));
+    site.Finish();
+  }
+  EXPECT_EQ(Asking(path).Ask("SELECT table_name FROM user_tables"), "'T'");
+  EXPECT_THROW(sqlite::CreateDatabase(path), RuntimeError);
+  EXPECT_THROW(sqlite::CreateDatabase(Folder().File("no/folder")), RuntimeError);
+  EXPECT_EQ(Asking(path).Ask("SELECT table_name FROM user_tables"), "'T'");
+  EXPECT_EQ(FilesIn(Folder().File("")).size(), before.size() + 1);
+}
+
+}  // namespace
+}  // namespace sabrel::testing
