@@ -1,0 +1,55 @@
+#include "cli/commands/commands.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/argument.h"
+
+namespace sabrel::cli {
+namespace {
+
+// Stands in front of words that the parser must not take for options.
+constexpr char kValueMark = '\x01';
+
+void TakeMarksOff(CLI::App& parser) {
+  for (CLI::Option* option : parser.get_options()) {
+    if (option->get_items_expected_max() == 0) continue;
+    option->transform([](std::string word) {
+      if (word.starts_with(kValueMark)) word.erase(0, 1);
+      return word;
+    });
+  }
+  for (CLI::App* command : parser.get_subcommands({})) TakeMarksOff(*command);
+}
+
+}  // namespace
+
+void ParseWords(CLI::App& parser, std::vector<std::string> words) {
+  TakeMarksOff(parser);
+  const auto mark = std::ranges::find(words, "--");
+  for (auto word = words.begin(); word != words.end(); ++word) {
+    const bool is_value = word > mark || IsNegativeNumber(*word) || word->starts_with(kValueMark);
+    if (is_value) word->insert(word->begin(), kValueMark);
+  }
+  if (mark != words.end()) words.erase(mark);
+  std::ranges::reverse(words);  // The parser takes them from the back.
+  parser.parse(std::move(words));
+}
+
+CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name,
+                     const std::string& description, const std::string& examples, Action action) {
+  CLI::App* command = parent.add_subcommand(name, description);
+  command->fallthrough();
+  if (!examples.empty()) command->footer("Examples:\n" + examples);
+  command->callback([&context, action = std::move(action)] { context.action = action; });
+  return *command;
+}
+
+void AddSessionCommands(CLI::App& parent, Context& context) {
+  AddQueryCommands(parent, context);
+  AddRoutineCommands(parent, context);
+  AddLiteralCommand(parent, context);
+  AddValueCommands(parent, context);
+}
+
+}  // namespace sabrel::cli

@@ -1,0 +1,201 @@
+#include "cli/context.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <utility>
+
+#include "adapters/console/access_failure.h"
+#include "adapters/console/terminal.h"
+#include "cli/row_printer.h"
+#include "cli/session.h"
+#include "sabrel/core/gsabrel.h"
+
+namespace sabrel::cli {
+namespace {
+
+void PutError(std::string_view text) {
+  std::fputs((VisibleText(text, "\n") + "\n").c_str(), stderr);
+}
+
+std::string NumberedText(const CErrorObject& failure) {
+  const std::int32_t code = CarriedCode(failure.Number());
+  return (code != 0 ? "Sabrel error " + std::to_string(code)
+                    : "Error " + std::to_string(failure.Number())) +
+         ": " + failure.Description();
+}
+
+}  // namespace
+
+std::string_view KindText(EDBErrorType type) noexcept {
+  switch (type) {
+    case dbeUniqueConstraintViolated: return "unique constraint violated";
+    case dbeIntegrityConstraintViolated_ParentKeyNotFound: return "parent key not found";
+    case dbeIntegrityConstraintViolated_ChildRecordFound: return "child record found";
+    case dbeNone:
+    case dbeUnknown: break;
+  }
+  return "";
+}
+
+Context::Context(Interrupts& interrupts) : interrupts_(interrupts) {}
+
+Context::~Context() {
+  interrupts_.Watch(nullptr);
+  UnloadThread();
+  InstallPlatform({});
+}
+
+void Context::StartSession() {
+  if (services_) return;
+  if (options.show_sql || !options.record.empty()) {
+    conversation_ = std::make_shared<ConversationLog>(options.show_sql, options.record,
+                                                      [this] { StopProgress(); });
+  }
+  ConsoleServicesOptions console;
+  console.answer = options.answer;
+  console.trace = options.trace;
+  console.log.path = options.log;
+  auto services = std::make_shared<AttentiveServices>(std::make_shared<ConsoleServices>(console),
+                                                      [this] { StopProgress(); });
+  InstallSession(options, services, conversation_, interrupts_);
+  services_ = std::move(services);
+}
+
+void Context::RequireServer() const {
+  if (options.site.empty() && options.profile_file.empty()) {
+    throw UsageError(
+        "No Data Server is named: give --site FILE or --profile FILE, or set SABREL_SITE");
+  }
+}
+
+int Context::Run(const Action& run_action) {
+  interrupts_.StartCommand();
+  int status = kFailed;
+  try {
+    StartSession();
+    services_->ForgetBoxes();
+    GSabrel::ClearConnectionError();
+    status = Attempt(run_action);
+  } catch (const UsageError& wrong) {
+    status = kWrongUsage;
+    PutError("sabrel: " + std::string(wrong.what()));
+  } catch (const OutputClosed&) {
+    throw;
+  } catch (const OutputCancelled&) {
+    progress_.reset();
+    out_.Flush();
+  } catch (...) {
+    progress_.reset();
+    out_.Drop();
+    const RuntimeError failure = CurrentFailure();
+    status = services_ ? Report(CErrorObject(failure)) : kFailed;
+    if (!services_) PutError("sabrel: " + failure.Description());
+  }
+  progress_.reset();
+  if (!interrupts_.Cancelled()) return status;
+  if (status > kFalse) {
+    PutError("Cancelled.");
+    status = interrupts_.Ending() ? kTerminated : kCancelled;
+  }
+  interrupts_.StartCommand();
+  return status;
+}
+
+int Context::Attempt(const Action& run_action) {
+  progress_ = std::make_unique<Progress>();
+  const int status = run_action(*this);
+  progress_.reset();
+  out_.Flush();
+  const auto failure = GSabrel::SabrelErrorObject();
+  return failure->Number() == 0 ? status : Report(*failure);
+}
+
+int Context::Report(const CErrorObject& failure) {
+  const bool connection = failure.IsConnectionError();
+  const bool known = connection || failure.IsDBError();
+  const std::string text = known ? failure.Text() : NumberedText(failure);
+  if (!services_->HasShown(known ? text : failure.Description())) PutError(text);
+  if (connection && !failure.Description().empty()) PutError("Reason: " + failure.Description());
+  const std::string_view kind = KindText(failure.DBErrorType());
+  if (failure.IsDBError() && !kind.empty()) PutError("Kind: " + std::string(kind));
+  return connection ? kNoConnection : kFailed;
+}
+
+void Context::Print(const Variant& value) {
+  switch (options.format) {
+    case Format::kTable: out_.Write(TableText(value)); break;
+    case Format::kCsv: out_.Write(CsvText(value)); break;
+    case Format::kJson: out_.Write(JsonText(value)); break;
+  }
+  out_.Write("\n");
+}
+
+int Context::PrintTruth(bool truth) {
+  if (options.format == Format::kTable) {
+    out_.Write(truth ? "yes\n" : "no\n");
+  } else {
+    Print(Variant(truth));
+  }
+  return truth ? kDone : kFalse;
+}
+
+void Context::PrintRows(Recordset& rows) {
+  std::vector<std::string> names;
+  const FieldList fields = rows.Fields();
+  for (std::int32_t i = 0; i < fields.Count(); ++i) names.push_back(fields.Item(i).Name());
+  if (out_.IsTerminal()) StopProgress();
+  const auto printer = MakeRowPrinter(options.format, out_, names);
+  std::vector<Variant> values(names.size());
+  std::int64_t count = 0;
+  for (; !rows.EndOfFile(); rows.MoveNext()) {
+    if (interrupts_.Cancelled()) {
+      rows.Close();
+      throw OutputCancelled();
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      values[i] = fields.Item(static_cast<std::int32_t>(i)).Value();
+    }
+    printer->Row(values);
+    ++count;
+    if (progress_) progress_->Rows(count);
+  }
+  printer->End();
+  out_.Flush();
+  rows.Close();
+  progress_.reset();
+  Note(std::to_string(count) + (count == 1 ? " row" : " rows"));
+}
+
+void Context::StopProgress() {
+  if (progress_) progress_->Stop();
+}
+
+void Context::Hide(std::string_view secret) {
+  auto* overheard = dynamic_cast<OverheardRowlink*>(CurrentPlatform().rowlink.get());
+  if (overheard != nullptr) overheard->Hide(secret);
+}
+
+void Context::Note(std::string_view text) { PutError(text); }
+
+void Context::RequireCompleteRecord() const {
+  if (conversation_) conversation_->RequireComplete();
+}
+
+std::string ReadPasswordFile(Context& context, const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string password;
+  if (!file || (!std::getline(file, password) && !file.eof())) {
+    throw AccessFailure("The password file " + path, errno);
+  }
+  struct stat facts {};
+  if (::stat(path.c_str(), &facts) == 0 && (facts.st_mode & 077U) != 0) {
+    context.Note("Warning: others can read the password file " + path + "; chmod 600 helps");
+  }
+  if (password.ends_with('\r')) password.pop_back();
+  return password;
+}
+
+}  // namespace sabrel::cli

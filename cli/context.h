@@ -1,0 +1,104 @@
+// What every command works with: the options, the session, the output, and the rule of exit
+// statuses.
+//
+// A command is parsed first and run afterwards; it does its work inside `Run`, which clears the
+// error object, turns every failure into a message and an exit status, and knows about Ctrl-C. The
+// session - platform, profiles, Rowlink - is made when the first command needs it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "adapters/console/console_services.h"
+#include "cli/attentive_services.h"
+#include "cli/cell_text.h"
+#include "cli/conversation_log.h"
+#include "cli/exit_status.h"
+#include "cli/interrupts.h"
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "sabrel/core/error_object.h"
+#include "sabrel/platform/recordset.h"
+
+namespace sabrel::cli {
+
+struct Options {
+  std::string site;
+  std::string profile_file;
+  std::string profile_name;
+  std::string registry;
+  std::string log;
+  std::string record;
+  bool trace = false;
+  bool show_sql = false;
+  Format format = Format::kTable;
+  AnswerMode answer = AnswerMode::kAsk;
+};
+
+class Context;
+/// Does a command's work and returns kDone, kFalse or another exit status. Errors: RuntimeError,
+/// UsageError
+using Action = std::function<int(Context&)>;
+
+class Context {
+ public:
+  explicit Context(Interrupts& interrupts);
+  ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
+
+  /// Runs `action` as one command and returns the exit status; says on standard error what failed.
+  /// Errors: OutputClosed
+  int Run(const Action& action);
+
+  /// For actions that talk to the Data Server. Errors: UsageError when no server was named
+  void RequireServer() const;
+
+  // Results, in the form that was asked for.
+  void Print(const Variant& value);
+  /// Prints yes or no and returns kDone or kFalse.
+  int PrintTruth(bool truth);
+  /// Prints all rows, closes the recordset and tells their number.
+  void PrintRows(Recordset& rows);
+  /// Before anything else is written to the terminal.
+  void StopProgress();
+  /// A line for the person, on standard error.
+  void Note(std::string_view text);
+
+  /// Keeps a password out of --show-sql and --record; for one that travels as an argument. Inside
+  /// an action only.
+  void Hide(std::string_view secret);
+
+  [[nodiscard]] Output& Out() noexcept { return out_; }
+  [[nodiscard]] Interrupts& Signals() noexcept { return interrupts_; }
+  /// Errors: 75 when the record is not complete
+  void RequireCompleteRecord() const;
+
+  Options options;
+  /// The command that the parser found.
+  Action action;
+  /// Set instead by a command that runs commands of its own, each with `Run`.
+  Action session;
+
+ private:
+  void StartSession();
+  int Attempt(const Action& action);
+  int Report(const CErrorObject& failure);
+
+  Interrupts& interrupts_;
+  Output out_{1};
+  std::shared_ptr<AttentiveServices> services_;
+  std::shared_ptr<ConversationLog> conversation_;
+  std::unique_ptr<Progress> progress_;
+};
+
+/// "unique constraint violated"; empty for errors that callers need not tell apart.
+[[nodiscard]] std::string_view KindText(EDBErrorType type) noexcept;
+
+/// The first line of the file. Errors: 75. A file that others can read is told as a warning to
+/// `context`
+[[nodiscard]] std::string ReadPasswordFile(Context& context, const std::string& path);
+
+}  // namespace sabrel::cli

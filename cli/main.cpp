@@ -1,0 +1,128 @@
+// The program `sabrel`: the component's operations from a terminal.
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+
+#include "adapters/console/terminal.h"
+#include "cli/commands/commands.h"
+#include "cli/context.h"
+
+namespace sabrel::cli {
+namespace {
+
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  sabrel site create plant.site\n"
+    "  export SABREL_SITE=plant.site\n"
+    "  sabrel query \"SELECT Group_Id, Group_Name FROM PM_Groups\"\n"
+    "  sabrel --format json function --as long FS_GetColumnLength PM_REPORT NAME\n"
+    "  sabrel shell\n\n"
+    "Exit status: 0 done or true, 1 false, 2 wrong usage, 3 no connection, 4 failed,\n"
+    "  130 cancelled with Ctrl-C.\n\n"
+    "Results: a table marks null with \u2205. CSV (RFC 4180, lines end in LF) leaves null empty "
+    "and writes the\n"
+    "  empty text as \"\". JSON is an array of objects; columns of one name are NAME and NAME_2; "
+    "a\n"
+    "  decimal of more than 15 digits is a string, so that no reader rounds it. Dates are\n"
+    "  2024-03-09T17:05:00. Row counts, messages and progress go to standard error.\n\n"
+    "A profile file (--profile) has a line [name] per Data Server and lines Setting = value "
+    "behind:\n"
+    "  Driver = sqlite, Database = FILE, Host, Port, UserName, Password, ConnectTimeout, "
+    "ReceiveTimeout.";
+
+void AddOptions(CLI::App& app, Options& options) {
+  static const std::map<std::string, Format> formats = {
+      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
+  static const std::map<std::string, AnswerMode> answers = {
+      {"yes", AnswerMode::kYes}, {"no", AnswerMode::kNo}, {"ask", AnswerMode::kAsk}};
+  CLI::Option* site = app.add_option("--site", options.site,
+                                     "File with an embedded Data Server (default: $SABREL_SITE)");
+  CLI::Option* profile =
+      app.add_option("--profile", options.profile_file, "File with connection profiles");
+  profile->excludes(site);
+  app.add_option("--profile-name", options.profile_name,
+                 "Which of them is the session's (default: the first)")
+      ->needs(profile);
+  app.add_option("--registry", options.registry, "Registry settings, as an exported .reg file");
+  app.add_option("--format", options.format, "table, csv or json (default: table)")
+      ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
+  app.add_option("--answer", options.answer, "Answer to questions: yes, no or ask (default: ask)")
+      ->transform(CLI::CheckedTransformer(answers, CLI::ignore_case).description(""));
+  app.add_flag("--show-sql", options.show_sql,
+               "Show each statement, argument and time-out that is sent, without passwords");
+  app.add_option("--record", options.record, "Keep what was sent and answered, as JSON lines");
+  app.add_flag("--trace", options.trace, "Write trace lines");
+  app.add_option("--log", options.log, "File for log and trace lines (default: standard error)");
+}
+
+// A site of the environment is a default only: a profile file takes its place.
+void ReadEnvironment(Options& options) {
+  const char* site = std::getenv("SABREL_SITE");
+  if (site != nullptr && options.site.empty() && options.profile_file.empty()) options.site = site;
+}
+
+// kDone when there is a command to run; -1 when help or the version was asked for and printed.
+int Parse(CLI::App& app, int argc, char** argv) {
+  try {
+    ParseWords(app, {argv + 1, argv + argc});
+    return kDone;
+  } catch (const CLI::RequiredError& missing) {
+    // The parser's own words do not say that a command was misspelt.
+    const std::vector<std::string> words = app.remaining();
+    if (!app.get_subcommands().empty() || words.empty()) {
+      app.exit(missing);
+    } else {
+      std::fprintf(stderr, "There is no command '%s'.\nRun with --help for more information.\n",
+                   VisibleText(words.front(), " ").c_str());
+    }
+    return kWrongUsage;
+  } catch (const CLI::ParseError& end) {
+    return app.exit(end) == 0 ? -1 : kWrongUsage;
+  }
+}
+
+int RunProgram(int argc, char** argv) {
+  Interrupts interrupts;
+  Context context(interrupts);
+  CLI::App app("Sabrel: sends SQL text to a Data Server and prints what comes back.", "sabrel");
+  app.set_version_flag("--version", "sabrel " SABREL_VERSION);
+  app.footer(kFooter);
+  app.get_formatter()->column_width(28);
+  app.require_subcommand(1);
+  AddOptions(app, context.options);
+  AddSiteCommands(app, context);
+  AddSessionCommands(app, context);
+  AddShellCommand(app, context);
+  const int parsed = Parse(app, argc, argv);
+  if (parsed != kDone) return parsed < 0 ? kDone : parsed;
+  ReadEnvironment(context.options);
+
+  int status = kDone;
+  try {
+    status = context.session ? context.session(context) : context.Run(context.action);
+    context.RequireCompleteRecord();
+  } catch (const OutputClosed&) {
+    return kOutputClosed;
+  } catch (const std::exception& failure) {
+    context.Note("sabrel: " + std::string(failure.what()));
+    return kFailed;
+  }
+  return status;
+}
+
+}  // namespace
+}  // namespace sabrel::cli
+
+int main(int argc, char** argv) {
+  // A reader that goes away is noticed where it matters: when standard output is written.
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return sabrel::cli::RunProgram(argc, argv);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "sabrel: %s\n", failure.what());
+    return sabrel::cli::kFailed;
+  }
+}

@@ -1,0 +1,65 @@
+#include "cli/session.h"
+
+#include <utility>
+
+#include "adapters/console/configured_spreadsheet.h"
+#include "adapters/console/console_application.h"
+#include "adapters/console/registry_file.h"
+#include "adapters/sqlite/sqlite_rowlink.h"
+#include "sabrel/platform/platform.h"
+#include "sabrel/platform/runtime_error.h"
+
+namespace sabrel::cli {
+namespace {
+
+ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings) {
+  if (options.profile_file.empty()) {
+    ConnectionProfile site;
+    site.Name = "site";
+    site.Driver = "sqlite";
+    site.Database = options.site;
+    return ProfileSet(std::move(site));
+  }
+  ProfileFile file = ReadProfileFile(options.profile_file);
+  warnings = std::move(file.warnings);
+  if (!options.profile_name.empty()) {
+    try {
+      file.profiles.UseForSession(options.profile_name);
+    } catch (const RuntimeError& unknown) {
+      throw UsageError(unknown.Description());
+    }
+  }
+  return std::move(file.profiles);
+}
+
+}  // namespace
+
+void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> services,
+                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts) {
+  std::vector<std::string> warnings;
+  ProfileSet profiles = ProfilesOf(options, warnings);
+  for (const std::string& warning : warnings) {
+    services->ShowMessage(warning, kBoxExclamation, "sabrel");
+  }
+  ConsoleApplicationOptions application;
+  application.product_name = "sabrel";
+  Platform shared;
+  shared.services = std::move(services);
+  shared.application = std::make_shared<ConsoleApplication>(std::move(application));
+  shared.registry = options.registry.empty() ? std::make_shared<RegistryFile>()
+                                             : std::make_shared<RegistryFile>(options.registry);
+  shared.spreadsheet = std::make_shared<ConfiguredSpreadsheet>();
+  InstallPlatform([=, &interrupts] {
+    Platform platform = shared;
+    platform.rowlink = MakeSqliteRowlink(profiles);
+    if (conversation) {
+      auto overheard = std::make_shared<OverheardRowlink>(platform.rowlink, conversation);
+      for (const ConnectionProfile& profile : profiles.All()) overheard->Hide(profile.Password);
+      platform.rowlink = std::move(overheard);
+    }
+    interrupts.Watch(platform.rowlink);
+    return platform;
+  });
+}
+
+}  // namespace sabrel::cli

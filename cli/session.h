@@ -1,0 +1,16 @@
+// The platform behind the program: embedded Data Server, console, registry file.
+#pragma once
+
+#include <memory>
+
+#include "cli/context.h"
+
+namespace sabrel::cli {
+
+/// Installs the platform for this thread; `conversation` may be null.
+/// Errors: 75 or 321 for a profile or registry file that cannot be used; UsageError for an unknown
+/// profile name
+void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> services,
+                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts);
+
+}  // namespace sabrel::cli
