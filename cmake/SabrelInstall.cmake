@@ -1,0 +1,21 @@
+# Installation: headers, libraries, the exported package `Sabrel` and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Sabrel)
+
+install(TARGETS sabrel_sabrel sabrel_adapter_shared sabrel_sqlite sabrel_console EXPORT SabrelTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS sabrel_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(EXPORT SabrelTargets NAMESPACE sabrel:: DESTINATION ${package_dir})
+
+install(DIRECTORY sabrel adapters DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h"
+  PATTERN "thread_holder.h" EXCLUDE)
+
+configure_package_config_file(cmake/SabrelConfig.cmake.in ${PROJECT_BINARY_DIR}/SabrelConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/SabrelConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/SabrelConfig.cmake ${PROJECT_BINARY_DIR}/SabrelConfigVersion.cmake
+  DESTINATION ${package_dir})
+
+configure_file(cmake/sabrel.pc.in ${PROJECT_BINARY_DIR}/sabrel.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/sabrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
