@@ -1,7 +1,8 @@
-// The component on the embedded server beside the engine's own interface used directly, as a host without the
-// component would: literal text prepared, stepped and finalised for each statement.
+// The component on the embedded server beside the engine's own interface used directly, as a host
+// without the component would: literal text prepared, stepped and finalised for each statement.
 //
-// Look at the ratio of a pair (Component / Direct) of one run; single times say more about the machine.
+// Look at the ratio of a pair (Component / Direct) of one run; single times say more about the
+// machine.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
@@ -25,10 +26,14 @@ class Bench {
   Bench() : path_(std::filesystem::temp_directory_path() / "sabrel-bench.site") {
     std::filesystem::remove(path_);
     sabrel::sqlite::SiteBuilder site(path_);
-    site.Execute("CREATE TABLE T (ID NUMBER(10) PRIMARY KEY, NAME VARCHAR2(40), V NUMBER(12,4), D DATE)");
     site.Execute(
-        "INSERT INTO T (ID, NAME, V, D) WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL SELECT I + 1 FROM N "
-        "WHERE I < " + std::to_string(kRows) + ") "
+        "CREATE TABLE T (ID NUMBER(10) PRIMARY KEY, NAME VARCHAR2(40), V NUMBER(12,4), D DATE)");
+    site.Execute(
+        "INSERT INTO T (ID, NAME, V, D) WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL SELECT I + 1 "
+        "FROM N "
+        "WHERE I < " +
+        std::to_string(kRows) +
+        ") "
         "SELECT I, 'name of row ' || I, I * 0.25, TO_DATE('2024-03-09','YYYY-MM-DD') FROM N");
     site.Finish();
     sabrel::InstallPlatform(sabrel::ConsolePlatform([this] {
@@ -38,7 +43,8 @@ class Bench {
       return sabrel::MakeSqliteRowlink(sabrel::ProfileSet(profile));
     }));
     if (sqlite3_open(path_.c_str(), &direct_) != SQLITE_OK) throw std::runtime_error("open");
-    sqlite3_exec(direct_, "PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL", nullptr, nullptr, nullptr);
+    sqlite3_exec(direct_, "PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL", nullptr, nullptr,
+                 nullptr);
   }
   ~Bench() {
     sabrel::UnloadThread();
@@ -64,9 +70,9 @@ class Bench {
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
       sum += sqlite3_column_int64(statement, 0);
       for (int i = 1; i < sqlite3_column_count(statement); ++i) {
-        benchmark::DoNotOptimize(std::string(
-            static_cast<const char*>(sqlite3_column_blob(statement, i)),
-            static_cast<std::size_t>(sqlite3_column_bytes(statement, i))));
+        benchmark::DoNotOptimize(
+            std::string(static_cast<const char*>(sqlite3_column_blob(statement, i)),
+                        static_cast<std::size_t>(sqlite3_column_bytes(statement, i))));
       }
     }
     sqlite3_finalize(statement);
@@ -89,7 +95,8 @@ std::string PointQuery() {
 
 void PointQueryComponent(benchmark::State& state) {
   Bench::Instance();
-  for (auto _ : state) benchmark::DoNotOptimize(sabrel::GSabrel::ExecuteQueryReturningLong(PointQuery()));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(sabrel::GSabrel::ExecuteQueryReturningLong(PointQuery()));
 }
 void PointQueryDirect(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(Bench::Instance().Direct(PointQuery()));
@@ -101,7 +108,8 @@ std::string JoinQuery() {
 }
 void JoinQueryComponent(benchmark::State& state) {
   Bench::Instance();
-  for (auto _ : state) benchmark::DoNotOptimize(sabrel::GSabrel::ExecuteQueryReturningLong(JoinQuery()));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(sabrel::GSabrel::ExecuteQueryReturningLong(JoinQuery()));
 }
 void JoinQueryDirect(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(Bench::Instance().Direct(JoinQuery()));
@@ -123,12 +131,14 @@ void ScanComponent(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * kRows);
 }
 void ScanDirect(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(Bench::Instance().Direct("SELECT ID, NAME, V, D FROM T"));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(Bench::Instance().Direct("SELECT ID, NAME, V, D FROM T"));
   state.SetItemsProcessed(state.iterations() * kRows);
 }
 
 std::string UpdateText() {
-  return "UPDATE T SET NAME = 'x" + std::to_string(NextId()) + "' WHERE ID = " + std::to_string(NextId());
+  return "UPDATE T SET NAME = 'x" + std::to_string(NextId()) +
+         "' WHERE ID = " + std::to_string(NextId());
 }
 void UpdateComponent(benchmark::State& state) {
   Bench::Instance();

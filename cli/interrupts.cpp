@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 constexpr int kPatience = 3;
+constexpr int kAskAgain_ms = 50;
 constexpr char kStopListening = 0;
 
 // Written to by the signal handler, which may do no more than that.
@@ -71,6 +72,7 @@ void Interrupts::Watch(std::shared_ptr<Rowlink> rowlink) {
 }
 
 void Interrupts::StartCommand() {
+  const std::lock_guard lock(mutex_);
   cancelled_ = false;
   impatience_ = 0;
   std::uint64_t ignored = 0;
@@ -89,17 +91,27 @@ bool Interrupts::WaitForInput(int descriptor) {
   return false;
 }
 
+// A signal may come just before the statement starts that it means; asking again until the command
+// has ended reaches it all the same.
 void Interrupts::Listen() {
-  char signal = kStopListening;
-  while (::read(g_pipe[0], &signal, 1) == 1 && signal != kStopListening) {
-    const bool ends = signal != SIGINT;
-    if (++impatience_ >= kPatience) ::_exit(ends ? kTerminated : kCancelled);
-    (ends ? ending_ : cancelled_) = true;
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(wake_up_, &one, sizeof one);
+  pollfd source = {g_pipe[0], POLLIN, 0};
+  while (true) {
+    const int ready = ::poll(&source, 1, Cancelled() ? kAskAgain_ms : -1);
+    if (ready > 0 && !TakeSignal()) return;
     const std::lock_guard lock(mutex_);
-    if (rowlink_) rowlink_->Cancel();
+    if (rowlink_ && Cancelled()) rowlink_->Cancel();
   }
+}
+
+bool Interrupts::TakeSignal() {
+  char signal = kStopListening;
+  if (::read(g_pipe[0], &signal, 1) != 1 || signal == kStopListening) return false;
+  const bool ends = signal != SIGINT;
+  if (++impatience_ >= kPatience) ::_exit(ends ? kTerminated : kCancelled);
+  (ends ? ending_ : cancelled_) = true;
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = ::write(wake_up_, &one, sizeof one);
+  return true;
 }
 
 }  // namespace sabrel::cli

@@ -35,6 +35,7 @@ class Interrupts {
 
  private:
   void Listen();
+  [[nodiscard]] bool TakeSignal();
 
   std::mutex mutex_;
   std::shared_ptr<Rowlink> rowlink_;

@@ -8,7 +8,8 @@
 int main(int argc, char** argv) {
   sabrel::InstallPlatform(sabrel::ConsolePlatform(
       [file = std::string(argc > 1 ? argv[1] : "site.db")] { return sabrel::OpenSite(file); }));
-  const auto sql = "SELECT COUNT(*) FROM PM_REPORT WHERE Name <> " + sabrel::GSabrel::DBStr("O'Hara");
+  const auto sql =
+      "SELECT COUNT(*) FROM PM_REPORT WHERE Name <> " + sabrel::GSabrel::DBStr("O'Hara");
   std::cout << sabrel::GSabrel::ExecuteQueryReturningLong(sql) << " reports\n";
   return sabrel::GSabrel::SabrelErrorObject()->Number() == 0 ? 0 : 1;
 }

@@ -74,13 +74,14 @@ void StopSwitch::StopAll() noexcept {
   }
 }
 
-Connection::Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch)
+Connection::Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+                       Durability durability)
     : path_(path), stop_switch_(std::move(stop_switch)) {
   RequireFile(path_);
   const bool had_journal = HasJournal(path_);
   try {
     Open();
-    Configure();
+    Configure(durability);
   } catch (const std::exception&) {
     for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
     sqlite3_close(handle_);
@@ -118,7 +119,7 @@ void Connection::Open() {
       [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
 }
 
-void Connection::Configure() {
+void Connection::Configure(Durability durability) {
   // Reading before anything is set: what is no site must not be written to, nor get a journal
   // beside it.
   {
@@ -130,6 +131,7 @@ void Connection::Configure() {
   Run("PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON; PRAGMA case_sensitive_like=ON;"
       "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON; PRAGMA temp_store=MEMORY;"
       "PRAGMA journal_size_limit=67108864");
+  if (durability == Durability::kAtTheEnd) Run("PRAGMA synchronous=OFF");
   sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
   sqlite3_limit(handle_, SQLITE_LIMIT_SQL_LENGTH, static_cast<int>(kLongestText));
   sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);

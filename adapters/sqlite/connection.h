@@ -29,6 +29,10 @@ namespace sabrel::sqlite {
 
 class Connection;
 
+/// Whether a commit waits until the disk has it; without, whoever makes the file brings it to the
+/// disk at the end.
+enum class Durability { kEachCommit, kAtTheEnd };
+
 using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 /// The moment `seconds` from now; none for 0.
 [[nodiscard]] Deadline DeadlineIn(std::int32_t seconds);
@@ -90,7 +94,8 @@ class Connection {
   static constexpr std::chrono::seconds kLongestWait{30};
 
   /// Opens the existing file `path` as a site. Errors: ServerFailure naming file and reason
-  Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch);
+  Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+             Durability durability = Durability::kEachCommit);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -122,7 +127,7 @@ class Connection {
   friend class StopSwitch;
 
   void Open();
-  void Configure();
+  void Configure(Durability durability);
   void KeepStatement(std::string key, sqlite3_stmt* handle) noexcept;
   [[nodiscard]] bool MustStop() const noexcept;
   [[nodiscard]] bool WaitForLock(int waits) noexcept;

@@ -140,6 +140,23 @@ Value Trunc(Arguments a, void*) {
   return Tidy((is_whole ? nearest : std::trunc(product)) / scale);
 }
 
+Value Round(Arguments a, void*) {
+  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  if (IsDate(a[0])) {
+    if (a.size() > 1) throw ServerFailure(1898, "ROUND of a date takes no unit here");
+    return DateValue(TruncateMoment(MoveMoment(a[0].text, kSecondsPerDay / 2), "DD"));
+  }
+  const std::int64_t digits = a.size() > 1 ? WholeOf(a[1]) : 0;
+  const Value number = NumberOf(a[0]);
+  if ((number.kind == Value::Kind::kInteger && digits >= 0) || digits > 15) return number;
+  if (digits < -18) return IntegerValue(0);
+  const double scale = std::pow(10.0, static_cast<double>(std::llabs(digits)));
+  const double product = digits < 0 ? RealOf(number) / scale : RealOf(number) * scale;
+  // 2.675 * 100 is 267.49999999999997: the digits count.
+  const double rounded = std::round(product * (1.0 + 1e-15));
+  return Tidy(digits < 0 ? rounded * scale : rounded / scale);
+}
+
 Value SystemDate(Arguments, void*) { return DateValue(Now()); }
 
 Value AddMonthsTo(Arguments a, void*) {
@@ -216,6 +233,7 @@ constexpr SqlFunction kFunctions[] = {
     {"TO_DATE", 1, 2, true, ToDate},
     {"TO_CHAR", 1, 2, true, ToChar},
     {"TRUNC", 1, 2, true, Trunc},
+    {"ROUND", 1, 2, true, Round},
     {"ADD_MONTHS", 2, 2, true, AddMonthsTo},
     {"LAST_DAY", 1, 1, true, LastDayOf},
     {"MONTHS_BETWEEN", 2, 2, true, MonthsBetweenDates},

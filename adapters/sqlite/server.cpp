@@ -125,8 +125,8 @@ dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) c
 }
 
 Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
-               std::shared_ptr<SessionState> session)
-    : connection_(path, std::move(stop_switch)),
+               std::shared_ptr<SessionState> session, Durability durability)
+    : connection_(path, std::move(stop_switch), durability),
       session_(std::move(session)),
       routines_(*this),
       dialect_(routines_) {

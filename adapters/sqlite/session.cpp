@@ -5,7 +5,7 @@
 namespace sabrel::sqlite {
 
 std::unique_ptr<Server> Session::Take() {
-  if (idle_.empty()) return std::make_unique<Server>(path_, stop_switch_, state_);
+  if (idle_.empty()) return std::make_unique<Server>(path_, stop_switch_, state_, durability_);
   // The last one back has the statements that are in use now.
   std::unique_ptr<Server> server = std::move(idle_.back());
   idle_.pop_back();

@@ -17,10 +17,11 @@ class Session {
  public:
   static constexpr std::size_t kMostIdle = 4;
 
-  Session(std::string path, std::shared_ptr<StopSwitch> stop_switch)
+  Session(std::string path, std::shared_ptr<StopSwitch> stop_switch, Durability durability)
       : path_(std::move(path)),
         stop_switch_(std::move(stop_switch)),
-        state_(std::make_shared<SessionState>()) {}
+        state_(std::make_shared<SessionState>()),
+        durability_(durability) {}
 
   /// Errors: as Connection
   [[nodiscard]] std::unique_ptr<Server> Take();
@@ -34,6 +35,7 @@ class Session {
   std::shared_ptr<StopSwitch> stop_switch_;
   std::shared_ptr<SessionState> state_;
   std::vector<std::unique_ptr<Server>> idle_;
+  Durability durability_;
   bool closed_ = false;
 };
 

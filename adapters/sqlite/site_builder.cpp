@@ -31,8 +31,9 @@ void MakeSite(const std::string& path) {
   ::close(file);
   sqlite3* handle = nullptr;
   int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
-  const std::string mark = "PRAGMA application_id=" + std::to_string(kSiteMark) +
-                           "; PRAGMA journal_mode=WAL; PRAGMA trusted_schema=ON; BEGIN;";
+  const std::string mark =
+      "PRAGMA application_id=" + std::to_string(kSiteMark) +
+      "; PRAGMA synchronous=OFF; PRAGMA journal_mode=WAL; PRAGMA trusted_schema=ON; BEGIN;";
   for (const char* sql : {mark.c_str(), CatalogueSql(), "COMMIT"}) {
     if (code == SQLITE_OK) code = sqlite3_exec(handle, sql, nullptr, nullptr, nullptr);
   }
@@ -98,7 +99,7 @@ SiteBuilder::SiteBuilder(std::string path) : work_(std::make_unique<Work>()) {
   profile.Name = "unfinished site";
   profile.Driver = "sqlite";
   profile.Database = work_->unfinished;
-  work_->link = std::make_unique<SqliteLink>(ProfileSet(std::move(profile)));
+  work_->link = std::make_unique<SqliteLink>(ProfileSet(std::move(profile)), Durability::kAtTheEnd);
 }
 
 SiteBuilder::~SiteBuilder() {
@@ -118,7 +119,7 @@ void SiteBuilder::Execute(std::string_view sql) {
 void SiteBuilder::Finish() {
   work_->Guard([this] {
     {
-      Connection engine(work_->unfinished, std::make_shared<StopSwitch>());
+      Connection engine(work_->unfinished, std::make_shared<StopSwitch>(), Durability::kAtTheEnd);
       Statement check = engine.Prepare("PRAGMA integrity_check(1)");
       if (!check.Step() || check.Column(0).text != "ok") {
         throw ServerFailure(1578, "the new file is damaged", check.Column(0).text);

@@ -99,8 +99,9 @@ class RunningCursor final : public Cursor {
 
 }  // namespace
 
-SqliteLink::SqliteLink(ProfileSet profiles)
+SqliteLink::SqliteLink(ProfileSet profiles, Durability durability)
     : profiles_(std::move(profiles)),
+      durability_(durability),
       stop_switch_(std::make_shared<StopSwitch>()),
       last_error_(std::make_shared<DatabaseError>()) {}
 
@@ -120,7 +121,7 @@ SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
   Key key{profile.Driver,   profile.Host,     profile.Port,
           profile.Database, profile.UserName, profile.Password};
   auto& session = sessions_[std::move(key)];
-  if (!session) session = std::make_shared<Session>(profile.Database, stop_switch_);
+  if (!session) session = std::make_shared<Session>(profile.Database, stop_switch_, durability_);
   return {session, profile.ReceiveTimeout};
 }
 

@@ -16,7 +16,7 @@ namespace sabrel::sqlite {
 
 class SqliteLink final : public DataLink {
  public:
-  explicit SqliteLink(ProfileSet profiles);
+  explicit SqliteLink(ProfileSet profiles, Durability durability = Durability::kEachCommit);
 
   [[nodiscard]] std::unique_ptr<Cursor> Query(std::string_view sql,
                                               const DataServerAddress& address) override;
@@ -38,6 +38,7 @@ class SqliteLink final : public DataLink {
   [[nodiscard]] Target Find(const DataServerAddress& address);
 
   ProfileSet profiles_;
+  Durability durability_;
   std::shared_ptr<StopSwitch> stop_switch_;
   /// Shared with cursors, which may fail later than this link lives.
   std::shared_ptr<DatabaseError> last_error_;

@@ -32,15 +32,19 @@ std::string_view ConnectionText(std::int32_t code) {
              "Profile, or a Data Server failure.  Try increasing your 'Connect Timeout' using\r\n"
              "the Connection Manager, and try again.";
     case 24:
-      return "The Data Server request has taken longer than the maximum time allowed.  This can be\r\n"
+      return "The Data Server request has taken longer than the maximum time allowed.  This can "
+             "be\r\n"
              "caused by a low 'Receive Timeout' value in your Connection Profile, or a\r\n"
              "Data Server failure.  Try increasing your 'Receive Timeout' using the Connection\r\n"
              "Manager, and try again.";
     case 30:
-      return "The connection to the Data Server has been refused/severed.  This can be caused by\r\n"
-             "an invalid Connection Profile, or a Data Server failure, respectively.  If you are\r\n"
+      return "The connection to the Data Server has been refused/severed.  This can be caused "
+             "by\r\n"
+             "an invalid Connection Profile, or a Data Server failure, respectively.  If you "
+             "are\r\n"
              "trying to start the application for the first time, you may have entered invalid\r\n"
-             "information in your Connection Profile.  Use the Connection Manager to verify your\r\n"
+             "information in your Connection Profile.  Use the Connection Manager to verify "
+             "your\r\n"
              "connection information is valid.";
     case 31:
     case 33:
@@ -121,8 +125,7 @@ void CErrorObject::CaptureDatabaseError() {
 }
 
 bool CErrorObject::IsDBError() const {
-  return number_ != 0 &&
-         CurrentPlatform().application->ErrorCodeOf(number_) == kDatabaseErrorCode;
+  return number_ != 0 && CurrentPlatform().application->ErrorCodeOf(number_) == kDatabaseErrorCode;
 }
 
 std::int32_t CErrorObject::ConnectionCode() const {
@@ -141,8 +144,8 @@ std::string CErrorObject::Text(const Variant& vDetails) const {
     std::string connection = ConnectionErrorDescription();
     return connection.empty() ? "An unexpected error occurred" : connection;
   }
-  std::string text = "Error: " + std::to_string(db_number_) +
-                     "\r\nDescription: " + Indented(db_description_);
+  std::string text =
+      "Error: " + std::to_string(db_number_) + "\r\nDescription: " + Indented(db_description_);
   if (!db_source_.empty()) text += "\r\nSource: " + db_source_;
   const std::string details = DetailsText(vDetails);
   if (!details.empty()) text += "\r\nDetails: " + Indented(details);

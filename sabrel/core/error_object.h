@@ -1,10 +1,12 @@
 // The last failure, classified and told in words that a user can act on.
 //
-// `Reset` captures a failure: of a database error it also keeps what the server said, from which it tells the kind
-// (unique constraint, parent key not found, child record found). Whether a number is a database or a connection error
-// is asked of the platform at every question. One such object per thread holds the last failure of the component.
+// `Reset` captures a failure: of a database error it also keeps what the server said, from which it
+// tells the kind (unique constraint, parent key not found, child record found). Whether a number is
+// a database or a connection error is asked of the platform at every question. One such object per
+// thread holds the last failure of the component.
 //
-//   if (SabrelErrorObject()->IsConnectionError()) Show(SabrelErrorObject()->ConnectionErrorDescription());
+//   if (SabrelErrorObject()->IsConnectionError())
+//   Show(SabrelErrorObject()->ConnectionErrorDescription());
 #pragma once
 
 #include <cstdint>
@@ -53,15 +55,16 @@ class CErrorObject {
   [[nodiscard]] std::int32_t DBHelpContext() const noexcept { return db_help_context_; }
   [[nodiscard]] EDBErrorType DBErrorType() const noexcept { return db_error_type_; }
 
-  /// The text shown to users: number, description, source and details of a database error; what to do about a
-  /// connection error; a fixed sentence for anything else. Lines end in CR LF.
-  /// `vDetails` is shown with a database error only: an IdentifiedObject as three lines, any other value as text,
-  /// empty and null not at all.
+  /// The text shown to users: number, description, source and details of a database error; what to
+  /// do about a connection error; a fixed sentence for anything else. Lines end in CR LF.
+  /// `vDetails` is shown with a database error only: an IdentifiedObject as three lines, any other
+  /// value as text, empty and null not at all.
   [[nodiscard]] std::string Text(const Variant& vDetails = {}) const;
 
   /// Cost: none; asks the application object
   [[nodiscard]] bool IsDBError() const;
-  /// Whether the connection was refused, lost, unknown or too slow. Cost: none; asks the data-access layer
+  /// Whether the connection was refused, lost, unknown or too slow. Cost: none; asks the
+  /// data-access layer
   [[nodiscard]] bool IsConnectionError() const;
   /// Cause and remedy of a connection error; empty when the failure is none.
   [[nodiscard]] std::string ConnectionErrorDescription() const;

@@ -1,8 +1,9 @@
 // Everything that a host calls, in one header.
 //
-// `sabrel::GSabrel` holds the component's operations as free functions; each forwards to the module that owns it.
-// Arguments are handed on as given; defaults are those of the signatures here and are never read again on the way.
-// Install a platform first (platform.h). State belongs to the calling thread; `UnloadThread` ends a thread's use.
+// `sabrel::GSabrel` holds the component's operations as free functions; each forwards to the module
+// that owns it. Arguments are handed on as given; defaults are those of the signatures here and are
+// never read again on the way. Install a platform first (platform.h). State belongs to the calling
+// thread; `UnloadThread` ends a thread's use.
 //
 //   sabrel::InstallPlatform(...);
 //   const auto id = sabrel::GSabrel::ExecuteQueryReturningLong("SELECT MAX(Id) FROM PM_REPORT");

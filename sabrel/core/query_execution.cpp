@@ -16,19 +16,6 @@ struct RequestChannel {
   RecordsetRef channel;
 };
 
-class CloseAtEnd {
- public:
-  explicit CloseAtEnd(RecordsetRef rows) : rows_(std::move(rows)) {}
-  CloseAtEnd(const CloseAtEnd&) = delete;
-  CloseAtEnd& operator=(const CloseAtEnd&) = delete;
-  ~CloseAtEnd() {
-    if (rows_) rows_->Close();
-  }
-
- private:
-  RecordsetRef rows_;
-};
-
 std::string QueryLine(std::string_view sSql) { return "Query: " + std::string(sSql); }
 
 // The first field of the first row; nothing when there is no recordset, no row or no value.

@@ -13,7 +13,8 @@ class Application {
  public:
   virtual ~Application() = default;
 
-  /// The name used in captions; what the property "ProductName" was set to, else the host's own name or empty.
+  /// The name used in captions; what the property "ProductName" was set to, else the host's own
+  /// name or empty.
   [[nodiscard]] virtual std::string ProductName() const = 0;
   /// A property as it was last put; empty when it never was.
   [[nodiscard]] virtual std::string ProductProperty(std::string_view name) const = 0;

@@ -1,10 +1,11 @@
 // What an adapter does for the shared recordset, procedure call and row-set writer.
 //
-// The three objects that the component works with are the same for every Data Server; this is the narrow side that
-// differs. An adapter implements four calls, a test double answers them from a script. Addresses come as the caller
-// gave them: an empty host is the session's profile, port 0, an empty user or password and time-out 0 that profile's
-// setting; time-outs are seconds. A failure is thrown as RuntimeError: `kCodeBase + kDatabaseErrorCode` for what the
-// server refused (details stay readable as the last database error), `kCodeBase + kConnectionErrorBase + code` for a
+// The three objects that the component works with are the same for every Data Server; this is the
+// narrow side that differs. An adapter implements four calls, a test double answers them from a
+// script. Addresses come as the caller gave them: an empty host is the session's profile, port 0,
+// an empty user or password and time-out 0 that profile's setting; time-outs are seconds. A failure
+// is thrown as RuntimeError: `kCodeBase + kDatabaseErrorCode` for what the server refused (details
+// stay readable as the last database error), `kCodeBase + kConnectionErrorBase + code` for a
 // connection failure.
 #pragma once
 
@@ -35,21 +36,23 @@ class Cursor {
  public:
   virtual ~Cursor() = default;
   [[nodiscard]] virtual const std::vector<std::string>& ColumnNames() const = 0;
-  /// Appends at least one row to `block`, then more until it holds about `byte_limit` bytes, or until the rows end.
-  /// Returns false when they have ended; the statement is then finished and must not be asked again.
-  /// Cost: at most one round trip. Errors: the statement's, or code 24 when the time-out passes
+  /// Appends at least one row to `block`, then more until it holds about `byte_limit` bytes, or
+  /// until the rows end. Returns false when they have ended; the statement is then finished and
+  /// must not be asked again. Cost: at most one round trip. Errors: the statement's, or code 24
+  /// when the time-out passes
   virtual bool Fetch(RowBlock& block, std::size_t byte_limit) = 0;
 };
 
-/// One appended parameter: the value as text (empty is null), the type word ("integer", "string"), a name.
+/// One appended parameter: the value as text (empty is null), the type word ("integer", "string"),
+/// a name.
 struct RoutineParameter {
   std::string value;
   std::string type_word;
   std::string name;
 };
 
-/// A call of a stored routine. One parameter more than the routine declares, and it being a function, makes
-/// parameter 0 the result position.
+/// A call of a stored routine. One parameter more than the routine declares, and it being a
+/// function, makes parameter 0 the result position.
 struct RoutineCall {
   std::string procedure;
   DataServerAddress address;
@@ -59,7 +62,8 @@ struct RoutineCall {
 struct RoutineOutcome {
   /// The function's result; null for a procedure.
   Variant result;
-  /// One per appended parameter: a value for out parameters and the result position, nothing for the others.
+  /// One per appended parameter: a value for out parameters and the result position, nothing for
+  /// the others.
   std::vector<std::optional<Variant>> outputs;
 };
 
@@ -80,7 +84,8 @@ class DataLink {
   /// Sends a statement that returns rows. Errors: 911 before sending, for text that cannot be sent
   [[nodiscard]] virtual std::unique_ptr<Cursor> Query(std::string_view sql,
                                                       const DataServerAddress& address) = 0;
-  /// Sends a statement without rows (rows that come all the same are dropped); one transaction, one round trip.
+  /// Sends a statement without rows (rows that come all the same are dropped); one transaction, one
+  /// round trip.
   virtual void Execute(std::string_view sql, const DataServerAddress& address) = 0;
   /// Calls a routine. Errors: 6550 before sending, for an unknown routine or a wrong count
   [[nodiscard]] virtual RoutineOutcome Call(const RoutineCall& call) = 0;

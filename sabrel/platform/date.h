@@ -1,8 +1,9 @@
 // A day and a time of day as one serial number, and civil dates.
 //
-// The serial counts days since 30 December 1899. Its whole part is the day, the fraction - always taken as positive -
-// the time of day, so -1.25 is 29 December 1899, 06:00. Civil arithmetic only: no time zones, years 100 to 9999.
-// Serial 0 is the zero date, which stands for "no date"; -0.0 is the zero date too.
+// The serial counts days since 30 December 1899. Its whole part is the day, the fraction - always
+// taken as positive - the time of day, so -1.25 is 29 December 1899, 06:00. Civil arithmetic only:
+// no time zones, years 100 to 9999. Serial 0 is the zero date, which stands for "no date"; -0.0 is
+// the zero date too.
 #pragma once
 
 #include <cstdint>
@@ -46,7 +47,8 @@ class Date {
   /// Rounded to the nearest second; 59.6 seconds carry into the minute and so on.
   /// Errors: 6 when the serial is not a number or outside the years 100 to 9999
   [[nodiscard]] CivilDate ToCivil() const;
-  /// Seconds since the zero date after rounding to whole seconds; for differences. Errors: as ToCivil
+  /// Seconds since the zero date after rounding to whole seconds; for differences. Errors: as
+  /// ToCivil
   [[nodiscard]] std::int64_t WholeSeconds() const;
 
   friend constexpr bool operator==(const Date&, const Date&) = default;
@@ -58,13 +60,13 @@ class Date {
 /// "yyyy-mm-dd hh<sep>nn<sep>ss", the separator being the locale's. Errors: as Date::ToCivil
 [[nodiscard]] std::string FormatDateTime(const Date& date, const LocaleFacts& locale);
 
-/// The locale's general form: the date alone at midnight, the time alone on the zero day, else both with a blank
-/// between; numbers only, four-digit year, 24-hour clock. Errors: as Date::ToCivil
+/// The locale's general form: the date alone at midnight, the time alone on the zero day, else both
+/// with a blank between; numbers only, four-digit year, 24-hour clock. Errors: as Date::ToCivil
 [[nodiscard]] std::string GeneralDateText(const Date& date, const LocaleFacts& locale);
 
-/// Reads a date, a time or both: ISO form (a "T" or a blank between), or numbers in the locale's order with the
-/// locale's separator, "/", "-" or "." between; a time may end in AM or PM; a two-digit year below 30 is 20xx.
-/// Returns false when `text` is none of these.
+/// Reads a date, a time or both: ISO form (a "T" or a blank between), or numbers in the locale's
+/// order with the locale's separator, "/", "-" or "." between; a time may end in AM or PM; a
+/// two-digit year below 30 is 20xx. Returns false when `text` is none of these.
 [[nodiscard]] bool ParseDate(std::string_view text, const LocaleFacts& locale, Date& date);
 
 }  // namespace sabrel

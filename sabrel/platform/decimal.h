@@ -1,7 +1,8 @@
 // Exact decimal values: currency with four decimals, and decimals of up to 28 digits.
 //
-// Both are plain values without a heap part. Arithmetic is not offered: the component only carries such values from
-// the Data Server to its callers and into statement text. Numbers that do not fit raise 6 (overflow).
+// Both are plain values without a heap part. Arithmetic is not offered: the component only carries
+// such values from the Data Server to its callers and into statement text. Numbers that do not fit
+// raise 6 (overflow).
 #pragma once
 
 #include <compare>
@@ -17,22 +18,25 @@ struct Currency {
   friend auto operator<=>(const Currency&, const Currency&) = default;
 };
 
-/// Sign, a whole number of up to 96 bits, and how many of its digits stand behind the decimal point (0 to 28).
-/// Equality is of representation: 1.0 and 1.00 differ; normalise by text when that matters.
+/// Sign, a whole number of up to 96 bits, and how many of its digits stand behind the decimal point
+/// (0 to 28). Equality is of representation: 1.0 and 1.00 differ; normalise by text when that
+/// matters.
 class Decimal {
  public:
   Decimal() = default;
   explicit Decimal(std::int64_t whole) noexcept;
 
-  /// Reads `[+-]digits[.digits][E[+-]digits]` with "." as the decimal point. More than 28 digits behind the point are
-  /// rounded, halves to even.
-  /// Errors: 13 when `text` is no number, 6 when it does not fit 96 bits
+  /// Reads `[+-]digits[.digits][E[+-]digits]` with "." as the decimal point. More than 28 digits
+  /// behind the point are rounded, halves to even. Errors: 13 when `text` is no number, 6 when it
+  /// does not fit 96 bits
   [[nodiscard]] static Decimal Parse(std::string_view text);
-  /// The value with at most 15 significant digits of `number`. Errors: 6 when it does not fit or is not finite
+  /// The value with at most 15 significant digits of `number`. Errors: 6 when it does not fit or is
+  /// not finite
   [[nodiscard]] static Decimal FromDouble(double number);
   [[nodiscard]] static Decimal FromCurrency(Currency amount) noexcept;
 
-  /// Plain digits with "." as the decimal point; trailing zeros behind the point are dropped, "-" never precedes 0.
+  /// Plain digits with "." as the decimal point; trailing zeros behind the point are dropped, "-"
+  /// never precedes 0.
   [[nodiscard]] std::string Text() const;
   [[nodiscard]] double ToDouble() const;
   /// Rounded to a whole number, halves to even. Errors: 6 outside 64 bits

@@ -1,8 +1,8 @@
 // An ordered collection whose members may carry a text key.
 //
-// Positions are 1-based. Keys are compared ignoring case; a text is always a key, also when it looks like a number.
-// A missing key raises 5, a position out of range 9, a key that is present already 457. Iteration is in insertion
-// order: `for (const auto& member : collection)`.
+// Positions are 1-based. Keys are compared ignoring case; a text is always a key, also when it
+// looks like a number. A missing key raises 5, a position out of range 9, a key that is present
+// already 457. Iteration is in insertion order: `for (const auto& member : collection)`.
 #pragma once
 
 #include <cstddef>
@@ -97,7 +97,8 @@ class KeyedCollection {
   }
 
   void RemoveAt(std::size_t index) {
-    if (keys_[index].present) positions_.erase(positions_.find(std::string_view(keys_[index].text)));
+    if (keys_[index].present)
+      positions_.erase(positions_.find(std::string_view(keys_[index].text)));
     members_.erase(members_.begin() + static_cast<std::ptrdiff_t>(index));
     keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(index));
     for (std::size_t i = index; i < keys_.size(); ++i) {

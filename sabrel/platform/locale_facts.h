@@ -1,7 +1,7 @@
 // What the ordinary conversions need to know about the user's locale.
 //
-// The facts come from the services object on each use and are never taken from the C or C++ global locale, so a test
-// can set a comma and a dot, and a host's `setlocale` changes nothing.
+// The facts come from the services object on each use and are never taken from the C or C++ global
+// locale, so a test can set a comma and a dot, and a host's `setlocale` changes nothing.
 #pragma once
 
 #include <string>

@@ -1,7 +1,8 @@
 // One instance of a module's state per thread.
 //
-// `ModuleState<T>()` makes a default-constructed `T` on a thread's first use; `UnloadThread` or thread exit destroys it,
-// last made first. Only `.cpp` files ask for state; nothing of it is shared between threads.
+// `ModuleState<T>()` makes a default-constructed `T` on a thread's first use; `UnloadThread` or
+// thread exit destroys it, last made first. Only `.cpp` files ask for state; nothing of it is
+// shared between threads.
 #pragma once
 
 #include <memory>
@@ -11,7 +12,8 @@ namespace sabrel {
 namespace internal {
 
 using StateDeleter = void (*)(void*) noexcept;
-/// Address of this thread's slot for the state with identity `key`; null content when it was not made yet.
+/// Address of this thread's slot for the state with identity `key`; null content when it was not
+/// made yet.
 void* FindState(const void* key) noexcept;
 void AddState(const void* key, void* state, StateDeleter destroy);
 

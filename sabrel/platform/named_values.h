@@ -1,5 +1,5 @@
-// Values under names, in the order in which the names were first added. Names ignore case; adding a name again
-// replaces its value.
+// Values under names, in the order in which the names were first added. Names ignore case; adding a
+// name again replaces its value.
 #pragma once
 
 #include <string>

@@ -108,7 +108,8 @@ void UnloadThread() noexcept {
     if (found == process.holders.end()) return;
     holder = found->second.get();
   }
-  // The holder stays findable meanwhile: a state's destructor may use the platform or even make another state.
+  // The holder stays findable meanwhile: a state's destructor may use the platform or even make
+  // another state.
   while (!holder->states.empty()) {
     const ThreadHolder::State last = holder->states.back();
     holder->states.pop_back();

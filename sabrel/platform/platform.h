@@ -1,10 +1,12 @@
 // What stands behind the component on a real machine, and how a host says so.
 //
-// The host installs one factory per process before first use; a thread takes its platform from it on first use and
-// keeps it until `UnloadThread`. Replacing the factory affects a thread after its `UnloadThread`. Members that serve
-// the whole process are shared between the platforms that the factory makes; the Rowlink is the thread's own.
+// The host installs one factory per process before first use; a thread takes its platform from it
+// on first use and keeps it until `UnloadThread`. Replacing the factory affects a thread after its
+// `UnloadThread`. Members that serve the whole process are shared between the platforms that the
+// factory makes; the Rowlink is the thread's own.
 //
-//   sabrel::InstallPlatform([&] { return sabrel::Platform{rowlink(), services, application, registry, sheets}; });
+//   sabrel::InstallPlatform([&] { return sabrel::Platform{rowlink(), services, application,
+//   registry, sheets}; });
 #pragma once
 
 #include <functional>
@@ -38,8 +40,9 @@ void InstallPlatform(PlatformFactory factory);
 /// Whether this thread could have a platform: nothing is made.
 [[nodiscard]] bool IsPlatformInstalled() noexcept;
 
-/// Ends this thread's use of the component: destroys its module state, last made first, its platform last. The next
-/// use starts afresh. Also runs at thread exit, where connections are abandoned instead of closed. Errors: none
+/// Ends this thread's use of the component: destroys its module state, last made first, its
+/// platform last. The next use starts afresh. Also runs at thread exit, where connections are
+/// abandoned instead of closed. Errors: none
 void UnloadThread() noexcept;
 
 }  // namespace sabrel

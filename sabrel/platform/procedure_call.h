@@ -1,11 +1,12 @@
 // A call of a stored routine, built parameter by parameter.
 //
-// Parameters are appended as text with a type word; an empty value is null. A function's result position is one
-// parameter more, appended first with an empty value. After `Execute` every out parameter and the result position can
-// be read by 0-based index; an in-argument reads as it was appended.
+// Parameters are appended as text with a type word; an empty value is null. A function's result
+// position is one parameter more, appended first with an empty value. After `Execute` every out
+// parameter and the result position can be read by 0-based index; an in-argument reads as it was
+// appended.
 //
-//   call.ProcedureName("PKG.F"); call.AppendParameter("", "integer", ""); call.AppendParameter("7", "integer", "");
-//   call.Execute();  Use(call.ParameterValue(0));
+//   call.ProcedureName("PKG.F"); call.AppendParameter("", "integer", ""); call.AppendParameter("7",
+//   "integer", ""); call.Execute();  Use(call.ParameterValue(0));
 #pragma once
 
 #include <cstdint>
@@ -31,8 +32,8 @@ class ProcedureCall {
   void AppendParameter(std::string_view value, std::string_view type_word, std::string_view name);
 
   /// Runs the call as one transaction and returns a function's result, null for a procedure.
-  /// Cost: one round trip, two at a routine's first call. Errors: 6550 for an unknown routine or a wrong count of
-  /// parameters, else the routine's
+  /// Cost: one round trip, two at a routine's first call. Errors: 6550 for an unknown routine or a
+  /// wrong count of parameters, else the routine's
   Variant Execute();
   /// Errors: 9 when `index` is not in 0..parameters-1
   [[nodiscard]] Variant ParameterValue(std::int32_t index) const;

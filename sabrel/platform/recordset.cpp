@@ -68,7 +68,8 @@ bool Recordset::EndOfFile() const {
 void Recordset::MoveNext() {
   RequireOpen();
   if (blocks_.empty()) throw RuntimeError(RuntimeErrorNumber::kNoCurrentRecord);
-  // The next block is read before the last row is left: a failure then leaves the reader where it was.
+  // The next block is read before the last row is left: a failure then leaves the reader where it
+  // was.
   const bool block_ends = row_in_block_ + 1 >= blocks_.front().Rows();
   if (block_ends) {
     while (cursor_ && blocks_.size() == 1) ReadBlock();

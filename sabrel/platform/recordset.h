@@ -1,9 +1,10 @@
 // The rows that a statement returned, one current row at a time.
 //
-// `Open` reads up to 4 MB; if the rows end there the statement is finished. Otherwise it stays open and later rows are
-// read in blocks as the reader moves on, so that walking any number of rows takes constant memory; `RecordCount` reads
-// the rest in. A failure inside `Open` belongs to `Open`, one in moving on reaches whoever moves. Fields are found by
-// name (any case) or by 0-based ordinal. Whoever receives a recordset closes it; closing twice does nothing.
+// `Open` reads up to 4 MB; if the rows end there the statement is finished. Otherwise it stays open
+// and later rows are read in blocks as the reader moves on, so that walking any number of rows
+// takes constant memory; `RecordCount` reads the rest in. A failure inside `Open` belongs to
+// `Open`, one in moving on reaches whoever moves. Fields are found by name (any case) or by 0-based
+// ordinal. Whoever receives a recordset closes it; closing twice does nothing.
 //
 //   for (; !rows.EndOfFile(); rows.MoveNext()) Use(rows.Fields().Item("NAME").Value());
 //   rows.Close();
@@ -38,7 +39,8 @@ class Field {
   [[nodiscard]] Variant Value() const;
   [[nodiscard]] bool IsNull() const;
   [[nodiscard]] VariantKind Kind() const;
-  /// The text of a text column without a copy; empty for any other kind; valid until the recordset moves.
+  /// The text of a text column without a copy; empty for any other kind; valid until the recordset
+  /// moves.
   [[nodiscard]] std::string_view Text() const;
 
  private:
@@ -80,7 +82,8 @@ class Recordset {
   [[nodiscard]] std::int32_t RecordCount();
   /// Errors: 3704 when not open
   [[nodiscard]] bool EndOfFile() const;
-  /// Errors: 3021 at the end, 3704 when not open, the statement's. Cost: none, or one round trip a block
+  /// Errors: 3021 at the end, 3704 when not open, the statement's. Cost: none, or one round trip a
+  /// block
   void MoveNext();
   [[nodiscard]] bool IsOpen() const noexcept { return open_; }
   /// Errors: 3704 when not open
@@ -103,6 +106,20 @@ class Recordset {
   std::size_t row_in_block_ = 0;
   std::size_t rows_read_ = 0;
   bool open_ = false;
+};
+
+/// Closes a recordset, if there is one, when the scope is left.
+class CloseAtEnd {
+ public:
+  explicit CloseAtEnd(std::shared_ptr<Recordset> rows) : rows_(std::move(rows)) {}
+  CloseAtEnd(const CloseAtEnd&) = delete;
+  CloseAtEnd& operator=(const CloseAtEnd&) = delete;
+  ~CloseAtEnd() {
+    if (rows_) rows_->Close();
+  }
+
+ private:
+  std::shared_ptr<Recordset> rows_;
 };
 
 }  // namespace sabrel

@@ -12,19 +12,20 @@ class RegistryKey {
   virtual ~RegistryKey() = default;
   /// Null when there is no such subkey.
   [[nodiscard]] virtual std::unique_ptr<RegistryKey> OpenSubkey(std::string_view name) const = 0;
-  /// `value_name` empty reads the key's unnamed value. A value of another type reads as `default_value`.
+  /// `value_name` empty reads the key's unnamed value. A value of another type reads as
+  /// `default_value`.
   [[nodiscard]] virtual std::string ReadString(std::string_view value_name,
                                                std::string_view default_value) const = 0;
-  /// A number is true when it is not 0; a text is true for "True", "Yes", "Y" and non-zero numbers, false for their
-  /// opposites, any case; anything else reads as `default_value`.
+  /// A number is true when it is not 0; a text is true for "True", "Yes", "Y" and non-zero numbers,
+  /// false for their opposites, any case; anything else reads as `default_value`.
   [[nodiscard]] virtual bool ReadBoolean(std::string_view value_name, bool default_value) const = 0;
 };
 
 class Registry {
  public:
   virtual ~Registry() = default;
-  /// `path` starts with a backslash and the spelled-out hive name, any case. Null when there is no such key.
-  /// Errors: what reading the registry raises
+  /// `path` starts with a backslash and the spelled-out hive name, any case. Null when there is no
+  /// such key. Errors: what reading the registry raises
   [[nodiscard]] virtual std::unique_ptr<RegistryKey> OpenKey(std::string_view path) const = 0;
 };
 

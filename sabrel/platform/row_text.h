@@ -1,7 +1,9 @@
 // The text of one row of a row set: encoded pieces with "|" between.
 //
-// A piece may hold any text; what would end a piece or a row is escaped with a backslash (`\p` for "|", `\r`, `\n`,
-// `\\`), and `\N` alone is null, so that every text, the empty one and null come out as they went in.
+// A piece may hold any text; what would end a piece or a row is escaped with a backslash (`\p` for
+// "|", `\r`, `\n`,
+// `\\`), and `\N` alone is null, so that every text, the empty one and null come out as they went
+// in.
 #pragma once
 
 #include <optional>

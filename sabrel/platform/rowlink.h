@@ -1,6 +1,8 @@
-// The seam to the Data Server: it makes the objects that carry statements, and knows about failures.
+// The seam to the Data Server: it makes the objects that carry statements, and knows about
+// failures.
 //
-// One instance serves one thread. `MakeRecordset` and its siblings only make an object: the first statement connects.
+// One instance serves one thread. `MakeRecordset` and its siblings only make an object: the first
+// statement connects.
 #pragma once
 
 #include <cstdint>
@@ -32,15 +34,16 @@ class Rowlink {
   [[nodiscard]] virtual std::shared_ptr<ProcedureCall> MakeProcedureCall() = 0;
   [[nodiscard]] virtual std::shared_ptr<RowSetWriter> MakeRowSetWriter() = 0;
 
-  /// Closes the connections of this thread; recordsets that are open keep theirs until they are closed, and the next
-  /// statement connects again. Errors: may raise; the caller decides. Cost: no round trip that is waited for
+  /// Closes the connections of this thread; recordsets that are open keep theirs until they are
+  /// closed, and the next statement connects again. Errors: may raise; the caller decides. Cost: no
+  /// round trip that is waited for
   virtual void ShutDown() = 0;
   /// The connection-failure code that an error number carries, 0 when it carries none. Cost: none
   [[nodiscard]] virtual std::int32_t ConnectionErrorCode(std::int32_t number) const = 0;
   /// Details of the last database error on this thread; all empty before the first. Cost: none
   [[nodiscard]] virtual DatabaseError LastDatabaseError() const = 0;
-  /// Asks the statements now running on this thread's connections to stop; they fail with native number 1013. The one
-  /// function that any thread may call. Errors: none
+  /// Asks the statements now running on this thread's connections to stop; they fail with native
+  /// number 1013. The one function that any thread may call. Errors: none
   virtual void Cancel() noexcept = 0;
 };
 
@@ -63,7 +66,8 @@ class LinkedRowlink : public Rowlink {
 
 /// The failure to throw for `error`, which the adapter keeps as its last database error.
 [[nodiscard]] RuntimeError DatabaseFailure(const DatabaseError& error);
-/// The failure to throw when the connection fails; `description` says what happened and never holds a password.
+/// The failure to throw when the connection fails; `description` says what happened and never holds
+/// a password.
 [[nodiscard]] RuntimeError ConnectionFailed(ConnectionFailure code, std::string description);
 
 }  // namespace sabrel

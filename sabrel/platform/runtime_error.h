@@ -1,9 +1,9 @@
 // The one exception type that crosses the component's surface, and the numbers it carries.
 //
-// A failure is a number with a source and a description. Three ranges of numbers exist: small ones for run-time
-// failures (13 type mismatch, 94 invalid use of null, ...), `0x80040000 + code` for the component's own codes, and
-// the two ranges below for what the Data Server reports. Nothing else is thrown: a foreign exception is turned into
-// number 51, memory exhaustion into number 7.
+// A failure is a number with a source and a description. Three ranges of numbers exist: small ones
+// for run-time failures (13 type mismatch, 94 invalid use of null, ...), `0x80040000 + code` for
+// the component's own codes, and the two ranges below for what the Data Server reports. Nothing
+// else is thrown: a foreign exception is turned into number 51, memory exhaustion into number 7.
 //
 //   try { ... } catch (const sabrel::RuntimeError& failure) { std::cerr << failure.Description(); }
 #pragma once
@@ -80,9 +80,8 @@ class RuntimeError : public std::exception {
   std::string procedure_;
 };
 
-/// The failure that `exception` stands for: itself when it is a RuntimeError, number 7 for exhausted memory,
-/// number 51 with its text for anything else.
-/// Errors: none
+/// The failure that `exception` stands for: itself when it is a RuntimeError, number 7 for
+/// exhausted memory, number 51 with its text for anything else. Errors: none
 [[nodiscard]] RuntimeError FailureOf(const std::exception_ptr& exception);
 
 /// The failure now being handled; to be called inside a `catch` only.

@@ -1,7 +1,7 @@
 // The seam to the host's global services: trace, log, message boxes, locale, assertions.
 //
-// One instance serves the whole process; every function may be called from any thread. A failure (a full disk under
-// the log) is thrown and reaches the operation that wrote.
+// One instance serves the whole process; every function may be called from any thread. A failure (a
+// full disk under the log) is thrown and reaches the operation that wrote.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,8 @@ class Services {
   virtual void WriteTrace(std::string_view text) = 0;
   /// Writes one log line whatever the switch says.
   virtual void WriteLog(std::string_view text) = 0;
-  /// Shows `text` and waits; returns the button pressed. A service that cannot ask answers No to a question.
+  /// Shows `text` and waits; returns the button pressed. A service that cannot ask answers No to a
+  /// question.
   virtual std::int32_t ShowMessage(std::string_view text, std::int32_t style,
                                    std::string_view caption) = 0;
   [[nodiscard]] virtual LocaleFacts Locale() const = 0;

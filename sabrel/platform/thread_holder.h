@@ -1,8 +1,9 @@
 // Internal: everything that a thread's use of the component has made.
 //
-// Holders live in a map by thread id, whose mutex is taken at a thread's first use and at its end only; a thread finds
-// its own through a plain thread-local pointer. Under mingw a thread-local object with a destructor loses its storage
-// before its destructor runs, so nothing but a guard without members has one.
+// Holders live in a map by thread id, whose mutex is taken at a thread's first use and at its end
+// only; a thread finds its own through a plain thread-local pointer. Under mingw a thread-local
+// object with a destructor loses its storage before its destructor runs, so nothing but a guard
+// without members has one.
 #pragma once
 
 #include <optional>

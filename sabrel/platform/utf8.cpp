@@ -111,9 +111,7 @@ char32_t FoldOf(char32_t c) noexcept { return LowerOf(UpperOf(c)); }
 constexpr char FoldAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
 template <class Map>
-std::string Mapped(std::string_view text, Map map) {
-  std::string out;
-  out.reserve(text.size());
+void AppendMapped(std::string& out, std::string_view text, Map map) {
   while (!text.empty()) {
     const Character character = Decode(text);
     const char32_t target = map(character.code_point);
@@ -124,6 +122,13 @@ std::string Mapped(std::string_view text, Map map) {
     }
     text.remove_prefix(character.length);
   }
+}
+
+template <class Map>
+std::string Mapped(std::string_view text, Map map) {
+  std::string out;
+  out.reserve(text.size());
+  AppendMapped(out, text, map);
   return out;
 }
 
@@ -180,6 +185,8 @@ bool IsSendableText(std::string_view text) noexcept {
 std::string UpperCase(std::string_view text) { return Mapped(text, UpperOf); }
 
 std::string LowerCase(std::string_view text) { return Mapped(text, LowerOf); }
+
+void AppendLowerCase(std::string& out, std::string_view text) { AppendMapped(out, text, LowerOf); }
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept {
   SkipCommon(a, b);

@@ -1,8 +1,9 @@
 // Characters of UTF-8 text: a character is a code point.
 //
-// Lengths, positions and cuts count code points and never split one; an invalid byte counts as one character, so no
-// text is refused here. Positions are 1-based. Case mapping is simple, one code point to one, for ASCII, Latin-1,
-// Latin Extended-A, Greek and Cyrillic, and does not depend on the C locale.
+// Lengths, positions and cuts count code points and never split one; an invalid byte counts as one
+// character, so no text is refused here. Positions are 1-based. Case mapping is simple, one code
+// point to one, for ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic, and does not depend on
+// the C locale.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +21,8 @@ namespace sabrel {
 /// Bytes of the character that starts `text` (1 for an invalid byte, 0 for an empty text).
 [[nodiscard]] std::size_t FirstCharacterLength(std::string_view text) noexcept;
 
-/// Well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF (The Unicode Standard, table 3-7).
+/// Well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF (The Unicode Standard,
+/// table 3-7).
 [[nodiscard]] bool IsValidUtf8(std::string_view text) noexcept;
 
 /// Valid UTF-8 without U+0000: what a statement or a parameter may be made of.
@@ -28,6 +30,8 @@ namespace sabrel {
 
 [[nodiscard]] std::string UpperCase(std::string_view text);
 [[nodiscard]] std::string LowerCase(std::string_view text);
+/// Appends the lower-case form; allocates only where `out` has no room.
+void AppendLowerCase(std::string& out, std::string_view text);
 
 /// Whether the texts are equal when case is ignored. No allocation
 [[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept;

@@ -1,9 +1,10 @@
 // A value of any kind that a field can hold or a caller can pass as an argument.
 //
-// Construction is explicit per kind: `Variant(5)` is a 32-bit integer, `Variant(5.0F)` a single, `Variant("a")` a
-// string; a `long` or a pointer does not compile, so no argument changes its kind on the way. Empty (nothing was ever
-// assigned) and null (the database's no-value) are different kinds. Reading asks for the kind that is there; turning
-// one kind into another is the business of `conversions.h`.
+// Construction is explicit per kind: `Variant(5)` is a 32-bit integer, `Variant(5.0F)` a single,
+// `Variant("a")` a string; a `long` or a pointer does not compile, so no argument changes its kind
+// on the way. Empty (nothing was ever assigned) and null (the database's no-value) are different
+// kinds. Reading asks for the kind that is there; turning one kind into another is the business of
+// `conversions.h`.
 //
 //   Variant v(2.5);  if (v.kind() == VariantKind::kDouble) Use(v.Get<double>());
 #pragma once
@@ -83,13 +84,13 @@ class Variant {
 
   /// One of the kinds, chosen by the exact type of `value`.
   template <class T>
-    requires(std::same_as<T, Null> || std::same_as<T, std::uint8_t> ||
-             std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
-             std::same_as<T, float> || std::same_as<T, double> || std::same_as<T, Currency> ||
-             std::same_as<T, Decimal> || std::same_as<T, Date> || std::same_as<T, bool> ||
-             std::same_as<T, ErrorValue> || std::same_as<T, ObjectRef> ||
-             std::same_as<T, VariantArray>)
-  explicit Variant(T value) : storage_(std::move(value)) {}
+  requires(std::same_as<T, Null> || std::same_as<T, std::uint8_t> ||
+           std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
+           std::same_as<T, float> || std::same_as<T, double> || std::same_as<T, Currency> ||
+           std::same_as<T, Decimal> || std::same_as<T, Date> || std::same_as<T, bool> ||
+           std::same_as<T, ErrorValue> || std::same_as<T, ObjectRef> ||
+           std::same_as<T, VariantArray>) explicit Variant(T value)
+      : storage_(std::move(value)) {}
 
   explicit Variant(std::string text) : storage_(std::move(text)) {}
   explicit Variant(std::string_view text) : storage_(std::string(text)) {}

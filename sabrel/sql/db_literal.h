@@ -10,8 +10,8 @@
 
 namespace sabrel {
 
-/// A value: copies are independent. Nothing is validated. Put into a Variant with `CDBLiteral::ToVariant`, it passes
-/// through `DBArg` untouched.
+/// A value: copies are independent. Nothing is validated. Put into a Variant with
+/// `CDBLiteral::ToVariant`, it passes through `DBArg` untouched.
 class CDBLiteral final : public Object {
  public:
   CDBLiteral() = default;

@@ -1,8 +1,9 @@
 // SQL literal text: the only place where quoting rules live.
 //
-// Every statement is text built by joining; whatever stands in it as a value went through one of these. Results are
-// `CDBLiteral`s, so that a value formatted once is never quoted twice. Nothing is validated and nothing but the single
-// quote is escaped; names (of sequences, of columns in DBSetArgs) and the text of DBLiteral are inserted as they are.
+// Every statement is text built by joining; whatever stands in it as a value went through one of
+// these. Results are `CDBLiteral`s, so that a value formatted once is never quoted twice. Nothing
+// is validated and nothing but the single quote is escaped; names (of sequences, of columns in
+// DBSetArgs) and the text of DBLiteral are inserted as they are.
 //
 //   "SELECT Id FROM T WHERE Name = " + DBStr("O'Hara").Value()   ->  ... WHERE Name = 'O''Hara'
 #pragma once
@@ -34,8 +35,8 @@ namespace sabrel::MSabrel {
 /// NULL when `i` is `iNull`, else its digits.
 [[nodiscard]] CDBLiteral DBInt(std::int32_t i, std::int32_t iNull = 0);
 
-/// NULL when `i` is neither less nor greater than `iNull` (so also for not-a-number), else the number with "." as its
-/// decimal point: at most 15 significant digits, "1E-05" for small ones.
+/// NULL when `i` is neither less nor greater than `iNull` (so also for not-a-number), else the
+/// number with "." as its decimal point: at most 15 significant digits, "1E-05" for small ones.
 [[nodiscard]] CDBLiteral DBFloat(double i, std::int32_t iNull = 0);
 
 /// TO_DATE('sDate','sFormat') without a blank; NULL when `sDate` is empty.
@@ -51,28 +52,31 @@ namespace sabrel::MSabrel {
 /// `sSequence` + ".NEXTVAL"
 [[nodiscard]] CDBLiteral NextInSequence(std::string_view sSequence);
 
-/// The database server's time, to the minute; the zero date when the query fails. Cost: one round trip
+/// The database server's time, to the minute; the zero date when the query fails. Cost: one round
+/// trip
 [[nodiscard]] Date GetCurrentDateTime();
 
-/// The sequence's next value; 0, reported through the assertion service, when the query fails. Cost: one round trip
+/// The sequence's next value; 0, reported through the assertion service, when the query fails.
+/// Cost: one round trip
 [[nodiscard]] std::int32_t GetNextInSequence(std::string_view sSequence);
 
 /// One blank before and one after.
 [[nodiscard]] std::string PadStr(std::string_view s);
 
-/// One value as SQL text. A CDBLiteral gives its value; null, the empty string and the zero date give NULL; singles and
-/// doubles have "." as decimal point, currency and decimal the locale's; booleans are 'Y' and 'N'; empty gives "".
-/// Errors: 13 for what has no text (an array, an absent object, an object without default property)
+/// One value as SQL text. A CDBLiteral gives its value; null, the empty string and the zero date
+/// give NULL; singles and doubles have "." as decimal point, currency and decimal the locale's;
+/// booleans are 'Y' and 'N'; empty gives "". Errors: 13 for what has no text (an array, an absent
+/// object, an object without default property)
 [[nodiscard]] std::string DBArg(const Variant& v);
 
-/// The values as a comma list, padded. A value whose text is empty vanishes without a comma while the list is still
-/// empty and leaves its comma later: (empty, 7) gives " 7 ", (5, empty) gives " 5, ".
-/// Errors: as DBArg
+/// The values as a comma list, padded. A value whose text is empty vanishes without a comma while
+/// the list is still empty and leaves its comma later: (empty, 7) gives " 7 ", (5, empty) gives "
+/// 5, ". Errors: as DBArg
 [[nodiscard]] std::string DBArgs(std::span<const Variant> vArgs);
 
-/// Pairs of column name and value as an assignment list, padded: " NAME = 'abc',AGE = 5 ". An odd number of elements
-/// leaves the last name with " = " and no value.
-/// Errors: as DBArg; 13 for a name that has no text
+/// Pairs of column name and value as an assignment list, padded: " NAME = 'abc',AGE = 5 ". An odd
+/// number of elements leaves the last name with " = " and no value. Errors: as DBArg; 13 for a name
+/// that has no text
 [[nodiscard]] std::string DBSetArgs(std::span<const Variant> vArgs);
 
 /// "SELECT " + expression + " FROM DUAL"

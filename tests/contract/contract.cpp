@@ -30,7 +30,8 @@ Outcome Contract::Query(std::string_view sql, std::int32_t timeout_s) {
     const auto rows = session->MakeRecordset();
     rows->Open(sql, "", 0, "", "", timeout_s);
     const FieldList fields = rows->Fields();
-    for (std::int32_t i = 0; i < fields.Count(); ++i) outcome.columns.push_back(fields.Item(i).Name());
+    for (std::int32_t i = 0; i < fields.Count(); ++i)
+      outcome.columns.push_back(fields.Item(i).Name());
     for (; !rows->EndOfFile(); rows->MoveNext()) {
       auto& row = outcome.rows.emplace_back();
       for (std::int32_t i = 0; i < fields.Count(); ++i) row.push_back(fields.Item(i).Value());
@@ -45,7 +46,8 @@ Outcome Contract::Execute(std::string_view sql, std::int32_t timeout_s) {
 
 Variant Contract::Value(std::string_view sql) {
   const Outcome outcome = Query(sql);
-  EXPECT_EQ(outcome.native + outcome.connection, 0) << sql << ": " << session->LastDatabaseError().message;
+  EXPECT_EQ(outcome.native + outcome.connection, 0)
+      << sql << ": " << session->LastDatabaseError().message;
   return outcome.rows.empty() || outcome.rows[0].empty() ? Variant() : outcome.rows[0][0];
 }
 

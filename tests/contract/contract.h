@@ -1,7 +1,7 @@
 // What every Data Server must do for the component, whichever engine is behind it.
 //
-// The suite is written once; each engine names itself and its quirks in a file of its own and instantiates it. The
-// session works on a freshly made sample site.
+// The suite is written once; each engine names itself and its quirks in a file of its own and
+// instantiates it. The session works on a freshly made sample site.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -18,7 +18,8 @@ namespace sabrel::testing {
 
 struct ContractEngine {
   std::string name;
-  /// Makes a new sample site and returns what opens a session on it; the site ends with the last copy.
+  /// Makes a new sample site and returns what opens a session on it; the site ends with the last
+  /// copy.
   std::function<std::function<std::shared_ptr<Rowlink>()>()> make_site;
   // Quirks; the defaults are Oracle's.
   bool empty_text_is_null = true;

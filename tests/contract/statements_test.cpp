@@ -17,34 +17,45 @@ TEST_P(Contract, RunsEveryQueryOfTheComponentUnchanged) {
       {"SELECT PM_StringTable_SQ.NEXTVAL FROM DUAL", true},
       {"SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = 'PM_EMAIL'", true},
       {"SELECT COUNT(table_name)  FROM user_tab_columns WHERE table_name = 'PM_STRINGTABLE' AND "
-       "column_name = 'STRINGDATA'", true},
+       "column_name = 'STRINGDATA'",
+       true},
       {"SELECT COUNT(object_name)  FROM user_arguments WHERE package_name = 'EA_CLIENT' AND "
-       "object_name = 'ENTITY_HAS_EQUIV'", true},
+       "object_name = 'ENTITY_HAS_EQUIV'",
+       true},
       {"Select object_name, object_type From user_objects Where object_name='LENGTHYREPORT' And "
-       "object_type='PACKAGE'", true},
+       "object_type='PACKAGE'",
+       true},
       {"select MAX(position) AS ProcLen From user_arguments where package_name = 'EA_CLIENT' and "
-       "object_name = 'ADD_COMMON_ENTITY'", true},
+       "object_name = 'ADD_COMMON_ENTITY'",
+       true},
       {"SELECT FS_GetColumnLength('pm_stringtable','stringdata') FROM DUAL", true},
       {"Select max(length(Module_Name)) as ModuleNameLength from EA_module", true},
       {"SELECT StringData FROM PM_StringTable WHERE Id = -1 ORDER BY Ordinal", false},
-      {"SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = 'StartOfWeek' AND value = '1'", true},
+      {"SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = 'StartOfWeek' AND value = '1'",
+       true},
       {"select VALUE  from ZR_SYSTEM_VARIABLE a, ZR_SYSTEM_VALUE b  Where a.Id = b.VARIABLE_ID and "
-       "a.NAME = 'StartOfWeek'", true},
+       "a.NAME = 'StartOfWeek'",
+       true},
       {"SELECT Name, Value FROM ZR_System_Values_V  WHERE Name = 'EnableNHighAttempts'", true},
       {"Select b.Value from ZR_System_Variable a, ZR_System_Value b Where a.name = "
-       "'ClientCompatability' and a.ID = b.Variable_ID", true},
+       "'ClientCompatability' and a.ID = b.Variable_ID",
+       true},
       {"SELECT b.Value FROM ZR_System_Variable a, ZR_System_Value b Where a.name like "
-       "'LucentVersionR%' and a.ID = b.Variable_ID", true},
+       "'LucentVersionR%' and a.ID = b.Variable_ID",
+       true},
       {"Select Version_Name From EA_Module_Version Where Module_ID = 1 and Version_ID = 1", true},
       {"SELECT Feature FROM PM_Feature_Changes WHERE Enabled = 'Y'", true},
       {"SELECT Group_Id FROM PM_Groups WHERE Group_Active = 'Y' AND Group_Name = 'CPFail'", true},
       {"SELECT c.Category_Id FROM PM_GROUPS g, PM_GROUP_CATEGORIES gc, PM_CATEGORIES c WHERE "
        "g.Group_Active = 'Y' AND g.Group_ID = gc.Group_ID AND c.Category_ID = gc.Category_ID AND "
-       "c.Category_Active = 'Y' AND c.CategoryFunction = 'no such'", false},
+       "c.Category_Active = 'Y' AND c.CategoryFunction = 'no such'",
+       false},
       {"SELECT * FROM PM_Tools WHERE Tool_Name = 'no such'", false},
       {"SELECT a.TabName, a.TabLabel, c.App_Name, b.Control_Name FROM PM_APP_TABS a, PM_TABS b, "
-       "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID = "
-       "b.Tab_ID AND b.Control_Name = 'no such'", false},
+       "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID "
+       "= "
+       "b.Tab_ID AND b.Control_Name = 'no such'",
+       false},
       {"SELECT *  FROM Job_Type  WHERE Description = 'no such'", false},
       {"SELECT EA_Client.Entity_Has_Equiv(1) FROM DUAL", true},
       {"SELECT Ea_Last_Entity_Update() FROM DUAL", true},
@@ -52,16 +63,21 @@ TEST_P(Contract, RunsEveryQueryOfTheComponentUnchanged) {
       {"SELECT LIMIT, NVL(SIZEINROWS,0) FROM TASK_FILENAME B WHERE B.TASKID= -1", false},
       {"SELECT LIMIT FROM TASK_FILENAME B WHERE B.TASKID= -1", false},
       {"select task_id FROM Report_Status_V where Job_ID=-1 and Spool_Filename IS NOT NULL and "
-       "status_word='Done' order by task_id", false},
-      {"SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C.CHANSETPLANID From JOB_GROUP A, JOB_GROUP_ITEM B, "
+       "status_word='Done' order by task_id",
+       false},
+      {"SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C.CHANSETPLANID From JOB_GROUP A, JOB_GROUP_ITEM "
+       "B, "
        "PM_REPORT C Where (B.GROUP_ID = A.ID) AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-1) AND "
-       "(C.CHANSETPLANID IS NOT NULL)", false},
+       "(C.CHANSETPLANID IS NOT NULL)",
+       false},
       {"SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C.DTSCOPEID From JOB_GROUP A, JOB_GROUP_ITEM B, "
        "PM_REPORT C Where (B.GROUP_ID = A.ID) AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-1) AND "
-       "(C.DTSCOPEID IS NOT NULL)", false},
+       "(C.DTSCOPEID IS NOT NULL)",
+       false},
       {"SELECT EA_Client.IsServerGroupDocumentValid( 1,0,1,1 ) FROM DUAL", true},
       {"Select b.ServerGroupID From Job_Group_Item a, PM_Report b Where a.Document_ID = b.Id And "
-       "a.Group_ID = -1", false},
+       "a.Group_ID = -1",
+       false},
       {"Select Min(TimeStamp) as TimeStamp From ZR_AVAILABLE_DATA", true},
       {"Select Max(TimeStamp) as TimeStamp From ZR_AVAILABLE_DATA", true},
   };
@@ -74,7 +90,8 @@ TEST_P(Contract, RunsEveryQueryOfTheComponentUnchanged) {
 
 TEST_P(Contract, RunsEveryRequestOfTheComponentUnchanged) {
   for (const char* sql :
-       {"INSERT INTO PM_ClientMachine (Id, Domain, MachineName) VALUES (SQ_ClientMachine.NEXTVAL,'D',"
+       {"INSERT INTO PM_ClientMachine (Id, Domain, MachineName) VALUES "
+        "(SQ_ClientMachine.NEXTVAL,'D',"
         "'M''1')",
         "INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,1,'a''b')",
         "INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,2,NULL)",
@@ -99,15 +116,22 @@ TEST_P(Contract, DictionaryViewsTellTheSchemaInUpperCase) {
       {"SELECT COUNT(*) FROM user_tables WHERE table_name = 'pm_email'", 0},
       {"SELECT COUNT(*) FROM user_tables WHERE table_name = 'DUAL'", 0},
       {"SELECT COUNT(*) FROM user_tab_columns WHERE table_name = 'TASK_FILENAME' AND column_name = "
-       "'SIZEINROWS'", 1},
+       "'SIZEINROWS'",
+       1},
       {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'LENGTHYREPORT' AND object_type = "
-       "'PACKAGE'", 1},
-      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'PM_STRINGTABLE_SQ' AND object_type = "
-       "'SEQUENCE'", 1},
-      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'ZR_SYSTEM_VALUES_V' AND object_type = "
-       "'VIEW'", 1},
+       "'PACKAGE'",
+       1},
+      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'PM_STRINGTABLE_SQ' AND object_type "
+       "= "
+       "'SEQUENCE'",
+       1},
+      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'ZR_SYSTEM_VALUES_V' AND object_type "
+       "= "
+       "'VIEW'",
+       1},
       {"SELECT COUNT(*) FROM user_arguments WHERE package_name = 'EA_CLIENT' AND object_name = "
-       "'ADD_COMMON_ENTITY' AND position = 0", 1},
+       "'ADD_COMMON_ENTITY' AND position = 0",
+       1},
   };
   for (const auto& [sql, count] : counts) EXPECT_EQ(Value(sql), Variant(count)) << sql;
 }
@@ -119,7 +143,8 @@ TEST_P(Contract, QuotingBringsEveryTextBack) {
   for (const char a : alphabet) {
     for (const char b : alphabet) texts.push_back({a, b});
   }
-  for (const char* text : {"\u00E4\u20AC", "\U0001F600'\U0001F600", "--", "/*", "*/", "''''", " "}) {
+  for (const char* text :
+       {"\u00E4\u20AC", "\U0001F600'\U0001F600", "--", "/*", "*/", "''''", " "}) {
     texts.emplace_back(text);
   }
   for (std::size_t i = 0; i < texts.size(); i += 40) {

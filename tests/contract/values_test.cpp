@@ -14,19 +14,24 @@ Date Civil(int year, int month, int day, int hour = 0, int minute = 0, int secon
 }
 
 TEST_P(Contract, ValuesKeepTheirKindsBothWays) {
-  ASSERT_EQ(Execute("CREATE TABLE KINDS (N NUMBER(20,4), I NUMBER(10), T VARCHAR2(4000), D DATE)").native, 0)
+  ASSERT_EQ(
+      Execute("CREATE TABLE KINDS (N NUMBER(20,4), I NUMBER(10), T VARCHAR2(4000), D DATE)").native,
+      0)
       << session->LastDatabaseError().message;
   const ScriptedPlatform locale;
   const Variant null{Null{}};
   const std::vector<std::vector<Variant>> rows = {
       {Variant(2.5), Variant(7), Variant("it's \u00E4"), Variant(Civil(2024, 3, 9, 17, 5, 59))},
       {Variant(-0.0625), Variant(-2147483647 - 1), Variant(" x "), Variant(Civil(100, 1, 1))},
-      {Variant(0.125), Variant(2147483647), Variant("\r\n"), Variant(Civil(9999, 12, 31, 23, 59, 59))},
+      {Variant(0.125), Variant(2147483647), Variant("\r\n"),
+       Variant(Civil(9999, 12, 31, 23, 59, 59))},
       {null, null, null, null},
-      {Variant(1.5), Variant(0), Variant(std::string(3999, 'x') + "\u20AC"), Variant(Civil(1899, 12, 29, 6))},
+      {Variant(1.5), Variant(0), Variant(std::string(3999, 'x') + "\u20AC"),
+       Variant(Civil(1899, 12, 29, 6))},
   };
   for (const auto& row : rows) {
-    ASSERT_EQ(Execute("INSERT INTO KINDS (N, I, T, D) VALUES (" + MSabrel::DBArgs(row) + ")").native, 0)
+    ASSERT_EQ(
+        Execute("INSERT INTO KINDS (N, I, T, D) VALUES (" + MSabrel::DBArgs(row) + ")").native, 0)
         << session->LastDatabaseError().message;
   }
   for (const auto& row : rows) {
@@ -37,7 +42,8 @@ TEST_P(Contract, ValuesKeepTheirKindsBothWays) {
     EXPECT_THAT(outcome.columns, ::testing::ElementsAre("N", "I", "T", "D"));
   }
   EXPECT_EQ(Value("SELECT 5000000000 FROM DUAL"), Variant(Decimal(5'000'000'000)));
-  EXPECT_EQ(Value("SELECT COUNT(*) FROM KINDS WHERE D < TO_DATE('1900-01-01','YYYY-MM-DD')"), Variant(2));
+  EXPECT_EQ(Value("SELECT COUNT(*) FROM KINDS WHERE D < TO_DATE('1900-01-01','YYYY-MM-DD')"),
+            Variant(2));
   EXPECT_EQ(Value("SELECT MAX(D) FROM KINDS"), Variant(Civil(9999, 12, 31, 23, 59, 59)));
   EXPECT_EQ(Value("SELECT NVL(MIN(D), SYSDATE) FROM KINDS WHERE I = 7"), rows[0][3]);
 }
@@ -47,9 +53,11 @@ TEST_P(Contract, DatesAreCutFormattedAndComputed) {
     const char* expression;
     Variant value;
   } rows[] = {
-      {"TRUNC(TO_DATE('2024-03-09 17:05:59','YYYY-MM-DD HH24:MI:SS'),'MI')", Variant(Civil(2024, 3, 9, 17, 5))},
+      {"TRUNC(TO_DATE('2024-03-09 17:05:59','YYYY-MM-DD HH24:MI:SS'),'MI')",
+       Variant(Civil(2024, 3, 9, 17, 5))},
       {"TRUNC(TO_DATE('2024-03-09 17:05:59','YYYY-MM-DD HH24:MI:SS'))", Variant(Civil(2024, 3, 9))},
-      {"TO_CHAR(TO_DATE('09.03.2024','DD.MM.YYYY'),'YYYY/MM/DD HH24:MI')", Variant("2024/03/09 00:00")},
+      {"TO_CHAR(TO_DATE('09.03.2024','DD.MM.YYYY'),'YYYY/MM/DD HH24:MI')",
+       Variant("2024/03/09 00:00")},
       {"TO_DATE('2024-02-28','YYYY-MM-DD') + 2", Variant(Civil(2024, 3, 1))},
       {"TO_DATE('2024-03-01','YYYY-MM-DD') - 1/24", Variant(Civil(2024, 2, 29, 23))},
       {"NVL(TO_DATE(NULL,'YYYY'), TO_DATE('2024-03-01','YYYY-MM-DD'))", Variant(Civil(2024, 3, 1))},
@@ -61,17 +69,24 @@ TEST_P(Contract, DatesAreCutFormattedAndComputed) {
       {"MOD(7, 3)", Variant(1)},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(Value("SELECT " + std::string(row.expression) + " FROM DUAL"), row.value) << row.expression;
+    EXPECT_EQ(Value("SELECT " + std::string(row.expression) + " FROM DUAL"), row.value)
+        << row.expression;
   }
-  const Variant days = Value("SELECT TO_DATE('2024-03-02','YYYY-MM-DD') - TO_DATE('2024-02-28','YYYY-MM-DD') FROM DUAL");
+  const Variant days = Value(
+      "SELECT TO_DATE('2024-03-02','YYYY-MM-DD') - TO_DATE('2024-02-28','YYYY-MM-DD') FROM DUAL");
   EXPECT_TRUE(days == Variant(3) || days == Variant(3.0));
-  EXPECT_EQ(Value("SELECT COUNT(*) FROM DUAL WHERE SYSDATE - 1 < SYSDATE AND 'a' LIKE 'A'"), Variant(0));
+  EXPECT_EQ(Value("SELECT COUNT(*) FROM DUAL WHERE SYSDATE - 1 < SYSDATE AND 'a' LIKE 'A'"),
+            Variant(0));
 }
 
 TEST_P(Contract, RefusalsCarryOraclesNumbers) {
   ASSERT_EQ(Execute("CREATE TABLE PARENT (ID NUMBER(10) PRIMARY KEY)").native, 0);
-  ASSERT_EQ(Execute("CREATE TABLE CHILD (ID NUMBER(10) NOT NULL UNIQUE, P NUMBER(10) REFERENCES PARENT (ID), "
-                    "T VARCHAR2(3) CHECK (T <> 'bad'), D DATE)").native, 0)
+  ASSERT_EQ(
+      Execute(
+          "CREATE TABLE CHILD (ID NUMBER(10) NOT NULL UNIQUE, P NUMBER(10) REFERENCES PARENT (ID), "
+          "T VARCHAR2(3) CHECK (T <> 'bad'), D DATE)")
+          .native,
+      0)
       << session->LastDatabaseError().message;
   ASSERT_EQ(Execute("INSERT INTO PARENT (ID) VALUES (1)").native, 0);
   ASSERT_EQ(Execute("INSERT INTO CHILD (ID, P) VALUES (1, 1)").native, 0);
@@ -99,29 +114,34 @@ TEST_P(Contract, RefusalsCarryOraclesNumbers) {
   }
   EXPECT_EQ(Query("SELECT * FROM " + GetParam().unknown_table).native, 942);
   EXPECT_EQ(Query("SELECT NOSUCH FROM CHILD").native, 904);
-  EXPECT_EQ(Value("SELECT COUNT(*) FROM CHILD"), Variant(1)) << "a refused statement leaves nothing";
+  EXPECT_EQ(Value("SELECT COUNT(*) FROM CHILD"), Variant(1))
+      << "a refused statement leaves nothing";
   EXPECT_EQ(Value("SELECT COUNT(*) FROM PARENT"), Variant(1));
 }
 
 TEST_P(Contract, RoutinesTakeAndGiveByPosition) {
-  const auto call = [&](const char* name, std::vector<std::pair<std::string, std::string>> parameters) {
+  const auto call = [&](const char* name,
+                        std::vector<std::pair<std::string, std::string>> parameters) {
     const auto made = session->MakeProcedureCall();
     made->ProcedureName(name);
     for (const auto& [value, type] : parameters) made->AppendParameter(value, type, "");
     return made;
   };
-  const auto add = call("EA_Client.Add_Common_Entity", {{"", "integer"}, {"N'\u00E4", "string"}, {"", "integer"}});
+  const auto add = call("EA_Client.Add_Common_Entity",
+                        {{"", "integer"}, {"N'\u00E4", "string"}, {"", "integer"}});
   static_cast<void>(add->Execute());
   const Variant id = add->ParameterValue(0);
   ASSERT_EQ(id.kind(), VariantKind::kInt32);
   EXPECT_EQ(add->ParameterValue(1), Variant("N'\u00E4")) << "an in-argument reads as appended";
-  const auto without_position = call("EA_Client.Add_Common_Entity", {{"N2", "string"}, {"", "integer"}});
+  const auto without_position =
+      call("EA_Client.Add_Common_Entity", {{"N2", "string"}, {"", "integer"}});
   EXPECT_EQ(without_position->Execute(), Variant(id.Get<std::int32_t>() + 1));
 
   const auto scenario = call("ZR_Query.CreateFQuery", {{"1", "integer"}, {"1", "integer"}});
   EXPECT_TRUE(scenario->Execute().IsNull()) << "a procedure yields nothing";
   EXPECT_EQ(scenario->ParameterValue(0), Variant("1"));
-  EXPECT_EQ(scenario->ParameterValue(1).kind(), VariantKind::kInt32) << "an in/out argument reads as changed";
+  EXPECT_EQ(scenario->ParameterValue(1).kind(), VariantKind::kInt32)
+      << "an in/out argument reads as changed";
 
   const auto mail = call("check_smtp_val", {{"", "integer"}, {"", "string"}});
   EXPECT_EQ(mail->Execute().kind(), VariantKind::kInt32);
@@ -132,8 +152,12 @@ TEST_P(Contract, RoutinesTakeAndGiveByPosition) {
   };
   EXPECT_EQ(refused(call("NO.SUCH", {})), 6550);
   EXPECT_EQ(refused(call("EA_Client.Remove_Common_Entity", {})), 6550);
-  EXPECT_EQ(refused(call("EA_Client.Reparent_Common_Entity", {{"1", "integer"}, {"-99", "integer"}})), 2291);
-  EXPECT_EQ(refused(call("EA_FindOrCreateUser", {{"a\xFF", "string"}, {"p", "string"}, {"FALSE", "string"}})), 911);
+  EXPECT_EQ(
+      refused(call("EA_Client.Reparent_Common_Entity", {{"1", "integer"}, {"-99", "integer"}})),
+      2291);
+  EXPECT_EQ(refused(call("EA_FindOrCreateUser",
+                         {{"a\xFF", "string"}, {"p", "string"}, {"FALSE", "string"}})),
+            911);
 }
 
 TEST_P(Contract, ARowSetIsWrittenWholeOrNotAtAll) {
@@ -160,11 +184,15 @@ TEST_P(Contract, ARowSetIsWrittenWholeOrNotAtAll) {
 }
 
 TEST_P(Contract, ALargeResultIsReadInBlocksWhileOtherStatementsRun) {
-  std::string sql = "INSERT INTO PM_StringTable (Id, Ordinal, StringData) SELECT 11, A.Ordinal * 100 + B.Ordinal, "
-                    "A.StringData FROM PM_StringTable A, PM_StringTable B WHERE A.Id = 10 AND B.Id = 10";
-  for (int i = 0; i < 60; ++i) {
-    ASSERT_EQ(Execute("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (10," + std::to_string(i) + ",'" +
-                      std::string(3000, 'x') + "')").native, 0);
+  std::string sql =
+      "INSERT INTO PM_StringTable (Id, Ordinal, StringData) SELECT 11, A.Ordinal * 100 + "
+      "B.Ordinal, "
+      "A.StringData FROM PM_StringTable A, PM_StringTable B WHERE A.Id = 10 AND B.Id = 10";
+  for (int i = 1; i <= 60; ++i) {
+    ASSERT_EQ(Execute("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (10," +
+                      std::to_string(i) + ",'" + std::string(3000, 'x') + "')")
+                  .native,
+              0);
   }
   ASSERT_EQ(Execute(sql).native, 0) << session->LastDatabaseError().message;
   const auto rows = session->MakeRecordset();
@@ -172,7 +200,9 @@ TEST_P(Contract, ALargeResultIsReadInBlocksWhileOtherStatementsRun) {
   int read = 0;
   for (; !rows->EndOfFile(); rows->MoveNext(), ++read) {
     if (read == 10) {
-      EXPECT_EQ(Execute("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (12,1,'y')").native, 0);
+      EXPECT_EQ(
+          Execute("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (12,1,'y')").native,
+          0);
       EXPECT_EQ(Execute("INSERT INTO NO_SUCH (X) VALUES (1)").native, 942);
       session->ShutDown();
     }

@@ -13,10 +13,10 @@ namespace sabrel {
 namespace {
 
 using namespace MSabrel;
-using ::testing::StartsWith;
 using testing::ConnectionRefusal;
 using testing::Refuse;
 using testing::ScriptedPlatform;
+using ::testing::StartsWith;
 
 class ErrorObject : public ::testing::Test {
  protected:

@@ -135,9 +135,9 @@ TEST_F(QueryExecution, RoutinesAreCalledInTheirFixedForms) {
 TEST_F(QueryExecution, ARecordReadsAsAlignedLines) {
   const std::string name32(32, 'N');
   platform.Answer(Rows{{"ID", "NAME", name32}, {{Variant(7), Variant("A"), Variant(Null{})}}});
-  EXPECT_EQ(GenerateRecordString(ExecuteQuery("Q")),
-            "\r\n" + std::string(30, ' ') + "ID: '7'\r\n" + std::string(28, ' ') + "NAME: 'A'\r\n" +
-                name32 + ": ''");
+  EXPECT_EQ(GenerateRecordString(ExecuteQuery("Q")), "\r\n" + std::string(30, ' ') + "ID: '7'\r\n" +
+                                                         std::string(28, ' ') + "NAME: 'A'\r\n" +
+                                                         name32 + ": ''");
   const auto number_of = [](const RecordsetRef& rows) {
     try {
       static_cast<void>(GenerateRecordString(rows));
@@ -152,8 +152,9 @@ TEST_F(QueryExecution, ARecordReadsAsAlignedLines) {
   EXPECT_EQ(number_of(nullptr), 91);
 }
 
-// Every seam call of a query and of a request fails in turn: the query is told as failed and gives nothing, the
-// request raises; nothing stays open and the error object names the fault, unless the telling itself was hit.
+// Every seam call of a query and of a request fails in turn: the query is told as failed and gives
+// nothing, the request raises; nothing stays open and the error object names the fault, unless the
+// telling itself was hit.
 TEST_F(QueryExecution, AFaultAtAnyCallIsToldOrRaised) {
   platform.trace = true;
   int calls = 0;

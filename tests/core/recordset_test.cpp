@@ -37,14 +37,16 @@ class Records : public ::testing::Test {
 // About 10 MB of rows, so that Open leaves some with the server.
 Rows ManyRows(int count) {
   Rows rows{{"N", "T"}, {}};
-  for (int i = 0; i < count; ++i) rows.rows.push_back({Variant(i), Variant(std::string(1000, 'x'))});
+  for (int i = 0; i < count; ++i)
+    rows.rows.push_back({Variant(i), Variant(std::string(1000, 'x'))});
   return rows;
 }
 
 TEST_F(Records, KeepEveryKindOfCell) {
-  const std::vector<Variant> cells = {Variant(-7), Variant(2.5), Variant(Decimal(5'000'000'000)),
-                                      Variant(Date(-1.25)), Variant(""), Variant("\u00E4|'"),
-                                      Variant(Null{})};
+  const std::vector<Variant> cells = {
+      Variant(-7),          Variant(2.5), Variant(Decimal(5'000'000'000)),
+      Variant(Date(-1.25)), Variant(""),  Variant("\u00E4|'"),
+      Variant(Null{})};
   const auto records = Open({{"A", "B", "C", "D", "E", "F", "G"}, {cells, cells}});
   for (int row = 0; row < 2; ++row, records->MoveNext()) {
     for (std::size_t i = 0; i < cells.size(); ++i) {

@@ -25,7 +25,8 @@ struct Second {
   ~Second() {
     // A state that ends may still use an earlier one and the platform.
     static_cast<void>(ModuleState<First>());
-    ended.push_back("second ends before the platform: " + CurrentPlatform().application->ProductName());
+    ended.push_back("second ends before the platform: " +
+                    CurrentPlatform().application->ProductName());
   }
 };
 
@@ -52,7 +53,8 @@ TEST(ThreadState, WithoutAPlatformTheFirstUseNamesTheMissingCall) {
   UnloadThread();
   InstallPlatform({});
   EXPECT_EQ(GSabrel::SabrelErrorObject()->Number(), 0) << "needs no platform yet";
-  for (const PlatformFactory& factory : {PlatformFactory{}, PlatformFactory([] { return Platform{}; })}) {
+  for (const PlatformFactory& factory :
+       {PlatformFactory{}, PlatformFactory([] { return Platform{}; })}) {
     InstallPlatform(factory);
     try {
       GSabrel::ExecuteRequest("X");

@@ -133,7 +133,8 @@ TEST_F(Literals, ListsPlaceTheirCommasByWhatStandsBefore) {
       {{Variant(5), none, Variant(7)}, " 5,,7 ", " 5 = ,7 =  "},
       {{Variant(5), none}, " 5, ", " 5 =  "},
       {{Variant("NAME"), Variant("abc"), Variant("AGE"), Variant(5)},
-       " 'NAME','abc','AGE',5 ", " NAME = 'abc',AGE = 5 "},
+       " 'NAME','abc','AGE',5 ",
+       " NAME = 'abc',AGE = 5 "},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(DBArgs(row.values), row.args);
@@ -149,12 +150,15 @@ TEST_F(Literals, AskTheServerForItsClockAndItsSequences) {
   platform.Answer(testing::Refuse(2289));
   EXPECT_EQ(GetNextInSequence("SQ"), 0);
   const std::string conversation = platform.Conversation();
-  EXPECT_THAT(conversation, ::testing::HasSubstr(
-      "query [SELECT TRUNC(SYSDATE,'MI') FROM DUAL] host= port=0 user= password= timeout=60\n"));
-  EXPECT_THAT(conversation, ::testing::HasSubstr(
-      "query [SELECT SQ.NEXTVAL FROM DUAL] host= port=0 user= password= timeout=60\n"));
-  EXPECT_THAT(conversation, ::testing::HasSubstr("assertion true Sabrel MSabrel GetNextInSequence []\n"));
-  EXPECT_THAT(conversation, ::testing::EndsWith("assertion false Sabrel MSabrel GetNextInSequence []\n"));
+  EXPECT_THAT(conversation, ::testing::HasSubstr("query [SELECT TRUNC(SYSDATE,'MI') FROM DUAL] "
+                                                 "host= port=0 user= password= timeout=60\n"));
+  EXPECT_THAT(conversation,
+              ::testing::HasSubstr(
+                  "query [SELECT SQ.NEXTVAL FROM DUAL] host= port=0 user= password= timeout=60\n"));
+  EXPECT_THAT(conversation,
+              ::testing::HasSubstr("assertion true Sabrel MSabrel GetNextInSequence []\n"));
+  EXPECT_THAT(conversation,
+              ::testing::EndsWith("assertion false Sabrel MSabrel GetNextInSequence []\n"));
 }
 
 }  // namespace

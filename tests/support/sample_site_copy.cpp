@@ -25,7 +25,8 @@ void CopySampleSite(SiteRelease release, const std::string& path) {
   const std::string made = folder.Path(release == SiteRelease::kOld ? "old" : "current");
   if (!std::filesystem::exists(made)) {
     sqlite::SiteBuilder builder(made);
-    for (const std::string_view statement : SampleSiteStatements(release)) builder.Execute(statement);
+    for (const std::string_view statement : SampleSiteStatements(release))
+      builder.Execute(statement);
     builder.Finish();
   }
   std::filesystem::copy_file(made, path);

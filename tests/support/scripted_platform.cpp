@@ -228,7 +228,9 @@ ScriptedPlatform::~ScriptedPlatform() {
 }
 
 void ScriptedPlatform::Answer(Rows rows) { script_->answers.emplace_back(std::move(rows)); }
-void ScriptedPlatform::Answer(Refusal refusal) { script_->answers.emplace_back(std::move(refusal)); }
+void ScriptedPlatform::Answer(Refusal refusal) {
+  script_->answers.emplace_back(std::move(refusal));
+}
 void ScriptedPlatform::Answer(RoutineOutcome outcome) {
   script_->answers.emplace_back(std::move(outcome));
 }

@@ -1,8 +1,10 @@
-// A platform that answers what a test tells it to, fails where a test tells it to, and writes down every call.
+// A platform that answers what a test tells it to, fails where a test tells it to, and writes down
+// every call.
 //
 //   ScriptedPlatform platform;                       // installs itself for this thread
 //   platform.Answer({{"ID"}, {{Variant(7)}}});       // the next statement's rows
-//   ... EXPECT_EQ(platform.Conversation(), "query [SELECT ...] host= port=0 user= password= timeout=60\n...");
+//   ... EXPECT_EQ(platform.Conversation(), "query [SELECT ...] host= port=0 user= password=
+//   timeout=60\n...");
 #pragma once
 
 #include <cstdint>
@@ -48,7 +50,8 @@ class ScriptedPlatform {
   void Answer(Refusal refusal);
   void Answer(RoutineOutcome outcome);
 
-  /// The n-th call of any seam function from here on throws a failure with number `number`; 0 for none.
+  /// The n-th call of any seam function from here on throws a failure with number `number`; 0 for
+  /// none.
   void FailAtCall(int n, std::int32_t number = 1234);
   [[nodiscard]] bool FaultMet() const;
 
