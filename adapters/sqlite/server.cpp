@@ -6,6 +6,7 @@
 
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/functions.h"
+#include "adapters/sqlite/result_names.h"
 #include "adapters/sqlite/server_functions.h"
 #include "sabrel/platform/row_text.h"
 #include "sabrel/platform/utf8.h"
@@ -19,35 +20,6 @@ bool IsDefinition(StatementKind kind) {
   return kind == StatementKind::kCreateRoutine || kind == StatementKind::kDropRoutine ||
          kind == StatementKind::kCreateSequence || kind == StatementKind::kDropSequence ||
          kind == StatementKind::kCreateTable || kind == StatementKind::kOtherDefinition;
-}
-
-/// `name` with each call of a stored function as the statement wrote it.
-std::string WithoutCalls(std::string name) {
-  constexpr std::string_view kCall = "sabrel_call('";
-  for (std::size_t at = name.find(kCall); at != std::string::npos; at = name.find(kCall, at)) {
-    const std::size_t end = name.find('\'', at + kCall.size());
-    if (end == std::string::npos) break;
-    const std::string routine = name.substr(at + kCall.size(), end - at - kCall.size());
-    const std::size_t behind = name.compare(end + 1, 1, ",") == 0 ? end + 2 : end + 1;
-    name.replace(at, behind - at, routine + "(");
-    at += routine.size();
-  }
-  return name;
-}
-
-/// A column's name as a caller finds it: upper case as unquoted names are, without traces of the
-/// rewriting.
-std::string ResultName(std::string_view name, const dialect::Rewritten& rewritten) {
-  std::string result(name);
-  for (std::size_t i = rewritten.constants.size(); i > 0; --i) {
-    const dialect::Constant& constant = rewritten.constants[i - 1];
-    const bool is_text = constant.kind == dialect::Constant::Kind::kText;
-    const std::string text = is_text ? Quoted(constant.text) : TextOf(ValueOf(constant));
-    result = ReplaceAll(result, "?" + std::to_string(i), text);
-  }
-  result = WithoutCalls(ReplaceAll(result, "sabrel_sysdate()", "SYSDATE"));
-  if (rewritten.text.find("\"" + result + "\"") != std::string::npos) return result;
-  return UpperCase(result);
 }
 
 /// Whether `statement` names what belongs to this server: its own tables and functions all begin
