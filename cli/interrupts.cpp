@@ -75,6 +75,10 @@ void Interrupts::StartCommand() {
   const std::lock_guard lock(mutex_);
   cancelled_ = false;
   impatience_ = 0;
+  DropWakeUp();
+}
+
+void Interrupts::DropWakeUp() const {
   std::uint64_t ignored = 0;
   [[maybe_unused]] const ssize_t got = ::read(wake_up_, &ignored, sizeof ignored);
 }
@@ -86,6 +90,8 @@ bool Interrupts::WaitForInput(int descriptor) {
       if (errno != EINTR) return true;
     } else if (sources[0].revents == 0) {
       return true;
+    } else if (!Cancelled()) {
+      DropWakeUp();  // Left over from a signal that was dealt with.
     }
   }
   return false;
@@ -108,6 +114,8 @@ bool Interrupts::TakeSignal() {
   if (::read(g_pipe[0], &signal, 1) != 1 || signal == kStopListening) return false;
   const bool ends = signal != SIGINT;
   if (++impatience_ >= kPatience) ::_exit(ends ? kTerminated : kCancelled);
+  // Together, so that nobody forgets the flag and is woken up for it afterwards.
+  const std::lock_guard lock(mutex_);
   (ends ? ending_ : cancelled_) = true;
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = ::write(wake_up_, &one, sizeof one);

@@ -36,6 +36,7 @@ class Interrupts {
  private:
   void Listen();
   [[nodiscard]] bool TakeSignal();
+  void DropWakeUp() const;
 
   std::mutex mutex_;
   std::shared_ptr<Rowlink> rowlink_;

@@ -307,6 +307,9 @@ TEST_F(CommandLine, KeepsAShellOnATerminalUsable) {
   shell.Type("\x03");
   ASSERT_TRUE(shell.WaitFor("Cancelled."));
   ASSERT_TRUE(shell.WaitFor("sabrel> "));
+  shell.Type("literal str in-between\n");
+  ASSERT_TRUE(shell.WaitFor("'in-between'"));
+  ASSERT_TRUE(shell.WaitFor("sabrel> "));
   shell.Type("half a line");
   ASSERT_TRUE(shell.WaitFor("half a line"));
   shell.Type("\x03");
@@ -317,7 +320,13 @@ TEST_F(CommandLine, KeepsAShellOnATerminalUsable) {
   shell.Type("literal str still-here\n");
   ASSERT_TRUE(shell.WaitFor("'still-here'"));
   shell.Type("exit\n");
-  EXPECT_EQ(shell.End().status, 0);
+  const Outcome outcome = shell.End();
+  EXPECT_EQ(outcome.status, 0);
+  std::size_t prompts = 0;
+  for (auto at = outcome.err.find("sabrel> "); at != std::string::npos; ++prompts) {
+    at = outcome.err.find("sabrel> ", at + 1);
+  }
+  EXPECT_EQ(prompts, 6U) << "an old Ctrl-C ended a later line";
 }
 
 TEST_F(CommandLine, FitsTablesIntoTheTerminal) {
