@@ -111,12 +111,10 @@ void CErrorObject::Reset(const RuntimeError& failure) {
 }
 
 void CErrorObject::CaptureDatabaseError() {
-  if (!IsDBError()) {
-    db_number_ = 0;
-    db_source_.clear();
-    db_description_.clear();
-    return;
-  }
+  db_number_ = 0;
+  db_source_.clear();
+  db_description_.clear();
+  if (!IsDBError()) return;
   const DatabaseError error = CurrentPlatform().rowlink->LastDatabaseError();
   db_number_ = error.native_number;
   db_source_ = error.source + " (" + error.originator + ")";
@@ -191,7 +189,9 @@ struct ErrorState {
 
 std::shared_ptr<CErrorObject> SabrelErrorObject() {
   auto& state = ModuleState<ErrorState>();
-  if (!state.object) state.object = std::make_shared<CErrorObject>();
+  // As when the component is loaded: what the host is handling just now is not this component's
+  // failure.
+  if (!state.object) state.object = std::make_shared<CErrorObject>(RuntimeError(0, {}, {}));
   return state.object;
 }
 

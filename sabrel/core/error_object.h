@@ -59,6 +59,7 @@ class CErrorObject {
   /// do about a connection error; a fixed sentence for anything else. Lines end in CR LF.
   /// `vDetails` is shown with a database error only: an IdentifiedObject as three lines, any other
   /// value as text, empty and null not at all.
+  /// Errors: 13 or 91 for details that have no text, when they are to be shown
   [[nodiscard]] std::string Text(const Variant& vDetails = {}) const;
 
   /// Cost: none; asks the application object

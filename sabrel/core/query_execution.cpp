@@ -16,7 +16,13 @@ struct RequestChannel {
   RecordsetRef channel;
 };
 
-std::string QueryLine(std::string_view sSql) { return "Query: " + std::string(sSql); }
+constexpr std::string_view kQueryLabel = "Query: ";
+
+std::string QueryLine(std::string_view sSql) { return std::string(kQueryLabel).append(sSql); }
+
+std::string_view StatementOf(const std::string& query_line) {
+  return std::string_view(query_line).substr(kQueryLabel.size());
+}
 
 // The first field of the first row; nothing when there is no recordset, no row or no value.
 std::optional<Variant> FirstValue(const RecordsetRef& rows) {
@@ -26,14 +32,14 @@ std::optional<Variant> FirstValue(const RecordsetRef& rows) {
   return value;
 }
 
-void ReportFailedQuery(const RuntimeError& failure, std::string_view sSql) {
-  const Platform& platform = CurrentPlatform();
+void ReportFailedQuery(const Platform& platform, const RuntimeError& failure,
+                       const std::string& query_line) {
   const auto error = SabrelErrorObject();
   error->Reset(failure);
   platform.application->Notify();
   platform.services->ShowMessage("Error ExecuteQuery:" + error->Text(), kBoxCritical,
                                  platform.application->ProductName());
-  platform.services->WriteLog(QueryLine(sSql));
+  platform.services->WriteLog(query_line);
 }
 
 std::string FunctionSelect(std::string_view sProc, std::string_view sArgs) {
@@ -45,19 +51,23 @@ std::string FunctionSelect(std::string_view sProc, std::string_view sArgs) {
 RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired, std::string_view sHostName,
                           std::int32_t nPortNumber, std::string_view sUserName,
                           std::string_view sPassword, std::int32_t nTimeOut) {
-  const Platform& platform = CurrentPlatform();
+  // Copies: a box or a notification may run anything in the host, an UnloadThread or a change of
+  // its text included.
+  const Platform platform = CurrentPlatform();
+  const std::string query_line = QueryLine(sSql);
   RecordsetRef rows;
   std::optional<RuntimeError> failure;
   try {
     rows = platform.rowlink->MakeRecordset();
-    Deref(rows).Open(sSql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+    Deref(rows).Open(StatementOf(query_line), sHostName, nPortNumber, sUserName, sPassword,
+                     nTimeOut);
     if (rows->EndOfFile() && fDataRequired) {
       rows->Close();
       SabrelErrorHandler()->Raise(sabNoDataError, "MSabrel", "ExecuteQuery", {});
     }
     if (platform.services->TraceSwitch()) {
       platform.services->WriteTrace("ExecuteQuery returned " + std::to_string(rows->RecordCount()) +
-                                    " row(s).\r\n" + QueryLine(sSql));
+                                    " row(s).\r\n" + query_line);
     }
     return rows;
   } catch (...) {
@@ -65,20 +75,25 @@ RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired, std::string
   }
   // Outside the catch: with the failure dealt with, there is no current error any more.
   if (rows) rows->Close();
-  ReportFailedQuery(*failure, sSql);
+  ReportFailedQuery(platform, *failure, query_line);
   return nullptr;
 }
 
 void ExecuteRequest(std::string_view sSql, std::string_view sHostName, std::int32_t nPortNumber,
                     std::string_view sUserName, std::string_view sPassword, std::int32_t nTimeOut) {
-  const Platform& platform = CurrentPlatform();
+  const Platform platform = CurrentPlatform();
+  const std::string query_line = QueryLine(sSql);
   std::optional<RuntimeError> failure;
   try {
-    RecordsetRef& channel = ModuleState<RequestChannel>().channel;
-    if (!channel) channel = platform.rowlink->MakeRecordset();
-    Deref(channel).Execute(sSql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+    RecordsetRef channel = ModuleState<RequestChannel>().channel;
+    if (!channel) {
+      channel = platform.rowlink->MakeRecordset();
+      ModuleState<RequestChannel>().channel = channel;
+    }
+    Deref(channel).Execute(StatementOf(query_line), sHostName, nPortNumber, sUserName, sPassword,
+                           nTimeOut);
     if (platform.services->TraceSwitch()) {
-      platform.services->WriteTrace("ExecuteRequest succeeded.\r\n" + QueryLine(sSql));
+      platform.services->WriteTrace("ExecuteRequest succeeded.\r\n" + query_line);
     }
     return;
   } catch (...) {
@@ -88,7 +103,7 @@ void ExecuteRequest(std::string_view sSql, std::string_view sHostName, std::int3
   error->Reset(*failure);
   if (platform.services->TraceSwitch()) {
     platform.services->WriteTrace("ExecuteRequest failed.\r\n" + error->Text() + "\r\n" +
-                                  QueryLine(sSql));
+                                  query_line);
   }
   error->Raise();
 }

@@ -103,7 +103,7 @@ Whole WholeOf(const Number& number) {
 
 std::string WithSeparator(std::string text, const LocaleFacts& locale) {
   if (const std::size_t point = text.find('.'); point != std::string::npos) {
-    text.replace(point, 1, locale.decimal_separator);
+    if (!locale.decimal_separator.empty()) text.replace(point, 1, locale.decimal_separator);
   }
   return text;
 }
@@ -118,6 +118,7 @@ bool BooleanOfText(const std::string& text, const LocaleFacts& locale) {
 }  // namespace
 
 std::string NumberText(double number, int digits, std::string_view decimal_separator) {
+  if (decimal_separator.empty()) decimal_separator = ".";  // 2.5 must never read as 25
   if (std::isnan(number)) return "NaN";
   if (std::isinf(number)) return number > 0 ? "Infinity" : "-Infinity";
   digits = std::clamp(digits, 1, std::numeric_limits<double>::max_digits10);
@@ -194,6 +195,8 @@ std::string ToText(const Variant& value, const LocaleFacts& locale) {
 }
 
 std::uint8_t ToByte(const Variant& value, const LocaleFacts& locale) {
+  // All bits of a true value are set, whatever its width.
+  if (const auto* flag = value.GetIf<bool>()) return *flag ? std::uint8_t{0xFF} : std::uint8_t{0};
   return WholeOf<std::uint8_t>(NumberOf(value, locale));
 }
 
@@ -231,6 +234,10 @@ Currency ToCurrency(const Variant& value, const LocaleFacts& locale) {
 }
 
 Decimal ToDecimal(const Variant& value, const LocaleFacts& locale) {
+  if (const auto* single = value.GetIf<float>()) {
+    if (!std::isfinite(*single)) Overflow();
+    return Decimal::Parse(NumberText(double{*single}, kSingleDigits, "."));
+  }
   return DecimalOf(NumberOf(value, locale), std::nullopt);
 }
 

@@ -120,7 +120,8 @@ class DateReader {
     }
     if (!text_.empty()) return false;
     date = Compose(parts, second_of_day);
-    return true;
+    return std::round(second_of_day) < static_cast<double>(kSecondsPerDay) ||
+           date.Serial() + 1.0 < Date::kEndSerial;
   }
 
  private:
@@ -150,7 +151,9 @@ class DateReader {
     for (const std::string_view candidate :
          {std::string_view(locale_.date_separator), std::string_view("/"), std::string_view("-"),
           std::string_view(".")}) {
-      if (Take(candidate)) {
+      const bool parts_times =
+          candidate == locale_.time_separator && candidate != locale_.date_separator;
+      if (!parts_times && Take(candidate)) {
         separator = candidate;
         return true;
       }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -27,16 +28,18 @@ class KeyedCollection {
 
   /// Appends without a key.
   void Add(T member) {
-    keys_.emplace_back();
-    members_.push_back(std::move(member));
+    Reserve();
+    Append(std::move(member), {});
   }
 
   /// Appends under `key`; an empty key is a key like any other. Errors: 457
   void Add(T member, std::string_view key) {
     if (positions_.contains(key)) throw RuntimeError(RuntimeErrorNumber::kDuplicateKey);
-    Add(std::move(member));
-    keys_.back() = Key{std::string(key), true};
-    positions_.emplace(std::string(key), members_.size() - 1);
+    // Everything that may fail comes before the first change.
+    Reserve();
+    Key kept{std::string(key), true};
+    positions_.emplace(kept.text, members_.size());
+    Append(std::move(member), std::move(kept));
   }
 
   /// The member under `key`, or null. Cost: O(1), no allocation
@@ -76,6 +79,8 @@ class KeyedCollection {
   [[nodiscard]] auto end() const noexcept { return members_.end(); }
 
  private:
+  static_assert(std::is_nothrow_move_constructible_v<T>, "a member that fails to move is lost");
+
   struct Key {
     std::string text;
     bool present = false;
@@ -94,6 +99,17 @@ class KeyedCollection {
   [[nodiscard]] std::size_t IndexOf(std::int32_t position) const {
     if (position < 1 || position > Count()) throw RuntimeError(RuntimeErrorNumber::kSubscript);
     return static_cast<std::size_t>(position) - 1;
+  }
+
+  void Reserve() {
+    constexpr std::size_t kFirst = 8;
+    if (members_.size() == members_.capacity()) members_.reserve(kFirst + 2 * members_.size());
+    if (keys_.size() == keys_.capacity()) keys_.reserve(kFirst + 2 * keys_.size());
+  }
+
+  void Append(T&& member, Key key) noexcept {
+    keys_.push_back(std::move(key));
+    members_.push_back(std::move(member));
   }
 
   void RemoveAt(std::size_t index) {

@@ -28,14 +28,52 @@ Process& TheProcess() {
 
 thread_local ThreadHolder* own_holder = nullptr;
 
+void EndThread() noexcept;
+
 struct ThreadExitGuard {
   ThreadExitGuard() = default;
   ThreadExitGuard(const ThreadExitGuard&) = delete;
   ThreadExitGuard& operator=(const ThreadExitGuard&) = delete;
-  ~ThreadExitGuard() { UnloadThread(); }
+  ~ThreadExitGuard() { EndThread(); }
   void Arm() noexcept {}
 };
 thread_local ThreadExitGuard exit_guard;
+
+// Ends everything that a holder has, last made first, the platform last. What ends may use the
+// component and thereby make anew what has ended; a few rounds of that are followed.
+void Drain(ThreadHolder& holder) noexcept {
+  constexpr int kMostRounds = 8;
+  for (int round = 0; round < kMostRounds; ++round) {
+    while (!holder.states.empty()) {
+      const ThreadHolder::State last = holder.states.back();
+      holder.states.pop_back();
+      last.destroy(last.object);
+    }
+    if (!holder.platform) return;
+    const Platform ended = *std::exchange(holder.platform, std::nullopt);
+  }
+}
+
+void EndThread() noexcept {
+  Process& process = TheProcess();
+  ThreadHolder* holder = nullptr;
+  {
+    const std::scoped_lock lock(process.mutex);
+    const auto found = process.holders.find(std::this_thread::get_id());
+    if (found == process.holders.end() || found->second->ending) return;
+    holder = found->second.get();
+    holder->ending = true;
+  }
+  Drain(*holder);
+  std::unique_ptr<ThreadHolder> ended;
+  {
+    const std::scoped_lock lock(process.mutex);
+    const auto found = process.holders.find(std::this_thread::get_id());
+    ended = std::move(found->second);
+    process.holders.erase(found);
+    own_holder = nullptr;
+  }
+}
 
 bool IsComplete(const Platform& platform) {
   return platform.rowlink && platform.services && platform.application && platform.registry &&
@@ -49,14 +87,21 @@ namespace internal {
 ThreadHolder* FindThreadHolder() noexcept { return own_holder; }
 
 ThreadHolder& OwnThreadHolder() {
-  if (own_holder == nullptr) {
+  if (own_holder != nullptr) return *own_holder;
+  auto made = std::make_unique<ThreadHolder>();
+  std::unique_ptr<ThreadHolder> stale;
+  {
     Process& process = TheProcess();
     const std::scoped_lock lock(process.mutex);
     std::unique_ptr<ThreadHolder>& slot = process.holders[std::this_thread::get_id()];
-    if (!slot) slot = std::make_unique<ThreadHolder>();
+    // An id is given again when its thread is gone: what a late use left there is not this
+    // thread's.
+    const bool is_own = slot && slot->ending;
+    if (!is_own) stale = std::exchange(slot, std::move(made));
     own_holder = slot.get();
-    exit_guard.Arm();
   }
+  exit_guard.Arm();
+  if (stale) Drain(*stale);
   return *own_holder;
 }
 
@@ -64,8 +109,11 @@ ThreadHolder& OwnThreadHolder() {
 
 void InstallPlatform(PlatformFactory factory) {
   Process& process = TheProcess();
-  const std::scoped_lock lock(process.mutex);
-  process.factory = std::move(factory);
+  {
+    const std::scoped_lock lock(process.mutex);
+    process.factory.swap(factory);
+  }
+  // The old factory ends here, outside the lock: what it holds may use the component.
 }
 
 bool IsPlatformInstalled() noexcept {
@@ -99,29 +147,15 @@ const Platform& CurrentPlatform() {
 }
 
 void UnloadThread() noexcept {
-  Process& process = TheProcess();
-  std::unique_ptr<ThreadHolder> ended;
-  ThreadHolder* holder = nullptr;
-  {
-    const std::scoped_lock lock(process.mutex);
-    const auto found = process.holders.find(std::this_thread::get_id());
-    if (found == process.holders.end()) return;
-    holder = found->second.get();
+  if (own_holder != nullptr && own_holder->platform) {
+    try {
+      const Platform platform = *own_holder->platform;
+      platform.rowlink->ShutDown();
+    } catch (...) {
+      // Connections that cannot be closed are abandoned.
+    }
   }
-  // The holder stays findable meanwhile: a state's destructor may use the platform or even make
-  // another state.
-  while (!holder->states.empty()) {
-    const ThreadHolder::State last = holder->states.back();
-    holder->states.pop_back();
-    last.destroy(last.object);
-  }
-  {
-    const std::scoped_lock lock(process.mutex);
-    const auto found = process.holders.find(std::this_thread::get_id());
-    ended = std::move(found->second);
-    process.holders.erase(found);
-  }
-  own_holder = nullptr;
+  EndThread();
 }
 
 }  // namespace sabrel

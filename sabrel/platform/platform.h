@@ -40,9 +40,9 @@ void InstallPlatform(PlatformFactory factory);
 /// Whether this thread could have a platform: nothing is made.
 [[nodiscard]] bool IsPlatformInstalled() noexcept;
 
-/// Ends this thread's use of the component: destroys its module state, last made first, its
-/// platform last. The next use starts afresh. Also runs at thread exit, where connections are
-/// abandoned instead of closed. Errors: none
+/// Ends this thread's use of the component: shuts its connections down, destroys its module state,
+/// last made first, its platform last. The next use starts afresh. A thread that exits without it
+/// loses the same things but abandons its connections instead of shutting them down. Errors: none
 void UnloadThread() noexcept;
 
 }  // namespace sabrel

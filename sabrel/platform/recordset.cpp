@@ -1,5 +1,6 @@
 #include "sabrel/platform/recordset.h"
 
+#include <limits>
 #include <utility>
 
 #include "sabrel/platform/runtime_error.h"
@@ -41,22 +42,27 @@ void Recordset::Execute(std::string_view sql, std::string_view host, std::int32_
 void Recordset::ReadBlock() {
   // A cursor that failed once must fail whoever moves next, never look like the end of the rows.
   if (failure_) std::rethrow_exception(failure_);
-  RowBlock block(names_.size());
   try {
-    if (!cursor_->Fetch(block, kBlockBytes)) cursor_.reset();
+    RowBlock block(names_.size());
+    const bool more = cursor_->Fetch(block, kBlockBytes);
+    if (block.Rows() > 0) {
+      block.Pack();
+      rows_read_ += block.Rows();
+      blocks_.push_back(std::move(block));
+    }
+    if (!more) cursor_.reset();
   } catch (...) {
     failure_ = std::current_exception();
     throw;
   }
-  if (block.Rows() == 0) return;
-  block.Pack();
-  rows_read_ += block.Rows();
-  blocks_.push_back(std::move(block));
 }
 
 std::int32_t Recordset::RecordCount() {
   RequireOpen();
   while (cursor_) ReadBlock();
+  if (rows_read_ > std::numeric_limits<std::int32_t>::max()) {
+    throw RuntimeError(RuntimeErrorNumber::kOverflow);
+  }
   return static_cast<std::int32_t>(rows_read_);
 }
 
@@ -106,10 +112,12 @@ const RowBlock& Recordset::CurrentBlock() const {
 }
 
 std::int32_t FieldList::Count() const {
+  recordset_->RequireOpen();
   return static_cast<std::int32_t>(recordset_->names_.size());
 }
 
 Field FieldList::Item(std::string_view name) const {
+  recordset_->RequireOpen();
   for (std::size_t i = 0; i < recordset_->names_.size(); ++i) {
     if (EqualIgnoringCase(recordset_->names_[i], name)) return {*recordset_, i};
   }
@@ -122,23 +130,29 @@ Field FieldList::Item(std::int32_t ordinal) const {
   return {*recordset_, static_cast<std::size_t>(ordinal)};
 }
 
+std::size_t Field::Ordinal() const {
+  // The recordset may have been opened anew with fewer columns.
+  if (ordinal_ >= recordset_->names_.size()) throw RuntimeError(RuntimeErrorNumber::kNoSuchField);
+  return ordinal_;
+}
+
 const std::string& Field::Name() const {
   recordset_->RequireOpen();
-  return recordset_->names_[ordinal_];
+  return recordset_->names_[Ordinal()];
 }
 
 Variant Field::Value() const {
-  return recordset_->CurrentBlock().Cell(recordset_->row_in_block_, ordinal_);
+  return recordset_->CurrentBlock().Cell(recordset_->row_in_block_, Ordinal());
 }
 
 bool Field::IsNull() const { return Kind() == VariantKind::kNull; }
 
 VariantKind Field::Kind() const {
-  return recordset_->CurrentBlock().CellKind(recordset_->row_in_block_, ordinal_);
+  return recordset_->CurrentBlock().CellKind(recordset_->row_in_block_, Ordinal());
 }
 
 std::string_view Field::Text() const {
-  return recordset_->CurrentBlock().CellText(recordset_->row_in_block_, ordinal_);
+  return recordset_->CurrentBlock().CellText(recordset_->row_in_block_, Ordinal());
 }
 
 }  // namespace sabrel

@@ -44,6 +44,7 @@ class Field {
   [[nodiscard]] std::string_view Text() const;
 
  private:
+  [[nodiscard]] std::size_t Ordinal() const;
   const Recordset* recordset_;
   std::size_t ordinal_;
 };

@@ -1,5 +1,7 @@
 #include "sabrel/platform/text_string.h"
 
+#include <limits>
+
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/template_text.h"
@@ -13,6 +15,12 @@ int Sign(int comparison) { return (comparison > 0) - (comparison < 0); }
 /// Equal exactly for texts that EqualIgnoringCase calls equal.
 std::string Folded(std::string_view text) { return LowerCase(UpperCase(text)); }
 
+// As many as a text in memory can have, where the number is larger than that.
+std::size_t Characters(std::int64_t count) {
+  constexpr auto kMost = std::numeric_limits<std::size_t>::max();
+  return static_cast<std::uint64_t>(count) > kMost ? kMost : static_cast<std::size_t>(count);
+}
+
 }  // namespace
 
 std::int64_t TextString::Length() const noexcept {
@@ -24,8 +32,8 @@ void TextString::Append(const Variant& value) { text_ += ToJoinedText(value); }
 std::string_view TextString::Substring(std::int64_t start, std::int64_t length) const {
   if (start < 1 || length < 0) throw RuntimeError(RuntimeErrorNumber::kInvalidCall);
   std::string_view rest = text_;
-  rest.remove_prefix(ByteLengthOf(rest, static_cast<std::size_t>(start - 1)));
-  return rest.substr(0, ByteLengthOf(rest, static_cast<std::size_t>(length)));
+  rest.remove_prefix(ByteLengthOf(rest, Characters(start - 1)));
+  return rest.substr(0, ByteLengthOf(rest, Characters(length)));
 }
 
 std::string TextString::Filled(std::span<const std::string> arguments) const {

@@ -22,6 +22,8 @@ struct ThreadHolder {
   };
   std::vector<State> states;
   std::optional<Platform> platform;
+  /// Being ended: its thread is still there.
+  bool ending = false;
 };
 
 /// Null before this thread's first use and after its end.

@@ -18,6 +18,11 @@ class QueryExecution : public ::testing::Test {
   ScriptedPlatform platform;
 };
 
+// More rows than Open reads: such a recordset stays open until it is closed.
+Rows ManyRows() {
+  return {{"ID"}, std::vector<std::vector<Variant>>(2, {Variant(std::string(5'000'000, '7'))})};
+}
+
 constexpr auto kDefaults = " host= port=0 user= password= timeout=";
 
 TEST_F(QueryExecution, AQueryIsOpenedTracedAndHandedOut) {
@@ -28,7 +33,7 @@ TEST_F(QueryExecution, AQueryIsOpenedTracedAndHandedOut) {
   EXPECT_EQ(platform.Conversation(),
             "make recordset\n"
             "query [SELECT 1] host=h port=5 user=u password=p timeout=9\n"
-            "fetch\n"
+            "fetch\nclose\n"
             "trace switch\n"
             "trace ExecuteQuery returned 1 row(s).\r\nQuery: SELECT 1\n");
   EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(7));
@@ -54,9 +59,10 @@ TEST_F(QueryExecution, NoRowsAreAFailureOnlyWhereDataIsRequired) {
   EXPECT_TRUE(rows->EndOfFile());
   static_cast<void>(platform.Conversation());
   EXPECT_EQ(ExecuteQuery("S", true), nullptr);
-  EXPECT_EQ(platform.Conversation(),
-            "make recordset\nquery [S] host= port=0 user= password= timeout=60\nfetch\nnotify\n"
-            "box 16 [Norvasta] Error ExecuteQuery:An unexpected error occurred\nlog Query: S\n");
+  EXPECT_EQ(
+      platform.Conversation(),
+      "make recordset\nquery [S] host= port=0 user= password= timeout=60\nfetch\nclose\nnotify\n"
+      "box 16 [Norvasta] Error ExecuteQuery:An unexpected error occurred\nlog Query: S\n");
   EXPECT_EQ(SabrelErrorObject()->Description(), "Query returned no records.");
   EXPECT_EQ(CarriedCode(SabrelErrorObject()->Number()), sabNoDataError);
 }
@@ -152,35 +158,108 @@ TEST_F(QueryExecution, ARecordReadsAsAlignedLines) {
   EXPECT_EQ(number_of(nullptr), 91);
 }
 
+TEST_F(QueryExecution, WhateverEndsAQueryClosesItsRecordset) {
+  static_cast<void>(platform.Conversation());
+  const auto closes = [&](auto action) {
+    platform.Answer(ManyRows());
+    action();
+    EXPECT_EQ(platform.OpenCursors(), 0);
+  };
+  closes([] { EXPECT_THROW(static_cast<void>(ExecuteQueryReturningLong("Q")), RuntimeError); });
+  closes([] { EXPECT_THROW(static_cast<void>(ExecuteQueryReturningDate("Q")), RuntimeError); });
+  closes([] { EXPECT_EQ(ExecuteQueryReturningString("Q").size(), 5'000'000U); });
+  platform.trace = true;
+  closes([&] {
+    platform.FailAtCall(4);  // the trace switch, with rows still to come
+    EXPECT_EQ(ExecuteQuery("Q"), nullptr);
+  });
+}
+
 // Every seam call of a query and of a request fails in turn: the query is told as failed and gives
-// nothing, the request raises; nothing stays open and the error object names the fault, unless the
-// telling itself was hit.
+// nothing, the request raises; nothing stays open and the error object names the fault.
 TEST_F(QueryExecution, AFaultAtAnyCallIsToldOrRaised) {
   platform.trace = true;
-  int calls = 0;
-  for (int n = 1;; ++n) {
+  for (int n = 1; n <= 5; ++n) {  // make, query, fetch, switch, trace
     platform.Answer(Rows{{"ID"}, {{Variant(7)}}});
     platform.FailAtCall(n);
-    const bool query_fails = n <= 5;
-    EXPECT_EQ(ExecuteQuery("Q") == nullptr, query_fails) << n;
-    if (!platform.FaultMet()) break;
+    EXPECT_EQ(ExecuteQuery("Q"), nullptr) << n;
     EXPECT_EQ(SabrelErrorObject()->Number(), 1234) << n;
     EXPECT_EQ(platform.OpenCursors(), 0) << n;
     platform.FailAtCall(0);
     static_cast<void>(ExecuteQueryReturningLong("empty the script"));
-    calls = n;
   }
-  EXPECT_EQ(calls, 5);  // make, query, fetch, switch, trace
-  for (int n = 1; n <= 3; ++n) {
+  for (int n = 1; n <= 4; ++n) {  // make, execute, switch, trace
     UnloadThread();
+    static_cast<void>(platform.Conversation());
     platform.FailAtCall(n);
-    EXPECT_THROW(ExecuteRequest("R"), RuntimeError) << n;
+    try {
+      ExecuteRequest("R");
+      ADD_FAILURE() << n;
+    } catch (const RuntimeError& failure) {
+      EXPECT_EQ(failure.Number(), 1234) << n;
+    }
+    EXPECT_THAT(platform.Conversation(),
+                ::testing::EndsWith("trace ExecuteRequest failed.\r\nAn unexpected error occurred"
+                                    "\r\nQuery: R\n"))
+        << n;
+    platform.FailAtCall(0);
+    ExecuteRequest("R2");  // makes the channel that a failed making left out
   }
-  for (int n = 3; n <= 5; ++n) {  // telling a failed query: notify, box, log
+  platform.FailAtCall(0);
+  for (int n = 3;;
+       ++n) {  // telling a failed query: code, last error, notify, ..., caption, box, log
     platform.Answer(Refuse(942));
     platform.FailAtCall(n);
-    EXPECT_THROW(static_cast<void>(ExecuteQuery("Q")), RuntimeError) << n;
+    bool raised = false;
+    try {
+      static_cast<void>(ExecuteQuery("Q"));
+    } catch (const RuntimeError& failure) {
+      raised = failure.Number() == 1234;
+    }
+    if (!platform.FaultMet()) {
+      EXPECT_GT(n, 8);
+      break;
+    }
+    EXPECT_TRUE(raised) << n;
   }
+}
+
+TEST_F(QueryExecution, AHostMayCallFromItsOwnHandlerAndMeddleInABox) {
+  std::string sql = "SELECT FIRST";
+  platform.Answer(Refuse(942));
+  platform.on_box = [&] {
+    sql.assign(100, 'X');
+    UnloadThread();
+  };
+  try {
+    throw RuntimeError(77, "host", "the host's own");
+  } catch (...) {
+    EXPECT_EQ(SabrelErrorObject()->Number(), 0) << "not this component's failure";
+    EXPECT_EQ(ExecuteQuery(sql), nullptr);
+    platform.Answer(Refuse(1, "dup"));
+    try {
+      ExecuteRequest("R");
+    } catch (const RuntimeError& failure) {
+      EXPECT_EQ(failure.Description(), "dup");
+    }
+  }
+  EXPECT_THAT(platform.Conversation(), ::testing::HasSubstr("log Query: SELECT FIRST\n"));
+}
+
+TEST_F(QueryExecution, ASecondFailureTakesThePlaceOfTheFirst) {
+  platform.Answer(testing::ConnectionRefusal(30));
+  static_cast<void>(ExecuteQuery("Q"));
+  EXPECT_TRUE(CheckConnectionError());
+  platform.Answer(Refuse(2292));
+  EXPECT_THROW(ExecuteRequest("R"), RuntimeError);
+  EXPECT_FALSE(CheckConnectionError());
+  platform.FailAtCall(2);
+  static_cast<void>(ExecuteQuery("Q"));
+  const auto error = SabrelErrorObject();
+  EXPECT_EQ(error->Number(), 1234);
+  EXPECT_EQ(error->DBOriginator(), "server") << "only a database error writes it";
+  EXPECT_EQ(error->DBData() + error->DBHelpFile() + error->DBDescription() + error->DBSource(), "");
+  EXPECT_EQ(error->DBNumber() + error->DBHelpContext(), 0);
 }
 
 }  // namespace

@@ -122,7 +122,8 @@ TEST_F(Records, ACallAnswersByPositionOnceItRan) {
     EXPECT_EQ(NumberOf([&] { return call->ParameterValue(index); }), 9) << index;
   }
   EXPECT_EQ(platform.Conversation(),
-            "call [P.F] host= port=0 user= password= timeout=0 (,integer,) (7,integer,) "
+            "make procedure call\ncall [P.F] host= port=0 user= password= timeout=0 (,integer,) "
+            "(7,integer,) "
             "(8,integer,)\n");
 }
 
@@ -152,7 +153,7 @@ TEST_F(Records, ARowOfAnotherWidthIsRefusedBeforeSending) {
   writer->Submit();
   writer->AddRow("1");
   EXPECT_EQ(NumberOf([&] { return writer->Submit(), 0; }), 5);
-  EXPECT_EQ(platform.Conversation(), "write [T] A:INT B:STRING [1|x]\n");
+  EXPECT_EQ(platform.Conversation(), "make row-set writer\nwrite [T] A:INT B:STRING [1|x]\n");
 }
 
 }  // namespace

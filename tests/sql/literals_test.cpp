@@ -19,6 +19,11 @@ class Literals : public ::testing::Test {
   ScriptedPlatform platform;
 };
 
+struct Priced final : Object {
+  Variant DefaultProperty() const override { return Variant(2.5); }
+};
+struct Plain final : Object {};
+
 const Date kMarch = Date::FromCivil({2024, 3, 9, 17, 5, 0});
 
 TEST_F(Literals, StandForValuesInEveryLocale) {
@@ -94,6 +99,9 @@ TEST_F(Literals, AnArgumentFollowsItsKind) {
       {"double zero", Variant(0.0), "0"},
       {"negative zero", Variant(-0.0), "0"},
       {"zero date", Variant(Date()), "NULL"},
+      {"date", Variant(kMarch), "TO_DATE('2024-03-09 17:05:00','YYYY-MM-DD HH24:MI:SS')"},
+      {"small integer", Variant(std::int16_t{-7}), "-7"},
+      {"object", Variant(ObjectRef(std::make_shared<Priced>())), "2,5"},
       {"text", Variant("O'Hara"), "'O''Hara'"},
       {"empty text", Variant(""), "NULL"},
       {"true", Variant(true), "'Y'"},
@@ -106,7 +114,8 @@ TEST_F(Literals, AnArgumentFollowsItsKind) {
       {"error", Variant(ErrorValue{13}), "Error 13"},
   };
   for (const auto& row : rows) EXPECT_EQ(DBArg(row.value), row.expected) << row.name;
-  for (const Variant& bad : {Variant(ObjectRef()), Variant(std::vector<Variant>{Variant(1)})}) {
+  for (const Variant& bad : {Variant(ObjectRef()), Variant(std::vector<Variant>{Variant(1)}),
+                             Variant(ObjectRef(std::make_shared<Plain>()))}) {
     try {
       static_cast<void>(DBArg(bad));
       ADD_FAILURE() << "an argument without text was taken";
@@ -117,6 +126,7 @@ TEST_F(Literals, AnArgumentFollowsItsKind) {
 }
 
 TEST_F(Literals, ListsPlaceTheirCommasByWhatStandsBefore) {
+  platform.locale.decimal_separator = ",";
   const Variant none;
   const Variant null{Null{}};
   const Variant blank = CDBLiteral().ToVariant();
@@ -132,6 +142,10 @@ TEST_F(Literals, ListsPlaceTheirCommasByWhatStandsBefore) {
       {{blank, Variant(7)}, " 7 ", "  = 7 "},
       {{Variant(5), none, Variant(7)}, " 5,,7 ", " 5 = ,7 =  "},
       {{Variant(5), none}, " 5, ", " 5 =  "},
+      {{Variant(2.5), Variant(2.5)}, " 2.5,2.5 ", " 2,5 = 2.5 "},
+      {{CDBLiteral("N").ToVariant(), Variant(kMarch)},
+       " N,TO_DATE('2024-03-09 17:05:00','YYYY-MM-DD HH24:MI:SS') ",
+       " N = TO_DATE('2024-03-09 17:05:00','YYYY-MM-DD HH24:MI:SS') "},
       {{Variant("NAME"), Variant("abc"), Variant("AGE"), Variant(5)},
        " 'NAME','abc','AGE',5 ",
        " NAME = 'abc',AGE = 5 "},

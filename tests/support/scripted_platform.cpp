@@ -1,5 +1,7 @@
 #include "tests/support/scripted_platform.h"
 
+#include <deque>
+#include <stdexcept>
 #include <utility>
 
 namespace sabrel::testing {
@@ -18,6 +20,10 @@ struct ScriptedPlatform::Script {
 
   void Step(const std::string& line) {
     conversation += line + "\n";
+    MayFail();
+  }
+  // Counts a call that is too common to be written down.
+  void MayFail() {
     if (fail_at != 0 && ++calls == fail_at) throw RuntimeError(fail_number, "fault", "injected");
   }
 
@@ -56,7 +62,8 @@ void AddCell(RowBlock& block, const Variant& value) {
     case VariantKind::kDecimal: return block.AddDecimal(value.Get<Decimal>());
     case VariantKind::kDate: return block.AddDate(value.Get<Date>());
     case VariantKind::kString: return block.AddText(value.Get<std::string>());
-    default: return block.AddNull();
+    case VariantKind::kNull: return block.AddNull();
+    default: throw std::logic_error("no server sends a value of this kind");
   }
 }
 
@@ -66,7 +73,10 @@ class ScriptedCursor final : public Cursor {
       : script_(std::move(script)), rows_(std::move(rows)) {
     ++script_->open_cursors;
   }
-  ~ScriptedCursor() override { --script_->open_cursors; }
+  ~ScriptedCursor() override {
+    --script_->open_cursors;
+    script_->conversation += "close\n";
+  }
   const std::vector<std::string>& ColumnNames() const override { return rows_.columns; }
 
   bool Fetch(RowBlock& block, std::size_t byte_limit) override {
@@ -128,8 +138,19 @@ class ScriptedRowlink final : public LinkedRowlink {
     script_->Step("make recordset");
     return LinkedRowlink::MakeRecordset();
   }
+  std::shared_ptr<ProcedureCall> MakeProcedureCall() override {
+    script_->Step("make procedure call");
+    return LinkedRowlink::MakeProcedureCall();
+  }
+  std::shared_ptr<RowSetWriter> MakeRowSetWriter() override {
+    script_->Step("make row-set writer");
+    return LinkedRowlink::MakeRowSetWriter();
+  }
   void ShutDown() override { script_->Step("shut down"); }
-  DatabaseError LastDatabaseError() const override { return script_->last_error; }
+  DatabaseError LastDatabaseError() const override {
+    script_->MayFail();
+    return script_->last_error;
+  }
   void Cancel() noexcept override {}
 
  private:
@@ -149,6 +170,7 @@ class ScriptedServices final : public Services {
                            std::string_view caption) override {
     script_->Step("box " + std::to_string(style) + " [" + std::string(caption) + "] " +
                   std::string(text));
+    if (script_->owner->on_box) script_->owner->on_box();
     return script_->owner->box_answer;
   }
   LocaleFacts Locale() const override { return script_->owner->locale; }
@@ -166,7 +188,10 @@ class ScriptedServices final : public Services {
 class ScriptedApplication final : public Application {
  public:
   explicit ScriptedApplication(std::shared_ptr<Script> script) : script_(std::move(script)) {}
-  std::string ProductName() const override { return script_->owner->product_name; }
+  std::string ProductName() const override {
+    script_->MayFail();
+    return script_->owner->product_name;
+  }
   std::string ProductProperty(std::string_view name) const override {
     return script_->properties[std::string(name)];
   }
@@ -184,7 +209,10 @@ class ScriptedApplication final : public Application {
   std::string TransformPassword(std::string_view password) const override {
     return "<" + std::string(password) + ">";
   }
-  std::int32_t ErrorCodeOf(std::int32_t number) const override { return CarriedCode(number); }
+  std::int32_t ErrorCodeOf(std::int32_t number) const override {
+    script_->MayFail();
+    return CarriedCode(number);
+  }
   void Notify() override { script_->Step("notify"); }
 
  private:

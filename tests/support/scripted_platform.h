@@ -8,7 +8,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -50,8 +50,8 @@ class ScriptedPlatform {
   void Answer(Refusal refusal);
   void Answer(RoutineOutcome outcome);
 
-  /// The n-th call of any seam function from here on throws a failure with number `number`; 0 for
-  /// none.
+  /// The n-th call of a seam function (locale, names and number questions aside) from here on
+  /// throws a failure with number `number`; 0 for none.
   void FailAtCall(int n, std::int32_t number = 1234);
   [[nodiscard]] bool FaultMet() const;
 
@@ -62,6 +62,7 @@ class ScriptedPlatform {
   /// What the platform answers.
   bool trace = false;
   std::int32_t box_answer = kAnswerOk;
+  std::function<void()> on_box;
   LocaleFacts locale;
   std::string product_name = "Norvasta";
   std::string machine_name = "MACHINE";
