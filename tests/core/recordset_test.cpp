@@ -58,6 +58,19 @@ TEST_F(Records, KeepEveryKindOfCell) {
   EXPECT_TRUE(records->EndOfFile());
 }
 
+TEST_F(Records, TakeLittleMoreThanTheirText) {
+  RowBlock block(4);
+  constexpr std::size_t kRows = 1000;
+  for (std::size_t i = 0; i < kRows; ++i) {
+    block.AddDecimal(Decimal(5'000'000'000));
+    block.AddDate(Date(45360.5));
+    block.AddText(std::string(50, 'x'));
+    block.AddText("");
+    block.EndRow();
+  }
+  EXPECT_LE(block.Bytes(), kRows * (50 + 100));
+}
+
 TEST_F(Records, RefuseWhatIsNotThere) {
   const auto records = Open({{"A"}, {{Variant(1)}}});
   EXPECT_EQ(NumberOf([&] { return records->Fields().Item("B"); }), 3265);
