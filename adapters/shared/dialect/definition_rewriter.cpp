@@ -33,7 +33,11 @@ void Rewriter::Definition() {
     QualifiedName();
     if (IsSymbol('(')) NameList();
     ExpectWord(Word::kAs, 905, "missing keyword AS");
-    return Query();
+    (void)Query();
+    // Whoever reads a view only reads.
+    if (!sequences_.empty()) Fail(2287, "sequence number not allowed here");
+    if (writes_) Fail(14551, "cannot perform a DML operation inside a query");
+    return;
   }
   if (verb == Word::kCreate && word == Word::kIndex) {
     at_ = object + 1;
@@ -41,7 +45,7 @@ void Rewriter::Definition() {
     ExpectWord(Word::kOn, 969, "missing ON keyword");
     QualifiedName();
     ExpectSymbol('(', 906, "missing left parenthesis");
-    OrderList();
+    OrderList(false);
     return ExpectSymbol(')', 907, "missing right parenthesis");
   }
   Copy();
@@ -72,7 +76,10 @@ void Rewriter::AlterTable() {
 
 void Rewriter::CreateTable() {
   QualifiedName();
-  if (SkipWord(Word::kAs)) return Query();
+  if (SkipWord(Word::kAs)) {
+    (void)Query();
+    return;
+  }
   ExpectSymbol('(', 906, "missing left parenthesis");
   do {
     TableItem();

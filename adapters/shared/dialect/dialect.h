@@ -96,16 +96,25 @@ class Engine {
     bool comma_before_arguments = false;
   };
   [[nodiscard]] virtual CallOpening RoutineCall(std::string_view name) const = 0;
-  /// Functions that add and subtract where an operand may be a date; empty where the engine's own
-  /// operators do.
+  /// Functions that add and subtract, from the left, up to 100 operands of which one may be a date;
+  /// empty where the engine's own operators do.
   [[nodiscard]] virtual std::string_view AddFunction() const = 0;
   [[nodiscard]] virtual std::string_view SubtractFunction() const = 0;
   /// Function for a quotient; where it is empty, `a / b` becomes `a *1.0/ b`, which keeps the
   /// fraction of whole numbers.
   [[nodiscard]] virtual std::string_view DivideFunction() const { return {}; }
-  /// Function for `a || b` that takes null for the empty text, as Oracle does; empty where the
-  /// engine's own does.
+  /// Function for `a || b || ...`, of up to 100 operands, that takes null for the empty text, as
+  /// Oracle does; empty where the engine's own does.
   [[nodiscard]] virtual std::string_view ConcatenateFunction() const { return {}; }
+  /// Aggregate that gives the only value of its rows and fails (1427) at a second one; empty where
+  /// the engine itself refuses a scalar sub-select of several rows.
+  [[nodiscard]] virtual std::string_view SingleFunction() const { return {}; }
+  /// Function that is negative, 0 or positive as its first argument sorts before, with or behind
+  /// its second one, numbers, texts and dates converted as Oracle does; empty where the engine's
+  /// own comparisons do.
+  [[nodiscard]] virtual std::string_view CompareFunction() const { return {}; }
+  /// A constant that equals itself and nothing that a column may hold.
+  [[nodiscard]] virtual std::string_view NoValue() const { return "x''"; }
   /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.
   [[nodiscard]] virtual std::string_view FunctionName(std::string_view upper_name) const = 0;
 };

@@ -78,6 +78,15 @@ void Edits::Append(std::size_t token, std::string_view text) {
   Replace(token, std::string(TextOf(sql_, tokens_[token])) + std::string(text));
 }
 
+void Edits::AppendBehind(std::size_t token, std::string_view text) {
+  Mark& mark = marks_[token];
+  if (mark.suffix == kNone) {
+    mark.suffix = static_cast<std::uint32_t>(replacements_.size());
+    replacements_.emplace_back();
+  }
+  replacements_[mark.suffix] += text;
+}
+
 void Edits::RenderToken(const Token& token, const Mark& mark, Rewritten& rewritten) const {
   std::string& out = rewritten.text;
   const std::string_view source = TextOf(sql_, token);
@@ -137,6 +146,7 @@ void Edits::Render(Rewritten& rewritten) const {
       out.insert(written, 1, ' ');
     }
     out.append(mark.closings, ')');
+    if (mark.suffix != kNone) out += replacements_[mark.suffix];
   }
   out += tail_;
 }

@@ -29,6 +29,13 @@ class Edits {
   void Wrap(std::size_t first, std::size_t last, std::string_view function);
   /// Puts `text` behind a token that stays as it is.
   void Append(std::size_t token, std::string_view text);
+  /// Puts `text` behind all that is written for a token, behind the ")" of its wraps too.
+  void AppendBehind(std::size_t token, std::string_view text);
+  /// Makes the newest call around what ends at `last` reach to `new_last`.
+  void Extend(std::size_t last, std::size_t new_last) {
+    --marks_[last].closings;
+    ++marks_[new_last].closings;
+  }
   void AppendToStatement(std::string_view text) { tail_ += text; }
 
   /// Cost: linear in the statement's length
@@ -50,6 +57,7 @@ class Edits {
     std::uint32_t closings = 0;
     std::uint32_t opening = kNone;      // newest first: the newest is outermost
     std::uint32_t replacement = kNone;  // index into replacements_
+    std::uint32_t suffix = kNone;       // index into replacements_
   };
   struct Opening {
     std::string_view function;

@@ -1,12 +1,13 @@
 // Expressions and conditions. What an operator means comes from Oracle: + - and || bind alike and
 // from the left, a quotient of whole numbers keeps its fraction, and an operand of + or - may be a
 // date.
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "adapters/shared/dialect/rewriter.h"
 
 namespace sabrel::dialect {
-namespace {
 
 bool IsAggregate(std::string_view upper_name) {
   constexpr std::array kAggregates{
@@ -18,6 +19,25 @@ bool IsAggregate(std::string_view upper_name) {
     if (name == upper_name) return true;
   }
   return false;
+}
+
+namespace {
+
+// Functions whose type is the same whatever their arguments are.
+constexpr std::array kNumberFunctions{
+    std::string_view("COUNT"),  std::string_view("SUM"),   std::string_view("AVG"),
+    std::string_view("LENGTH"), std::string_view("INSTR"), std::string_view("MOD"),
+    std::string_view("ABS"),    std::string_view("SIGN"),  std::string_view("CEIL"),
+    std::string_view("FLOOR"),  std::string_view("POWER"), std::string_view("TO_NUMBER")};
+constexpr std::array kTextFunctions{
+    std::string_view("UPPER"), std::string_view("LOWER"),  std::string_view("SUBSTR"),
+    std::string_view("TRIM"),  std::string_view("LTRIM"),  std::string_view("RTRIM"),
+    std::string_view("LPAD"),  std::string_view("RPAD"),   std::string_view("REPLACE"),
+    std::string_view("CHR"),   std::string_view("CONCAT"), std::string_view("TO_CHAR")};
+
+template <std::size_t kCount>
+bool IsOneOf(std::string_view name, const std::array<std::string_view, kCount>& names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 // "2024-03-09" for a pattern of "0000-00-00".
@@ -56,21 +76,14 @@ void Rewriter::Comparison() {
     Parenthesis();
     return;
   }
-  (void)Sum();
+  const Operand left = Sum();
   while (true) {
+    if (OrderComparison(left)) continue;
     const bool is_negated =
         IsWord(Word::kNot) && (Ahead(1).word == Word::kIn || Ahead(1).word == Word::kLike ||
                                Ahead(1).word == Word::kBetween);
     if (is_negated) ++at_;
-    if (SkipSymbol(kNotEqual)) {
-      edits_.Replace(at_ - 1, "<>");
-      SkipWord(Word::kAny) || SkipWord(Word::kAll);
-      (void)Sum();
-    } else if (SkipSymbol('=') || SkipSymbol('<') || SkipSymbol('>') || SkipSymbol(kLessOrEqual) ||
-               SkipSymbol(kGreaterOrEqual)) {
-      SkipWord(Word::kAny) || SkipWord(Word::kAll);
-      (void)Sum();
-    } else if (SkipWord(Word::kIs)) {
+    if (SkipWord(Word::kIs)) {
       SkipWord(Word::kNot);
       ExpectWord(Word::kNull, 908, "missing NULL keyword");
     } else if (SkipWord(Word::kIn)) {
@@ -92,6 +105,88 @@ void Rewriter::Comparison() {
   }
 }
 
+// `left` = < > <= >= <> ..., where one stands here.
+bool Rewriter::OrderComparison(const Operand& left) {
+  const std::size_t operation = at_;
+  if (!SkipSymbol('=') && !SkipSymbol('<') && !SkipSymbol('>') && !SkipSymbol(kLessOrEqual) &&
+      !SkipSymbol(kGreaterOrEqual) && !SkipSymbol(kNotEqual)) {
+    return false;
+  }
+  const char symbol = tokens_[operation].symbol;
+  if (symbol == kNotEqual) edits_.Replace(operation, "<>");
+  if (IsWord(Word::kAny) || IsWord(Word::kAll) || IsText(Here(), "SOME")) {
+    if (IsSymbol(Ahead(1), '(')) {
+      Quantified(operation);
+      return true;
+    }
+  }
+  const Operand right = Sum();
+  const std::string_view compare = engine_.CompareFunction();
+  if (compares_ && !compare.empty() && NeedConversion(TypeOf(left), TypeOf(right))) {
+    std::string sign(TextOf(sql_, tokens_[operation]));
+    if (symbol == kNotEqual) sign = "<>";
+    edits_.Replace(operation, ",");
+    edits_.Wrap(left.first, right.last, compare);
+    edits_.AppendBehind(right.last, sign + "0");
+    is_renamed_ = true;
+  }
+  return true;
+}
+
+// = ANY (...) and <> ALL (...) are IN and NOT IN.
+void Rewriter::Quantified(std::size_t operation) {
+  const char symbol = tokens_[operation].symbol;
+  const bool is_all = IsWord(Word::kAll);
+  if (is_all ? symbol != kNotEqual : symbol != '=') {
+    Fail(900, "only = ANY and <> ALL are supported");
+  }
+  edits_.Replace(operation, is_all ? " NOT IN" : " IN");
+  edits_.Remove(at_++);
+  Parenthesis();
+}
+
+// Whether the engine would compare values of unlike types. It converts beside a bare column by
+// itself, and an index on that column goes on to serve.
+bool Rewriter::NeedConversion(Type left, Type right) {
+  const auto is_number = [](Type t) { return t == Type::kNumber || t == Type::kNumberConstant; };
+  const auto is_text = [](Type t) { return t == Type::kText || t == Type::kTextConstant; };
+  if ((is_number(left) && is_text(right)) || (is_text(left) && is_number(right))) return true;
+  return (left == Type::kTextConstant && right == Type::kUnknown) ||
+         (right == Type::kTextConstant && left == Type::kUnknown);
+}
+
+Rewriter::Type Rewriter::TypeOf(Operand operand) const {
+  if (operand.function.empty()) {
+    while (operand.first < operand.last && IsSymbol(tokens_[operand.first], '(') &&
+           IsSymbol(tokens_[operand.last], ')')) {
+      ++operand.first;
+      --operand.last;
+    }
+  }
+  const Token& first = tokens_[operand.first];
+  if (operand.is_number) return Type::kNumberConstant;
+  if (operand.first == operand.last && first.kind == TokenKind::kText) return Type::kTextConstant;
+  if (operand.first == operand.last && first.kind == TokenKind::kParameter) return Type::kColumn;
+  if (!operand.function.empty()) {
+    return operand.function == engine_.ConcatenateFunction() ? Type::kText : Type::kUnknown;
+  }
+  if (operand.shape == Shape::kProduct) return Type::kNumber;
+  bool is_name = true;  // a, t.a
+  for (std::size_t i = operand.first; i <= operand.last && is_name; ++i) {
+    const bool is_dot = (i - operand.first) % 2 == 1;
+    is_name =
+        is_dot ? IsSymbol(tokens_[i], '.')
+               : tokens_[i].kind == TokenKind::kWord || tokens_[i].kind == TokenKind::kQuotedName;
+  }
+  if (is_name && first.word != Word::kSystemDate) return Type::kColumn;
+  const bool is_call = operand.first < operand.last && first.kind == TokenKind::kWord &&
+                       IsSymbol(tokens_[operand.first + 1], '(');
+  if (!is_call) return Type::kUnknown;
+  const std::string name = Upper(first);
+  if (IsOneOf(name, kNumberFunctions)) return Type::kNumber;
+  return IsOneOf(name, kTextFunctions) ? Type::kText : Type::kUnknown;
+}
+
 Rewriter::Operand Rewriter::Sum() {
   Operand left = Product();
   while (IsSymbol('+') || IsSymbol('-') || IsSymbol(kConcatenation)) {
@@ -100,6 +195,8 @@ Rewriter::Operand Rewriter::Sum() {
   }
   return left;
 }
+
+void Rewriter::RefuseDate() const { Fail(932, "inconsistent datatypes: expected NUMBER got DATE"); }
 
 Rewriter::Operand Rewriter::Product() {
   Operand left = Unary();
@@ -113,8 +210,13 @@ Rewriter::Operand Rewriter::Product() {
 Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
                                     const Operand& right) {
   Operand result{left.first, right.last, Shape::kAtom, left.is_number && right.is_number};
+  const char symbol = tokens_[operation].symbol;
+  if (left.is_date || right.is_date) {
+    if (symbol == '*' || symbol == '/') RefuseDate();
+    if (symbol == '+' || symbol == '-') result.is_date = left.is_date != right.is_date;
+  }
   std::string_view function;
-  switch (tokens_[operation].symbol) {
+  switch (symbol) {
     case '+': function = engine_.AddFunction(); break;
     case '-': function = engine_.SubtractFunction(); break;
     case '/': function = engine_.DivideFunction(); break;
@@ -126,13 +228,23 @@ Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
   }
   // The engine's operators do for numbers; only the quotient of two whole constants would lose its
   // fraction.
-  if (!function.empty() && (!result.is_number || tokens_[operation].symbol == '/')) {
+  if (!function.empty() && (!result.is_number || symbol == '/')) {
+    // A chain becomes one call: nested calls would exhaust the engine's parser.
+    constexpr int kMostArguments = 100;
+    result.function = function;
     edits_.Replace(operation, ",");
-    edits_.Wrap(left.first, right.last, function);
+    if (symbol != '/' && left.function == function && left.arguments < kMostArguments) {
+      result.arguments = left.arguments + 1;
+      edits_.Extend(left.last, right.last);
+      is_renamed_ = true;
+    } else {
+      result.arguments = 2;
+      edits_.Wrap(left.first, right.last, function);
+    }
     return result;
   }
   // The engine's own operators bind || before * and / before + and -.
-  switch (tokens_[operation].symbol) {
+  switch (symbol) {
     case '/':
       edits_.Replace(operation, "*1.0/");  // whole numbers would lose the fraction
       [[fallthrough]];
@@ -161,6 +273,7 @@ Rewriter::Operand Rewriter::Unary() {
   while (SkipSymbol('-') || SkipSymbol('+')) {
   }
   Operand operand = Primary();
+  if (operand.is_date && first != operand.first) RefuseDate();
   operand.first = first;
   return operand;
 }
@@ -169,6 +282,7 @@ Rewriter::Operand Rewriter::Primary() {
   const std::size_t first = at_;
   const Token& token = Here();
   bool is_number = false;
+  bool is_date = false;
   switch (token.kind) {
     case TokenKind::kNumber:
       edits_.SetConstant(at_++, may_lift_ && lift_ == Lift::kAlways);
@@ -186,7 +300,7 @@ Rewriter::Operand Rewriter::Primary() {
     case TokenKind::kQuotedName: NameOrCall(); break;
     case TokenKind::kSymbol:
       if (token.symbol != '(') Fail(936, "missing expression");
-      Parenthesis();
+      Parenthesis(true);
       break;
     case TokenKind::kWord:
       switch (token.word) {
@@ -197,6 +311,7 @@ Rewriter::Operand Rewriter::Primary() {
         case Word::kTimestamp:
           if (Ahead(1).kind == TokenKind::kText) {
             DateConstant();
+            is_date = true;
           } else {
             NameOrCall();
           }
@@ -210,7 +325,11 @@ Rewriter::Operand Rewriter::Primary() {
           Fail(900,
                "ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE "
                "clause of an outermost SELECT");
-        default: NameOrCall(); break;
+        default:
+          is_date = token.word == Word::kSystemDate ||
+                    (IsSymbol(Ahead(1), '(') && IsText(token, "TO_DATE"));
+          NameOrCall();
+          break;
       }
       break;
     default: Fail(936, "missing expression");
@@ -218,18 +337,25 @@ Rewriter::Operand Rewriter::Primary() {
   if (IsSymbol('(') && IsSymbol(Ahead(1), '+') && IsSymbol(Ahead(2), ')')) {
     Fail(900, "the outer join mark (+) is not supported; write LEFT JOIN");
   }
-  return {first, at_ - 1, Shape::kAtom, is_number};
+  return {first, at_ - 1, Shape::kAtom, is_number, is_date};
 }
 
-void Rewriter::Parenthesis() {
+void Rewriter::Parenthesis(bool is_scalar) {
   const Level level(*this);
+  const std::size_t open = at_;
   ExpectSymbol('(', 906, "missing left parenthesis");
+  QueryShape shape{false, true};
   if (IsQueryStart()) {
-    Query();
+    shape = Query();
   } else {
     ExpressionList();
   }
   ExpectSymbol(')', 907, "missing right parenthesis");
+  const std::string_view single = engine_.SingleFunction();
+  if (!is_scalar || single.empty() || !shape.has_one_column || shape.has_one_row) return;
+  edits_.Replace(open, "(WITH sabrel_one(v) AS (");
+  edits_.Replace(at_ - 1, ") SELECT " + std::string(single) + "(v) FROM sabrel_one)");
+  is_renamed_ = true;
 }
 
 void Rewriter::ExpressionList() {
@@ -238,13 +364,18 @@ void Rewriter::ExpressionList() {
   } while (SkipSymbol(','));
 }
 
-void Rewriter::OrderList() {
+// Oracle sorts nulls behind all values, and before them where it sorts downwards.
+void Rewriter::OrderList(bool places_nulls) {
   const Lift lift = lift_;
   lift_ = Lift::kNever;
   do {
     (void)Sum();
-    SkipWord(Word::kAsc) || SkipWord(Word::kDesc);
-    if (SkipText("NULLS") && !SkipText("FIRST") && !SkipText("LAST")) Fail(905, "missing keyword");
+    const bool is_descending = !SkipWord(Word::kAsc) && SkipWord(Word::kDesc);
+    if (SkipText("NULLS")) {
+      if (!SkipText("FIRST") && !SkipText("LAST")) Fail(905, "missing keyword");
+    } else if (places_nulls) {
+      edits_.AppendBehind(at_ - 1, is_descending ? " NULLS FIRST" : " NULLS LAST");
+    }
   } while (SkipSymbol(','));
   lift_ = lift;
 }
@@ -315,18 +446,30 @@ void Rewriter::NameOrCall() {
   const bool is_sequence = last > first && (tokens_[last].word == Word::kNextval ||
                                             tokens_[last].word == Word::kCurrval);
   if (is_sequence) {
-    const std::string_view name =
-        sql_.substr(tokens_[first].begin, tokens_[last - 2].end - tokens_[first].begin);
-    const bool draws = tokens_[last].word == Word::kNextval;
-    writes_ = writes_ || draws;
-    edits_.Replace(first, draws ? engine_.NextValue(name) : engine_.CurrentValue(name));
-    for (std::size_t i = first + 1; i <= last; ++i) edits_.Remove(i);
-    return;
+    return UseSequence(first, last);
   }
   if (IsSymbol('(') && !(IsSymbol(Ahead(1), '+') && IsSymbol(Ahead(2), ')'))) {
     return Call(first, last);
   }
   QuoteReserved(first, last);
+}
+
+// All uses of a sequence in one row are one value in Oracle; engines draw at each.
+void Rewriter::UseSequence(std::size_t first, std::size_t last) {
+  const std::string_view name =
+      sql_.substr(tokens_[first].begin, tokens_[last - 2].end - tokens_[first].begin);
+  const bool draws = tokens_[last].word == Word::kNextval;
+  SequenceUse use{{}, draws};
+  for (std::size_t i = first; i < last; i += 2) use.name += Upper(tokens_[i]) + ".";
+  for (const SequenceUse& other : sequences_) {
+    if (other.name == use.name && (other.draws || draws)) {
+      Fail(900, "NEXTVAL is supported only once per sequence in a statement");
+    }
+  }
+  sequences_.push_back(std::move(use));
+  writes_ = writes_ || draws;
+  edits_.Replace(first, draws ? engine_.NextValue(name) : engine_.CurrentValue(name));
+  for (std::size_t i = first + 1; i <= last; ++i) edits_.Remove(i);
 }
 
 void Rewriter::QuoteReserved(std::size_t first, std::size_t last) {
@@ -365,6 +508,7 @@ void Rewriter::CallName(std::size_t first, std::size_t last) {
 }
 
 void Rewriter::Call(std::size_t first, std::size_t last) {
+  if (first == last && IsText(tokens_[first], "DECODE")) return Decode(first);
   CallName(first, last);
   {
     const Level level(*this);
@@ -374,6 +518,71 @@ void Rewriter::Call(std::size_t first, std::size_t last) {
     ExpectSymbol(')', 907, "missing right parenthesis");
   }
   if (IsWord(Word::kOver) && IsSymbol(Ahead(1), '(')) Window();
+}
+
+// DECODE(a, 1, b, NULL, c, d) becomes CASE with the same operands at the same places, so that only
+// the result that is wanted is computed. Oracle compares in the type of the first value searched;
+// where that is not known by a constant the engine's own DECODE must do.
+void Rewriter::Decode(std::size_t name) {
+  struct Argument {
+    std::size_t first;
+    std::size_t last;
+    Type type;
+    bool is_null;
+  };
+  std::vector<Argument> arguments;
+  {
+    const Level level(*this);
+    if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
+    do {
+      const std::size_t first = ++at_;
+      Condition();
+      const std::size_t constant = first + (IsSymbol(tokens_[first], '-') ? 1 : 0);
+      const bool is_one = constant + 1 == at_;
+      const Token& token = tokens_[constant];
+      const bool is_text = token.kind == TokenKind::kText;
+      const bool is_null =
+          is_one && (token.word == Word::kNull || (is_text && IsEmptyText(TextOf(sql_, token))));
+      Type type = Type::kUnknown;
+      if (is_one && token.kind == TokenKind::kNumber) type = Type::kNumber;
+      if (is_one && is_text && !is_null) type = Type::kText;
+      arguments.push_back({first, at_ - 1, type, is_null});
+    } while (IsSymbol(','));
+    ExpectSymbol(')', 907, "missing right parenthesis");
+  }
+  Type type = Type::kUnknown;
+  bool may_be_null = false;
+  for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
+    const Argument& searched = arguments[i];
+    may_be_null = may_be_null || searched.is_null || searched.type == Type::kUnknown;
+    if (type != Type::kUnknown || searched.is_null) continue;
+    if (searched.type == Type::kUnknown) break;
+    type = searched.type;
+  }
+  const bool is_text = type == Type::kText;
+  const std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
+  if (type == Type::kUnknown) return;
+  const auto compare_with = [&](const Argument& argument) {
+    if (argument.type != type && !argument.is_null) {
+      edits_.Wrap(argument.first, argument.last, convert);
+    }
+    if (may_be_null && argument.type != type) {
+      edits_.Wrap(argument.first, argument.last, "COALESCE(");
+      edits_.AppendBehind(argument.last, "," + std::string(engine_.NoValue()) + ")");
+    }
+  };
+  edits_.Replace(name, "CASE ");
+  edits_.Remove(name + 1);
+  compare_with(arguments[0]);
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const bool is_default = i % 2 == 1 && i + 1 == arguments.size();
+    const bool is_searched = i % 2 == 1 && !is_default;
+    edits_.Replace(arguments[i].first - 1,
+                   is_default ? " ELSE " : (is_searched ? " WHEN " : " THEN "));
+    if (is_searched) compare_with(arguments[i]);
+  }
+  edits_.Replace(at_ - 1, " END");
+  is_renamed_ = true;
 }
 
 void Rewriter::Arguments() {

@@ -6,7 +6,8 @@
 
 namespace sabrel::dialect {
 
-void Rewriter::Query() {
+Rewriter::QueryShape Rewriter::Query() {
+  QueryShape shape;
   SelectFacts* const outer_facts = facts_;
   facts_ = nullptr;
   SelectFacts own_facts;
@@ -16,9 +17,10 @@ void Rewriter::Query() {
   while (true) {
     if (IsSymbol('(')) {
       Parenthesis();
+      shape = {true, false};
     } else {
       if (is_outermost) facts_ = &own_facts;
-      SelectCore(own_facts);
+      SelectCore(own_facts, shape);
     }
     if (IsWord(Word::kMinus)) edits_.Replace(at_, "EXCEPT");
     if (!SkipWord(Word::kUnion) && !SkipWord(Word::kMinus) && !SkipWord(Word::kIntersect) &&
@@ -42,6 +44,8 @@ void Rewriter::Query() {
   if (IsWord(Word::kFor)) ForUpdate();
   if (own_facts.has_row_limit) FinishRowLimit(own_facts, is_ordered || has_set_operator);
   facts_ = outer_facts;
+  if (has_set_operator) shape.has_one_row = false;
+  return shape;
 }
 
 void Rewriter::With() {
@@ -57,7 +61,7 @@ void Rewriter::With() {
   } while (SkipSymbol(','));
 }
 
-void Rewriter::SelectCore(SelectFacts& facts) {
+void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
   const Lift lift = lift_;
   ExpectWord(Word::kSelect, 928, "missing SELECT keyword");
   if (SkipWord(Word::kUnique)) {
@@ -69,30 +73,82 @@ void Rewriter::SelectCore(SelectFacts& facts) {
     SkipWord(Word::kAll);
   }
   lift_ = Lift::kInCalls;
-  SelectList();
+  const std::size_t item = at_;
+  shape.has_one_column = SelectList() == 1;
+  const std::size_t from = at_;
   ExpectWord(Word::kFrom, 923, "FROM keyword not found where expected");
   lift_ = Lift::kAlways;
   FromList();
+  const bool is_one_row = IsText(tokens_[from + 1], "DUAL") && at_ == from + 2;
   const bool is_outermost = facts_ == &facts;
   facts_ = nullptr;
   if (IsWord(Word::kWhere)) Where(is_outermost && depth_ == 0 ? &facts : nullptr);
   if (IsWord(Word::kConnect) || IsWord(Word::kStart)) Fail(900, "CONNECT BY is not supported");
-  if (IsWord(Word::kGroup) || IsWord(Word::kHaving)) GroupBy(facts);
+  const bool is_grouped = IsWord(Word::kGroup);
+  if (is_grouped || IsWord(Word::kHaving)) GroupBy(facts);
+  shape.has_one_row = is_one_row || (!is_grouped && IsAggregateCall(item, from));
   lift_ = lift;
 }
 
-void Rewriter::SelectList() {
+// Whether the column is one call of an aggregate, as MAX(a).
+bool Rewriter::IsAggregateCall(std::size_t first, std::size_t end) const {
+  if (tokens_[first].kind != TokenKind::kWord || !IsSymbol(tokens_[first + 1], '(')) return false;
+  if (!IsAggregate(Upper(tokens_[first]))) return false;
+  int depth = 0;
+  for (std::size_t i = first + 1; i < end; ++i) {
+    if (IsSymbol(tokens_[i], '(')) ++depth;
+    if (IsSymbol(tokens_[i], ')') && --depth == 0) return i + 1 == end;
+  }
+  return false;
+}
+
+// The number of columns; 0 where "*" hides it.
+std::size_t Rewriter::SelectList() {
+  const bool was_renamed = is_renamed_;
+  std::size_t columns = 0;
+  bool has_all = false;
   do {
-    if (SkipSymbol('*')) continue;
+    const std::size_t first = at_;
+    ++columns;
+    if (SkipSymbol('*')) {
+      has_all = true;
+      continue;
+    }
+    is_renamed_ = false;
     Condition();
+    has_all = has_all || IsSymbol(tokens_[at_ - 1], '*');
     const bool has_as = SkipWord(Word::kAs);
     if (Here().kind == TokenKind::kQuotedName ||
         (Here().kind == TokenKind::kWord && !IsReservedByOracle(Here().word))) {
       Name();
     } else if (has_as) {
       Fail(923, "missing name of a column");
+    } else if (is_renamed_) {
+      KeepColumnName(first);
     }
   } while (SkipSymbol(','));
+  is_renamed_ = was_renamed;
+  return has_all ? 0 : columns;
+}
+
+// Oracle names a column by its expression without blanks, in upper case.
+void Rewriter::KeepColumnName(std::size_t first) {
+  std::string name;
+  for (std::size_t i = first; i < at_; ++i) {
+    const Token& token = tokens_[i];
+    const bool parts_words =
+        i > first && token.kind == TokenKind::kWord && tokens_[i - 1].kind != TokenKind::kSymbol;
+    const bool follows_word =
+        i > first && tokens_[i - 1].kind == TokenKind::kWord && token.kind != TokenKind::kSymbol;
+    if (parts_words || follows_word) name += ' ';
+    if (token.kind == TokenKind::kQuotedName) {
+      name += ValueOfName(sql_, token);
+    } else {
+      name += token.kind == TokenKind::kWord ? Upper(token) : std::string(TextOf(sql_, token));
+    }
+  }
+  std::erase(name, '"');
+  edits_.AppendBehind(at_ - 1, " AS \"" + name + "\"");
 }
 
 void Rewriter::FromList() {
@@ -127,7 +183,7 @@ void Rewriter::TableReference() {
     const Level level(*this);
     ++at_;
     if (IsQueryStart()) {
-      Query();
+      (void)Query();
     } else {
       FromList();
     }
@@ -277,7 +333,7 @@ void Rewriter::Insert() {
     Values();
   } else if (IsQueryStart() || IsSymbol('(')) {
     const Level level(*this);
-    Query();
+    (void)Query();
   } else {
     Fail(926, "missing VALUES keyword");
   }

@@ -16,6 +16,9 @@
 
 namespace sabrel::dialect {
 
+/// Whether the function makes one row of many.
+[[nodiscard]] bool IsAggregate(std::string_view upper_name);
+
 class Rewriter {
  public:
   Rewriter(std::string_view sql, const Engine& engine);
@@ -30,7 +33,28 @@ class Rewriter {
     std::size_t first = 0;
     std::size_t last = 0;
     Shape shape = Shape::kAtom;
-    bool is_number = false;  // numeric constants only
+    bool is_number = false;          // numeric constants only
+    bool is_date = false;            // known to be one
+    std::string_view function = {};  // that the operands so far are arguments of
+    int arguments = 0;
+  };
+  /// What is known of an operand's type.
+  enum class Type : std::uint8_t {
+    kUnknown,
+    kColumn,
+    kNumber,
+    kText,
+    kNumberConstant,
+    kTextConstant
+  };
+  /// What the value of a query in an expression may be.
+  struct QueryShape {
+    bool has_one_column = false;
+    bool has_one_row = false;
+  };
+  struct SequenceUse {
+    std::string name;
+    bool draws = false;
   };
   /// What speaks against cutting a SELECT at its ROWNUM condition.
   struct SelectFacts {
@@ -79,13 +103,18 @@ class Rewriter {
   // Expressions and conditions (expression.cpp).
   void Condition();
   void Comparison();
+  bool OrderComparison(const Operand& left);
+  void Quantified(std::size_t operation);
+  [[nodiscard]] Type TypeOf(Operand operand) const;
+  [[nodiscard]] static bool NeedConversion(Type left, Type right);
+  [[noreturn]] void RefuseDate() const;
   void Predicate();
   [[nodiscard]] Operand Sum();
   [[nodiscard]] Operand Product();
   [[nodiscard]] Operand Unary();
   [[nodiscard]] Operand Primary();
   Operand Combine(const Operand& left, std::size_t operation, const Operand& right);
-  void Parenthesis();
+  void Parenthesis(bool is_scalar = false);
   void Case();
   void Cast();
   void DateConstant();
@@ -94,14 +123,18 @@ class Rewriter {
   void Call(std::size_t first, std::size_t last);
   void CallName(std::size_t first, std::size_t last);
   void Arguments();
+  void Decode(std::size_t name);
+  void UseSequence(std::size_t first, std::size_t last);
   void Window();
   void ExpressionList();
-  void OrderList();
+  void OrderList(bool places_nulls = true);
 
   // Queries and changes of data (query.cpp).
-  void Query();
-  void SelectCore(SelectFacts& facts);
-  void SelectList();
+  QueryShape Query();
+  void SelectCore(SelectFacts& facts, QueryShape& shape);
+  [[nodiscard]] std::size_t SelectList();
+  [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
+  void KeepColumnName(std::size_t first);
   void FromList();
   void TableReference();
   bool JoinWords();
@@ -144,7 +177,10 @@ class Rewriter {
   Lift lift_ = Lift::kAlways;
   bool may_lift_ = true;
   bool writes_ = false;
+  bool compares_ = true;     // values of different types by a function
+  bool is_renamed_ = false;  // the engine would name the column that is read otherwise
   std::vector<Column> columns_;
+  std::vector<SequenceUse> sequences_;
   SelectFacts* facts_ = nullptr;  // of the outermost SELECT while its parts are read
 };
 
