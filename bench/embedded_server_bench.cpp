@@ -29,7 +29,7 @@ class Bench {
     site.Execute(
         "CREATE TABLE T (ID NUMBER(10) PRIMARY KEY, NAME VARCHAR2(40), V NUMBER(12,4), D DATE)");
     site.Execute(
-        "INSERT INTO T (ID, NAME, V, D) WITH N(I) AS (SELECT 1 UNION ALL SELECT I + 1 "
+        "INSERT INTO T (ID, NAME, V, D) WITH N(I) AS (SELECT 1 FROM DUAL UNION ALL SELECT I + 1 "
         "FROM N "
         "WHERE I < " +
         std::to_string(kRows) +

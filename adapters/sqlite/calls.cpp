@@ -162,6 +162,7 @@ std::vector<Value> Server::EvaluateArguments(const std::vector<std::string>& exp
   std::string sql = "SELECT sabrel_arguments(";
   for (std::size_t i = 0; i < expressions.size(); ++i) sql += (i > 0 ? "," : "") + expressions[i];
   sql += ") FROM DUAL";
+  for (const std::string& expression : expressions) RefuseOwnNames(expression);
   Statement evaluate = Prepare(CompileOwn(sql));
   evaluate.Step();
   return std::exchange(taken_arguments_, {});

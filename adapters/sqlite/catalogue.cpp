@@ -55,7 +55,8 @@ CREATE VIEW user_tab_columns AS
     NULLABLE, COLUMN_ID
   FROM (
     SELECT TABLE_NAME, COLUMN_NAME, NULLABLE, COLUMN_ID, sizes, instr(sizes, ',') AS comma,
-      CASE WHEN opening > 0 THEN trim(substr(type, 1, opening - 1)) ELSE type END AS DATA_TYPE,
+      CASE WHEN opening > 0 THEN trim(substr(type, 1, opening - 1))
+           WHEN type = 'LONG TEXT' THEN 'LONG' ELSE type END AS DATA_TYPE,
       CASE WHEN opening > 0 THEN CAST(sizes AS INTEGER) END AS first_size
     FROM (
       SELECT r.table_name AS TABLE_NAME, UPPER(c.name) AS COLUMN_NAME, UPPER(c.type) AS type,
@@ -80,7 +81,9 @@ CREATE VIEW user_objects AS
   UNION ALL
   SELECT UPPER(name), 'INDEX', 'VALID' FROM sqlite_schema
   WHERE type = 'index' AND substr(name, 1, 7) NOT IN ('sqlite_', 'sabrel_')
-  UNION ALL SELECT UPPER(name), 'TRIGGER', 'VALID' FROM sqlite_schema WHERE type = 'trigger'
+  UNION ALL
+  SELECT UPPER(name), 'TRIGGER', 'VALID' FROM sqlite_schema
+  WHERE type = 'trigger' AND substr(name, 1, 7) <> 'sabrel_'
   UNION ALL SELECT name, 'SEQUENCE', 'VALID' FROM sabrel_sequence
   UNION ALL
   SELECT name, CASE WHEN is_function THEN 'FUNCTION' ELSE 'PROCEDURE' END, 'VALID'

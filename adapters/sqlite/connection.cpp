@@ -129,10 +129,11 @@ void Connection::Configure(Durability durability) {
     }
   }
   Run("PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON; PRAGMA case_sensitive_like=ON;"
-      "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON; PRAGMA temp_store=MEMORY;"
+      "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON;"
       "PRAGMA journal_size_limit=67108864");
   if (durability == Durability::kAtTheEnd) Run("PRAGMA synchronous=OFF");
   sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_limit(handle_, SQLITE_LIMIT_LENGTH, static_cast<int>(kLongestText));
   sqlite3_limit(handle_, SQLITE_LIMIT_SQL_LENGTH, static_cast<int>(kLongestText));
   sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
@@ -217,13 +218,20 @@ void Connection::Fail(int code, sqlite3_stmt* handle, Verb verb) {
   }
   const int extended =
       code == SQLITE_ERROR || code > 0xFF ? code : sqlite3_extended_errcode(handle_);
-  const NativeError error =
+  NativeError error =
       NativeErrorOf((extended & 0xFF) == plain ? extended : code, text,
                     extended == SQLITE_CONSTRAINT_FOREIGNKEY ? PreciseVerb(handle, verb) : verb);
   std::string message = error.message;
   if (plain == SQLITE_CORRUPT || plain == SQLITE_NOTADB || plain == SQLITE_CANTOPEN ||
       plain == SQLITE_READONLY || plain == SQLITE_IOERR || plain == SQLITE_FULL) {
     message += " (" + path_ + ")";
+    const int reason = sqlite3_system_errno(handle_);
+    const bool is_full = reason == ENOSPC || reason == EFBIG || reason == EDQUOT;
+    if (is_full && (plain == SQLITE_IOERR || plain == SQLITE_FULL)) {
+      error.number = 1653;
+      message = "unable to extend the file (" + path_ + ")";
+    }
+    if (reason != 0) message += std::string(": ") + std::strerror(reason);
   }
   // The engine quotes the place, which may be a constant.
   if (text.find("near \"") != std::string::npos) text = "syntax error";
@@ -266,6 +274,10 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
 }
 
 bool Connection::InTransaction() const noexcept { return sqlite3_get_autocommit(handle_) == 0; }
+
+bool Connection::MayWrite() const noexcept {
+  return sqlite3_txn_state(handle_, nullptr) == SQLITE_TXN_WRITE;
+}
 
 void Connection::RollBack() noexcept {
   // A cancel that comes in between must not stop the clean-up: it holds for the failed statement

@@ -89,6 +89,7 @@ class Connection {
  public:
   static constexpr std::size_t kKeptStatements = 64;
   static constexpr std::size_t kLongestKeptText = 2048;
+  /// Of a statement, and of a value.
   static constexpr std::size_t kLongestText = std::size_t{64} << 20U;
   /// For the write lock, where no time-out holds.
   static constexpr std::chrono::seconds kLongestWait{30};
@@ -116,6 +117,8 @@ class Connection {
   [[noreturn]] void Fail(int code, sqlite3_stmt* handle, Verb verb);
 
   [[nodiscard]] bool InTransaction() const noexcept;
+  /// Whether the open transaction holds the write lock.
+  [[nodiscard]] bool MayWrite() const noexcept;
   /// Ends an open transaction without keeping it. Errors: none
   void RollBack() noexcept;
   /// Whether a clean-up failed; such a connection is not used again.

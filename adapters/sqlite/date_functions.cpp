@@ -1,6 +1,8 @@
 // Dates and numbers: conversions, and the operators that take both.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include "adapters/sqlite/date_text.h"
 #include "adapters/sqlite/failure.h"
@@ -32,6 +34,7 @@ struct NumberFormat {
   int whole = 0;  // places before the point
   int zeros = 0;  // of them from the first 0 on
   int decimals = 0;
+  int kept_decimals = 0;  // of them up to the last 0: FM keeps these
   bool has_point = false;
   bool fill = true;
   bool sign = false;
@@ -52,6 +55,7 @@ NumberFormat ParseNumberFormat(std::string_view text) {
     if (c == '9' || c == '0') {
       if (format.has_point) {
         ++format.decimals;
+        if (c == '0') format.kept_decimals = format.decimals;
       } else {
         ++format.whole;
         zero_seen = zero_seen || c == '0';
@@ -72,19 +76,42 @@ NumberFormat ParseNumberFormat(std::string_view text) {
   return format;
 }
 
-std::string FormatNumber(double number, std::string_view model) {
-  const NumberFormat format = ParseNumberFormat(model);
-  std::string digits(512, '\0');
-  const int length =
-      std::snprintf(digits.data(), digits.size(), "%.*f", format.decimals, std::fabs(number));
-  digits.resize(static_cast<std::size_t>(length));
+/// A number without its sign, in decimal digits.
+struct Digits {
+  std::string whole;
   std::string decimals;
-  if (const std::size_t point = digits.find('.'); point != std::string::npos) {
-    decimals = digits.substr(point + 1);
-    digits.erase(point);
+};
+
+/// The digits of `number` as it is shown, rounded to `decimals` behind the point: 2.675 is 2.68,
+/// though the nearest double is a little less.
+Digits RoundedDigits(const Value& number, int decimals) {
+  std::string text = NumberText(number);
+  if (text.front() == '-') text.erase(0, 1);
+  const auto wanted = static_cast<std::size_t>(decimals);
+  const bool is_tiny = text.find("E-") != std::string::npos;
+  // Beyond 39 places no format has room.
+  if (text.find_first_of("E~") != std::string::npos) text = is_tiny ? "0" : std::string(99, '9');
+  const std::size_t point = text.find('.');
+  Digits digits{text.substr(0, point), point == std::string::npos ? "" : text.substr(point + 1)};
+  const bool goes_up = digits.decimals.size() > wanted && digits.decimals[wanted] >= '5';
+  digits.decimals.resize(wanted, '0');
+  std::string all = "0" + digits.whole + digits.decimals;
+  if (goes_up) {
+    std::size_t at = all.size() - 1;
+    for (; all[at] == '9'; --at) all[at] = '0';
+    ++all[at];
   }
+  digits.decimals = all.substr(all.size() - wanted);
+  digits.whole = all.substr(0, all.size() - wanted);
+  digits.whole.erase(0, std::min(digits.whole.find_first_not_of('0'), digits.whole.size() - 1));
+  return digits;
+}
+
+std::string FormatNumber(const Value& number, std::string_view model) {
+  const NumberFormat format = ParseNumberFormat(model);
+  auto [digits, decimals] = RoundedDigits(number, format.decimals);
   const bool is_negative =
-      number < 0 && (digits + decimals).find_first_not_of('0') != std::string::npos;
+      RealOf(number) < 0 && (digits + decimals).find_first_not_of('0') != std::string::npos;
   if (digits == "0" && format.whole > 0 && format.zeros == 0 && format.decimals > 0) digits.clear();
   const auto places = static_cast<std::size_t>(format.whole);
   const std::size_t width = places + format.commas.size() + 1 + (format.has_point ? 1 : 0) +
@@ -102,7 +129,8 @@ std::string FormatNumber(double number, std::string_view model) {
     text += digits[i];
   }
   if (!format.fill) {
-    while (!decimals.empty() && decimals.back() == '0' && format.decimals > 0) decimals.pop_back();
+    const auto kept = static_cast<std::size_t>(format.kept_decimals);
+    while (decimals.size() > kept && decimals.back() == '0') decimals.pop_back();
   }
   if (format.has_point) text += '.' + decimals;
   if (format.dollar) text.insert(0, 1, '$');
@@ -118,7 +146,16 @@ Value ToChar(Arguments a, void*) {
         FormatMoment(a[0].text, a.size() > 1 ? std::string_view(a[1].text) : kDefaultDateFormat));
   }
   if (a.size() < 2) return TextValue(TextOf(a[0]));
-  return TextValue(FormatNumber(RealOf(a[0]), TextOf(a[1])));
+  return TextValue(FormatNumber(NumberOf(a[0]), TextOf(a[1])));
+}
+
+/// From here on a double has no digits behind the point that could be cut.
+constexpr double kAllDigitsCount = 1e15;
+
+std::int64_t PowerOfTen(std::int64_t exponent) {
+  std::int64_t power = 1;
+  for (; exponent > 0; --exponent) power *= 10;
+  return power;
 }
 
 Value Trunc(Arguments a, void*) {
@@ -130,11 +167,15 @@ Value Trunc(Arguments a, void*) {
   const Value number = NumberOf(a[0]);
   if (number.kind == Value::Kind::kInteger && digits >= 0) return number;
   if (digits > 15 || digits < -18) return digits > 0 ? number : IntegerValue(0);
+  if (number.kind == Value::Kind::kInteger) {
+    return IntegerValue(number.integer - number.integer % PowerOfTen(-digits));
+  }
   const double scale = std::pow(10.0, static_cast<double>(std::llabs(digits)));
   const double real = RealOf(number);
   if (digits < 0) return Tidy(std::trunc(real / scale) * scale);
   // 1.15 * 100 is 114.99999999999999: the digits count, not the nearest double of the product.
   const double product = real * scale;
+  if (std::fabs(product) >= kAllDigitsCount) return number;
   const double nearest = std::round(product);
   const bool is_whole = std::fabs(product - nearest) <= std::fabs(product) * 1e-15;
   return Tidy((is_whole ? nearest : std::trunc(product)) / scale);
@@ -150,8 +191,18 @@ Value Round(Arguments a, void*) {
   const Value number = NumberOf(a[0]);
   if ((number.kind == Value::Kind::kInteger && digits >= 0) || digits > 15) return number;
   if (digits < -18) return IntegerValue(0);
+  if (number.kind == Value::Kind::kInteger) {
+    const std::int64_t unit = PowerOfTen(-digits);
+    const std::int64_t rest = number.integer % unit;
+    std::int64_t rounded = number.integer - rest;
+    const bool goes_away = std::llabs(rest) >= unit / 2;
+    const std::int64_t step = goes_away ? (rest < 0 ? -unit : unit) : 0;
+    if (!__builtin_add_overflow(rounded, step, &rounded)) return IntegerValue(rounded);
+    return RealValue(static_cast<double>(number.integer - rest) + static_cast<double>(step));
+  }
   const double scale = std::pow(10.0, static_cast<double>(std::llabs(digits)));
   const double product = digits < 0 ? RealOf(number) / scale : RealOf(number) * scale;
+  if (std::fabs(product) >= kAllDigitsCount) return number;
   // 2.675 * 100 is 267.49999999999997: the digits count.
   const double rounded = std::round(product * (1.0 + 1e-15));
   return Tidy(digits < 0 ? rounded * scale : rounded / scale);
@@ -227,7 +278,24 @@ Value Divide(Arguments a, void*) {
   return Tidy(RealOf(dividend) / RealOf(divisor));
 }
 
-Value Concatenate(Arguments a, void*) { return TextValue(TextOf(a[0]) + TextOf(a[1])); }
+Value Concatenate(Arguments a, void*) {
+  std::string text;
+  for (const Value& part : a) {
+    text += TextOf(part);
+    RequireLength(text.size());
+  }
+  return TextValue(text);
+}
+
+template <Value (*kStep)(Arguments, void*)>
+Value Chain(Arguments a, void*) {
+  Value total = a[0];
+  for (std::size_t i = 1; i < a.size(); ++i) {
+    const Value operands[] = {std::move(total), a[i]};
+    total = kStep(Arguments(operands), nullptr);
+  }
+  return total;
+}
 
 constexpr SqlFunction kFunctions[] = {
     {"TO_DATE", 1, 2, true, ToDate},
@@ -238,10 +306,10 @@ constexpr SqlFunction kFunctions[] = {
     {"LAST_DAY", 1, 1, true, LastDayOf},
     {"MONTHS_BETWEEN", 2, 2, true, MonthsBetweenDates},
     {"SABREL_SYSDATE", 0, 0, false, SystemDate},
-    {"SABREL_ADD", 2, 2, true, Add},
-    {"SABREL_SUB", 2, 2, true, Subtract},
+    {"SABREL_ADD", 2, -1, true, Chain<Add>},
+    {"SABREL_SUB", 2, -1, true, Chain<Subtract>},
     {"SABREL_DIV", 2, 2, true, Divide},
-    {"SABREL_CONCAT", 2, 2, true, Concatenate},
+    {"SABREL_CONCAT", 2, -1, true, Concatenate},
     {"CONCAT", 2, 2, true, Concatenate},
 };
 

@@ -1,8 +1,10 @@
 // CREATE and DROP of sequences, routines and tables.
 #include <utility>
 
+#include "adapters/shared/dialect/token.h"
 #include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
+#include "adapters/sqlite/rounding.h"
 #include "adapters/sqlite/server.h"
 #include "sabrel/platform/utf8.h"
 
@@ -10,6 +12,8 @@ namespace sabrel::sqlite {
 namespace {
 
 using dialect::ColumnDefinition;
+using dialect::Token;
+using dialect::Word;
 
 bool IsOneOf(std::string_view type, std::initializer_list<std::string_view> names) {
   for (const std::string_view name : names) {
@@ -28,7 +32,8 @@ std::string ChecksOf(const ColumnDefinition& column) {
   const std::string name = QuotedName(column.name);
   const std::string label = UpperCase(column.name);
   if (IsOneOf(column.type, {"VARCHAR2", "VARCHAR", "CHAR", "NVARCHAR2", "NCHAR", "CLOB", "LONG"})) {
-    std::string checks = Check(kTextCheck, label, "typeof(" + name + ") IN ('text', 'null')");
+    std::string checks =
+        Check(kTextCheck, label, "typeof(" + name + ") IN ('text', 'null') AND " + name + " <> ''");
     if (column.width) {
       const std::string width = std::to_string(*column.width);
       checks += Check(kWidthCheck, label + " (maximum: " + width + ")",
@@ -39,16 +44,19 @@ std::string ChecksOf(const ColumnDefinition& column) {
   if (IsOneOf(column.type, {"NUMBER", "INTEGER", "INT", "SMALLINT", "DECIMAL", "NUMERIC", "FLOAT",
                             "REAL", "DOUBLE PRECISION", "BINARY_DOUBLE", "BINARY_FLOAT"})) {
     std::string checks =
+        Check(kNoDateCheck, label, "typeof(" + name + ") <> 'blob'") +
         Check(kNumberCheck, label, "typeof(" + name + ") IN ('integer', 'real', 'null')");
     const bool has_precision = IsOneOf(column.type, {"NUMBER", "DECIMAL", "NUMERIC"});
     if (has_precision && column.width) {
-      const std::int64_t digits = *column.width - column.scale.value_or(0);
+      // What is written is rounded behind this check.
+      const std::int64_t scale = column.scale.value_or(0);
       checks += Check(kPrecisionCheck, label,
-                      "abs(" + name + ") < 1e" + std::to_string(digits > 0 ? digits : 0));
+                      "abs(round(" + name + "," + std::to_string(scale) + ")) < 1e" +
+                          std::to_string(*column.width - scale));
     }
     return checks;
   }
-  if (column.type == "DATE") {
+  if (IsOneOf(column.type, {"DATE", "TIMESTAMP"})) {
     return Check(
         kDateCheck, label,
         name + " IS NULL OR (typeof(" + name + ") = 'blob' AND length(" + name + ") = 19)");
@@ -56,13 +64,24 @@ std::string ChecksOf(const ColumnDefinition& column) {
   return {};
 }
 
+/// The engine makes numbers of texts in a column whose type it does not know.
+std::string WithLongAsText(const std::string& definition, std::string_view column) {
+  bool is_type = false;
+  for (const Token& token : dialect::Tokenize(definition)) {
+    if (is_type) return std::string(definition).insert(token.end, " TEXT");
+    is_type = dialect::ValueOfName(definition, token) == UpperCase(column);
+  }
+  return definition;
+}
+
 /// `statement` with the checks of its columns.
 std::string WithChecks(std::string_view statement) {
   std::string checked;
   std::size_t copied = 0;
   for (const ColumnDefinition& column : dialect::ParseCreateTable(statement)) {
-    checked.append(statement, copied, column.end - copied);
-    checked += ChecksOf(column);
+    std::string definition(statement.substr(copied, column.end - copied));
+    if (column.type == "LONG") definition = WithLongAsText(definition, column.name);
+    checked += definition + ChecksOf(column);
     copied = column.end;
   }
   checked.append(statement, copied);
@@ -77,9 +96,39 @@ std::string CreatedTable(Connection& engine) {
   return last.Column(0).text;
 }
 
+/// Refuses references to what is no table.
+void RequireParents(Connection& engine, std::string_view table) {
+  Statement missing = engine.Prepare(
+      "SELECT k.\"table\" FROM pragma_foreign_key_list(?1) k WHERE NOT EXISTS (SELECT 1 FROM"
+      " sqlite_schema r WHERE r.type = 'table' AND UPPER(r.name) = UPPER(k.\"table\"))");
+  missing.Bind(1, table);
+  if (!missing.Step()) return;
+  throw ServerFailure(942, "table or view does not exist: " + missing.Column(0).text);
+}
+
+/// Tables, views, sequences and routines share their names. `besides` are kinds that may have it.
+void RequireFreeName(Connection& engine, std::string_view name, const std::string& besides = "") {
+  Statement known = engine.Prepare(
+      "SELECT 1 FROM user_objects WHERE OBJECT_NAME = ?1"
+      " AND OBJECT_TYPE NOT IN ('INDEX', 'TRIGGER'" +
+      besides + ")");
+  known.Bind(1, name);
+  if (!known.Step()) return;
+  throw ServerFailure(955, "name is already used by an existing object: " + std::string(name));
+}
+
+/// What CREATE TABLE names, without its owner.
+std::string CreatedName(std::string_view statement) {
+  const std::vector<Token> tokens = dialect::Tokenize(statement);
+  std::size_t name = 2;
+  while (name + 2 < tokens.size() && tokens[name + 1].symbol == '.') name += 2;
+  return name < tokens.size() ? dialect::ValueOfName(statement, tokens[name]) : std::string();
+}
+
 void CreateTable(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
   static_cast<void>(server.Compile(statement));
+  RequireFreeName(engine, CreatedName(statement));
   const std::string text = server.CompileOwn(WithChecks(statement)).text;
   engine.Run(text.c_str());
   const std::string table = CreatedTable(engine);
@@ -90,42 +139,90 @@ void CreateTable(Server& server, std::string_view statement) {
     count.Step();
     key_columns = count.Column(0).integer;
   }
-  if (key_columns == 0) return;
-  // With its row ids the engine would take nulls in a primary key, or make up a number for one.
-  engine.Run(("DROP TABLE " + QuotedName(table)).c_str());
-  engine.Run((text + "\nWITHOUT ROWID").c_str());
+  if (key_columns > 0) {
+    // With its row ids the engine would take nulls in a primary key, or make up a number for one.
+    engine.Run(("DROP TABLE " + QuotedName(table)).c_str());
+    engine.Run((text + "\nWITHOUT ROWID").c_str());
+  }
+  RequireParents(engine, table);
+  AddRounding(engine, table);
+}
+
+bool IsWord(std::string_view text, const Token& token, std::string_view word) {
+  return token.kind == dialect::TokenKind::kWord &&
+         EqualIgnoringCase(dialect::TextOf(text, token), word);
 }
 
 /// `text` with the checks of the column that an ALTER TABLE adds.
 std::string WithColumnChecks(const std::string& text) {
-  constexpr std::string_view kAdd = " ADD ";
-  if (!EqualIgnoringCase(text.substr(0, 6), "ALTER ")) return text;
-  for (std::size_t at = 0; at + kAdd.size() < text.size(); ++at) {
-    if (!EqualIgnoringCase(std::string_view(text).substr(at, kAdd.size()), kAdd)) continue;
-    std::string column = text.substr(at + kAdd.size());
-    if (EqualIgnoringCase(column.substr(0, 7), "COLUMN ")) column.erase(0, 7);
-    const auto columns = dialect::ParseCreateTable("CREATE TABLE T (" + column + ")");
-    return columns.size() == 1 ? text + ChecksOf(columns.front()) : text;
-  }
-  return text;
+  const std::vector<Token> tokens = dialect::Tokenize(text);
+  // ALTER TABLE name ADD
+  std::size_t add = 3;
+  while (add + 1 < tokens.size() && tokens[add].symbol == '.') add += 2;
+  if (add + 1 >= tokens.size() || !IsWord(text, tokens[add], "ADD")) return text;
+  if (IsWord(text, tokens[add + 1], "COLUMN")) ++add;
+  const std::string head = text.substr(0, tokens[add].end);
+  std::string table = "CREATE TABLE T (" + text.substr(tokens[add].end) + ")";
+  if (dialect::ParseCreateTable(table).size() != 1) return text;
+  table = WithChecks(table);
+  const std::size_t open = table.find('(') + 1;
+  return head + " " + table.substr(open, table.size() - open - 1);
 }
 
 /// Refuses to take away what every site has.
 void RequireOwnObject(std::string_view statement) {
-  if (!EqualIgnoringCase(statement.substr(0, 5), "DROP ")) return;
-  if (IsOneOf(dialect::DroppedName(statement),
+  const std::string name = dialect::DroppedName(statement);
+  const std::size_t dot = name.rfind('.');
+  if (IsOneOf(dot == std::string::npos ? name : name.substr(dot + 1),
               {"DUAL", "USER_TABLES", "USER_TAB_COLUMNS", "USER_ARGUMENTS", "USER_OBJECTS",
                "USER_SEQUENCES"})) {
     throw ServerFailure(1031, "insufficient privileges: the dictionary belongs to the server");
   }
+  if (dot != std::string::npos) throw ServerFailure(942, "table or view does not exist: " + name);
+}
+
+/// Refuses to take a table away from under those that refer to it.
+void RequireUnreferenced(Connection& engine, std::string_view table) {
+  Statement child = engine.Prepare(
+      "SELECT r.name FROM sqlite_schema r JOIN pragma_foreign_key_list(r.name) k"
+      " WHERE r.type = 'table' AND UPPER(k.\"table\") = ?1 AND UPPER(r.name) <> ?1");
+  child.Bind(1, table);
+  if (!child.Step()) return;
+  throw ServerFailure(
+      2449, "unique/primary keys in table referenced by foreign keys of " + child.Column(0).text);
+}
+
+void DefineOther(Server& server, std::string_view statement) {
+  Connection& engine = server.Engine();
+  const std::vector<Token> tokens = dialect::Tokenize(statement);
+  const auto is = [&](std::size_t i, std::string_view word) {
+    return i < tokens.size() && IsWord(statement, tokens[i], word);
+  };
+  const auto name = [&](std::size_t i) {
+    return i < tokens.size() ? dialect::ValueOfName(statement, tokens[i]) : std::string();
+  };
+  if (is(0, "DROP")) RequireOwnObject(statement);
+  std::string text = server.Compile(statement).text;
+  if (is(0, "DROP") && is(1, "TABLE") && !is(3, "CASCADE")) RequireUnreferenced(engine, name(2));
+  if (is(0, "CREATE") && is(1, "VIEW")) RequireFreeName(engine, name(2));
+  const bool alters = is(0, "ALTER") && is(1, "TABLE");
+  if (alters) {
+    text = WithColumnChecks(text);
+    DropRounding(engine, name(2));
+  }
+  {
+    Statement define = engine.Prepare(text);
+    while (define.Step()) {
+    }
+  }
+  if (!alters) return;
+  const std::string table = is(3, "RENAME") && is(4, "TO") ? name(5) : name(2);
+  RequireParents(engine, table);
+  AddRounding(engine, table);
 }
 
 void CreateSequence(Connection& engine, const dialect::SequenceDefinition& sequence) {
-  Statement known = engine.Prepare("SELECT 1 FROM user_objects WHERE OBJECT_NAME = ?1");
-  known.Bind(1, std::string_view(sequence.name));
-  if (known.Step()) {
-    throw ServerFailure(955, "name is already used by an existing object: " + sequence.name);
-  }
+  RequireFreeName(engine, sequence.name);
   if (sequence.increment == 0) throw ServerFailure(4002, "INCREMENT must be a non-zero integer");
   Statement insert =
       engine.Prepare("INSERT INTO sabrel_sequence VALUES (?1, ?2, ?3)", Verb::kInsert);
@@ -147,9 +244,13 @@ void DropSequence(Connection& engine, const std::string& name) {
 
 void Server::Define(dialect::StatementKind kind, std::string_view statement) {
   switch (kind) {
-    case dialect::StatementKind::kCreateRoutine:
-      routines_.Create(dialect::ParseCreateRoutine(statement));
+    case dialect::StatementKind::kCreateRoutine: {
+      const dialect::RoutineDefinition routine = dialect::ParseCreateRoutine(statement);
+      if (routine.package.empty())
+        RequireFreeName(connection_, routine.name, ", 'FUNCTION', 'PROCEDURE'");
+      routines_.Create(routine);
       return;
+    }
     case dialect::StatementKind::kDropRoutine:
       routines_.Drop(dialect::DroppedName(statement));
       return;
@@ -163,13 +264,7 @@ void Server::Define(dialect::StatementKind kind, std::string_view statement) {
       return;
     }
     case dialect::StatementKind::kCreateTable: CreateTable(*this, statement); return;
-    case dialect::StatementKind::kOtherDefinition: {
-      RequireOwnObject(statement);
-      Statement define = connection_.Prepare(WithColumnChecks(Compile(statement).text));
-      while (define.Step()) {
-      }
-      return;
-    }
+    case dialect::StatementKind::kOtherDefinition: DefineOther(*this, statement); return;
     default: throw ServerFailure(900, "invalid SQL statement");
   }
 }

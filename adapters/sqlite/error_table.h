@@ -34,6 +34,7 @@ struct NativeError {
 inline constexpr std::string_view kWidthCheck = "sabrel width ";
 inline constexpr std::string_view kTextCheck = "sabrel text ";
 inline constexpr std::string_view kNumberCheck = "sabrel number ";
+inline constexpr std::string_view kNoDateCheck = "sabrel nodate ";
 inline constexpr std::string_view kPrecisionCheck = "sabrel precision ";
 inline constexpr std::string_view kDateCheck = "sabrel date ";
 

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
+#include "adapters/sqlite/dialect_support.h"
 #include "adapters/sqlite/failure.h"
 #include "sabrel/platform/utf8.h"
 
@@ -17,6 +19,8 @@ struct Binding {
   Connection* connection;
   void* context;
 };
+
+}  // namespace
 
 Value ArgumentOf(sqlite3_value* value) {
   const auto bytes = [value](const void* start) {
@@ -51,6 +55,8 @@ void Answer(sqlite3_context* context, const Value& value) {
   }
 }
 
+namespace {
+
 void Run(sqlite3_context* context, int count, sqlite3_value** values) {
   const auto& binding = *static_cast<Binding*>(sqlite3_user_data(context));
   // No exception may pass through the engine: it waits with the connection, which throws it again.
@@ -71,13 +77,25 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
 Value Nvl(Arguments a, void*) { return a[0].IsNull() ? a[1] : a[0]; }
 Value Nvl2(Arguments a, void*) { return a[0].IsNull() ? a[2] : a[1]; }
 
+bool IsNumber(const Value& value) {
+  return value.kind == Value::Kind::kInteger || value.kind == Value::Kind::kReal;
+}
+
+/// -1, 0 or 1 as the number `a` is below, equal to or above `b`.
+int OrderOfNumbers(const Value& a, const Value& b) {
+  const Value x = NumberOf(a);
+  const Value y = NumberOf(b);
+  if (x.kind == Value::Kind::kInteger && y.kind == Value::Kind::kInteger) {
+    return x.integer < y.integer ? -1 : (x.integer > y.integer ? 1 : 0);
+  }
+  const double left = RealOf(x);
+  const double right = RealOf(y);
+  return left < right ? -1 : (left > right ? 1 : 0);
+}
+
 bool SameValue(const Value& a, const Value& b) {
   if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
-  const auto is_number = [](const Value& v) {
-    return v.kind == Value::Kind::kInteger || v.kind == Value::Kind::kReal;
-  };
-  if (is_number(a) || is_number(b)) return RealOf(a) == RealOf(b);
-  return a.text == b.text;
+  return IsNumber(a) || IsNumber(b) ? OrderOfNumbers(a, b) == 0 : a.text == b.text;
 }
 
 Value Decode(Arguments a, void*) {
@@ -105,6 +123,26 @@ Value Substr(Arguments a, void*) {
   return TextValue(rest.substr(0, ByteLengthOf(rest, static_cast<std::size_t>(length))));
 }
 
+/// Offsets of `part` in `text`, overlapping ones too. Cost: linear, whatever the texts
+std::vector<std::size_t> OffsetsOf(std::string_view part, std::string_view text) {
+  // How much of `part` still fits where its character behind `i` others does not.
+  std::vector<std::size_t> fallback(part.size(), 0);
+  for (std::size_t i = 1, fits = 0; i < part.size(); ++i) {
+    while (fits > 0 && part[i] != part[fits]) fits = fallback[fits - 1];
+    if (part[i] == part[fits]) ++fits;
+    fallback[i] = fits;
+  }
+  std::vector<std::size_t> offsets;
+  for (std::size_t i = 0, fits = 0; i < text.size(); ++i) {
+    while (fits > 0 && text[i] != part[fits]) fits = fallback[fits - 1];
+    if (text[i] == part[fits]) ++fits;
+    if (fits < part.size()) continue;
+    offsets.push_back(i + 1 - fits);
+    fits = fallback[fits - 1];
+  }
+  return offsets;
+}
+
 /// INSTR(text, part[, start[, occurrence]]); a negative start searches backwards from the end.
 Value Instr(Arguments a, void*) {
   if (std::any_of(a.begin(), a.end(), [](const Value& v) { return v.IsNull(); })) return {};
@@ -112,23 +150,61 @@ Value Instr(Arguments a, void*) {
   const std::string part = TextOf(a[1]);
   const auto characters = static_cast<std::int64_t>(CharacterCount(text));
   const std::int64_t start = a.size() > 2 ? WholeOf(a[2]) : 1;
-  std::int64_t occurrence = a.size() > 3 ? WholeOf(a[3]) : 1;
+  const std::int64_t occurrence = a.size() > 3 ? WholeOf(a[3]) : 1;
   if (occurrence < 1) throw ServerFailure(1428, "argument is out of range");
-  if (start == 0) return IntegerValue(0);
-  const std::int64_t step = start > 0 ? 1 : -1;
-  std::int64_t position = start > 0 ? start : characters + 1 + start;
-  for (; position >= 1 && position <= characters; position += step) {
-    const std::size_t offset = ByteLengthOf(text, static_cast<std::size_t>(position - 1));
-    if (text.compare(offset, part.size(), part) == 0 && --occurrence == 0) {
-      return IntegerValue(position);
-    }
-  }
-  return IntegerValue(0);
+  if (start == 0 || start > characters || start < -characters) return IntegerValue(0);
+  const std::vector<std::size_t> offsets = OffsetsOf(part, text);
+  const std::int64_t first = start > 0 ? start - 1 : characters + start;
+  const std::size_t from = ByteLengthOf(text, static_cast<std::size_t>(first));
+  const auto bound = start > 0 ? std::lower_bound(offsets.begin(), offsets.end(), from)
+                               : std::upper_bound(offsets.begin(), offsets.end(), from);
+  const std::int64_t there = start > 0 ? offsets.end() - bound : bound - offsets.begin();
+  if (occurrence > there) return IntegerValue(0);
+  const std::size_t found = start > 0 ? bound[occurrence - 1] : bound[-occurrence];
+  return IntegerValue(
+      static_cast<std::int64_t>(CharacterCount(std::string_view(text).substr(0, found))) + 1);
 }
 
 Value Replace(Arguments a, void*) {
-  return TextValue(ReplaceAll(TextOf(a[0]), TextOf(a[1]), a.size() > 2 ? TextOf(a[2]) : ""));
+  const std::string text = TextOf(a[0]);
+  const std::string from = TextOf(a[1]);
+  const std::string to = a.size() > 2 ? TextOf(a[2]) : "";
+  if (from.empty()) return TextValue(text);
+  std::string replaced;
+  std::size_t copied = 0;
+  for (const std::size_t found : OffsetsOf(from, text)) {
+    if (found < copied) continue;
+    replaced.append(text, copied, found - copied).append(to);
+    copied = found + from.size();
+    RequireLength(replaced.size());
+  }
+  return TextValue(replaced.append(text, copied));
 }
+
+/// Characters of `set` are taken off the sides of the text that `at_left` and `at_right` name.
+Value Trimmed(Arguments a, bool at_left, bool at_right) {
+  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  const std::string text = TextOf(a[0]);
+  const std::string set = a.size() > 1 ? TextOf(a[1]) : " ";
+  std::string_view rest(text);
+  const auto is_in_set = [&set](std::string_view character) {
+    return set.find(character) != std::string::npos;
+  };
+  while (at_left && !rest.empty() && is_in_set(rest.substr(0, FirstCharacterLength(rest)))) {
+    rest.remove_prefix(FirstCharacterLength(rest));
+  }
+  while (at_right && !rest.empty()) {
+    std::size_t last = rest.size() - 1;
+    while (last > 0 && (static_cast<unsigned char>(rest[last]) & 0xC0U) == 0x80U) --last;
+    if (!is_in_set(rest.substr(last))) break;
+    rest.remove_suffix(rest.size() - last);
+  }
+  return TextValue(rest);
+}
+
+Value Trim(Arguments a, void*) { return Trimmed(a, true, true); }
+Value LeftTrim(Arguments a, void*) { return Trimmed(a, true, false); }
+Value RightTrim(Arguments a, void*) { return Trimmed(a, false, true); }
 
 Value Pad(Arguments a, bool at_left) {
   if (a[0].IsNull() || a[1].IsNull() || (a.size() > 2 && a[2].IsNull())) return {};
@@ -152,12 +228,48 @@ Value RightPad(Arguments a, void*) { return Pad(a, false); }
 
 Value Mod(Arguments a, void*) {
   if (a[0].IsNull() || a[1].IsNull()) return {};
-  const double divisor = RealOf(a[1]);
-  return divisor == 0.0 ? NumberOf(a[0]) : Tidy(std::fmod(RealOf(a[0]), divisor));
+  const Value number = NumberOf(a[0]);
+  const Value divisor = NumberOf(a[1]);
+  if (RealOf(divisor) == 0.0) return number;
+  if (number.kind == Value::Kind::kInteger && divisor.kind == Value::Kind::kInteger) {
+    // The smallest whole number by -1 has no quotient.
+    return IntegerValue(divisor.integer == -1 ? 0 : number.integer % divisor.integer);
+  }
+  return Tidy(std::fmod(RealOf(number), RealOf(divisor)));
 }
 
-Value Ceil(Arguments a, void*) { return a[0].IsNull() ? Value{} : Tidy(std::ceil(RealOf(a[0]))); }
-Value Floor(Arguments a, void*) { return a[0].IsNull() ? Value{} : Tidy(std::floor(RealOf(a[0]))); }
+Value Abs(Arguments a, void*) {
+  if (a[0].IsNull()) return {};
+  const Value number = NumberOf(a[0]);
+  const bool fits = number.integer != std::numeric_limits<std::int64_t>::min();
+  if (number.kind == Value::Kind::kInteger && fits) {
+    return IntegerValue(number.integer < 0 ? -number.integer : number.integer);
+  }
+  return RealValue(std::fabs(RealOf(number)));
+}
+
+Value Sqrt(Arguments a, void*) {
+  if (a[0].IsNull()) return {};
+  const double number = RealOf(a[0]);
+  if (number < 0) throw ServerFailure(1428, "argument is out of range");
+  return Tidy(std::sqrt(number));
+}
+
+Value Ln(Arguments a, void*) {
+  if (a[0].IsNull()) return {};
+  const double number = RealOf(a[0]);
+  if (!(number > 0)) throw ServerFailure(1428, "argument is out of range");
+  return Tidy(std::log(number));
+}
+
+/// `number` by `round`, a whole one as it is.
+Value Whole(const Value& number, double (*round)(double)) {
+  const Value read = NumberOf(number);
+  return read.kind == Value::Kind::kReal ? Tidy(round(read.real)) : read;
+}
+
+Value Ceil(Arguments a, void*) { return Whole(a[0], std::ceil); }
+Value Floor(Arguments a, void*) { return Whole(a[0], std::floor); }
 Value Power(Arguments a, void*) {
   if (a[0].IsNull() || a[1].IsNull()) return {};
   return Tidy(std::pow(RealOf(a[0]), RealOf(a[1])));
@@ -165,11 +277,7 @@ Value Power(Arguments a, void*) {
 
 /// -1, 0 or 1 as `a` sorts before, with or behind `b`, which decides by its own kind.
 int Order(const Value& a, const Value& b) {
-  if (b.kind == Value::Kind::kInteger || b.kind == Value::Kind::kReal) {
-    const double x = RealOf(a);
-    const double y = RealOf(b);
-    return x < y ? -1 : (x > y ? 1 : 0);
-  }
+  if (IsNumber(b)) return OrderOfNumbers(a, b);
   return TextOf(a).compare(TextOf(b));
 }
 
@@ -222,7 +330,13 @@ constexpr SqlFunction kFunctions[] = {
     {"REPLACE", 2, 3, true, Replace},
     {"LPAD", 2, 3, true, LeftPad},
     {"RPAD", 2, 3, true, RightPad},
+    {"TRIM", 1, 2, true, Trim},
+    {"LTRIM", 1, 2, true, LeftTrim},
+    {"RTRIM", 1, 2, true, RightTrim},
     {"MOD", 2, 2, true, Mod},
+    {"ABS", 1, 1, true, Abs},
+    {"SQRT", 1, 1, true, Sqrt},
+    {"LN", 1, 1, true, Ln},
     {"CEIL", 1, 1, true, Ceil},
     {"FLOOR", 1, 1, true, Floor},
     {"POWER", 2, 2, true, Power},
@@ -235,6 +349,12 @@ constexpr SqlFunction kFunctions[] = {
 };
 
 }  // namespace
+
+void RequireLength(std::size_t bytes) {
+  if (bytes > Connection::kLongestText) {
+    throw ServerFailure(1489, "result of string concatenation is too long");
+  }
+}
 
 std::string TextOf(const Value& value) {
   switch (value.kind) {
@@ -292,6 +412,8 @@ void Register(Connection& connection, const SqlFunction& function, void* context
 
 void RegisterFunctions(Connection& connection) {
   for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);
+  RegisterAggregates(connection);
+  RegisterDialectSupport(connection);
 }
 
 }  // namespace sabrel::sqlite

@@ -7,6 +7,9 @@
 #include "adapters/sqlite/connection.h"
 #include "adapters/sqlite/value.h"
 
+struct sqlite3_context;
+struct sqlite3_value;
+
 namespace sabrel::sqlite {
 
 using Arguments = std::span<const Value>;
@@ -29,6 +32,16 @@ void Register(Connection& connection, const SqlFunction& function, void* context
 void RegisterFunctions(Connection& connection);
 void RegisterDateFunctions(Connection& connection);
 
+/// SUM and AVG, which refuse what is no number.
+void RegisterAggregates(Connection& connection);
+
+/// A function's argument and result on their way from and to the engine. Errors (ServerFailure):
+/// 932 for bytes that are no date
+[[nodiscard]] Value ArgumentOf(sqlite3_value* value);
+void Answer(sqlite3_context* context, const Value& value);
+
+/// Throws ServerFailure 1489 for a text that no value holds.
+void RequireLength(std::size_t bytes);
 /// A value as text, as a function takes it. Null is "".
 [[nodiscard]] std::string TextOf(const Value& value);
 /// A value as a number. Errors (ServerFailure): 1722

@@ -184,6 +184,9 @@ RoutineResult Routines::Run(const Routine& routine, std::vector<Value> arguments
   if (depth_ >= kDeepestCall) {
     throw ServerFailure(36, "maximum number of recursive SQL levels (50) exceeded");
   }
+  if (routine.writes && !server_->Engine().MayWrite()) {
+    throw ServerFailure(14551, "cannot perform a DML operation inside a query: " + routine.name);
+  }
   const DepthGuard guard(depth_);
   std::unordered_map<std::string, Value> variables;
   for (std::size_t i = 0; i < routine.arguments.size(); ++i) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "adapters/shared/dialect/token.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/functions.h"
 #include "adapters/sqlite/result_names.h"
@@ -22,15 +23,31 @@ bool IsDefinition(StatementKind kind) {
          kind == StatementKind::kCreateTable || kind == StatementKind::kOtherDefinition;
 }
 
-/// Whether `statement` names what belongs to this server: its own tables and functions all begin
+/// Whether `name` belongs to this server or to the engine: their tables and functions all begin
 /// alike.
-bool NamesOwnTable(std::string_view statement) {
-  constexpr std::string_view kPrefix = "sabrel_";
-  if (!ContainsIgnoringCase(statement, kPrefix)) return false;
-  bool in_text = false;
-  for (std::size_t i = 0; i < statement.size(); ++i) {
-    if (statement[i] == '\'') in_text = !in_text;
-    if (!in_text && EqualIgnoringCase(statement.substr(i, kPrefix.size()), kPrefix)) return true;
+bool IsOwnName(std::string_view name) {
+  constexpr std::size_t kPrefixLength = 7;
+  const std::string_view prefix = name.substr(0, kPrefixLength);
+  return EqualIgnoringCase(prefix, "sabrel_") || EqualIgnoringCase(prefix, "sqlite_");
+}
+
+/// Whether `sql` reads anything but DUAL.
+bool ReadsTables(std::string_view sql) {
+  using dialect::Word;
+  const std::vector<dialect::Token> tokens = dialect::Tokenize(sql);
+  const auto ahead = [&](std::size_t i) { return tokens[std::min(i, tokens.size() - 1)]; };
+  const auto is_symbol = [](const dialect::Token& token, char symbol) {
+    return token.kind == dialect::TokenKind::kSymbol && token.symbol == symbol;
+  };
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    if (tokens[i].word == Word::kJoin) return true;
+    if (tokens[i].word != Word::kFrom) continue;
+    const dialect::Token& source = ahead(i + 1);
+    const Word inner = ahead(i + 2).word;
+    if (is_symbol(source, '(') && (inner == Word::kSelect || inner == Word::kWith)) continue;
+    if (!EqualIgnoringCase(dialect::TextOf(sql, source), "DUAL")) return true;
+    const std::size_t behind = is_symbol(ahead(i + 2), ')') ? i + 2 : i + 3;
+    if (is_symbol(ahead(i + 2), ',') || is_symbol(ahead(behind), ',')) return true;
   }
   return false;
 }
@@ -70,6 +87,19 @@ std::string QuotedName(std::string_view name) {
   return "\"" + ReplaceAll(name, "\"", "\"\"") + "\"";
 }
 
+void RefuseOwnNames(std::string_view statement) {
+  if (!ContainsIgnoringCase(statement, "sabrel_") && !ContainsIgnoringCase(statement, "sqlite_")) {
+    return;
+  }
+  for (const dialect::Token& token : dialect::Tokenize(statement)) {
+    const bool is_name =
+        token.kind == dialect::TokenKind::kWord || token.kind == dialect::TokenKind::kQuotedName;
+    if (is_name && IsOwnName(dialect::ValueOfName(statement, token))) {
+      throw ServerFailure(942, "table or view does not exist");
+    }
+  }
+}
+
 std::optional<dialect::Engine::RoutineFacts> SqliteDialect::FindRoutine(
     std::string_view name) const {
   const auto routine = routines_->Find(name);
@@ -78,9 +108,9 @@ std::optional<dialect::Engine::RoutineFacts> SqliteDialect::FindRoutine(
 }
 
 bool SqliteDialect::IsReservedWord(std::string_view word) const {
-  static constexpr std::array<std::string_view, 10> kWords = {
-      "AUTOINCREMENT", "COMMIT",  "DEFERRABLE", "ISNULL",      "LIMIT",
-      "NOTHING",       "NOTNULL", "RETURNING",  "TRANSACTION", "INDEXED"};
+  static constexpr std::array<std::string_view, 14> kWords = {
+      "AUTOINCREMENT", "COLLATE", "COMMIT",  "DEFERRABLE", "FOREIGN",   "INDEXED",     "ISNULL",
+      "LIMIT",         "NOTHING", "NOTNULL", "REFERENCES", "RETURNING", "TRANSACTION", "USING"};
   return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
 }
 
@@ -109,7 +139,7 @@ Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
 }
 
 dialect::Rewritten Server::Compile(std::string_view statement) const {
-  if (NamesOwnTable(statement)) throw ServerFailure(942, "table or view does not exist");
+  RefuseOwnNames(statement);
   return CompileOwn(statement);
 }
 
@@ -118,11 +148,28 @@ dialect::Rewritten Server::CompileOwn(std::string_view statement) const {
 }
 
 Statement Server::Prepare(const dialect::Rewritten& rewritten) {
+  RefuseWritingQuery(rewritten);
   Statement statement = connection_.Prepare(rewritten.text, VerbOf(rewritten.kind));
   for (std::size_t i = 0; i < rewritten.constants.size(); ++i) {
     statement.Bind(static_cast<int>(i + 1), ValueOf(rewritten.constants[i]));
   }
   return statement;
+}
+
+void Server::RefuseWritingQuery(const dialect::Rewritten& rewritten) {
+  constexpr std::string_view kOpening = "sabrel_call('";
+  const bool is_query =
+      rewritten.kind == StatementKind::kSelect || rewritten.kind == StatementKind::kInsert;
+  if (!rewritten.writes || !is_query) return;
+  const std::string& sql = rewritten.text;
+  for (std::size_t at = sql.find(kOpening); at != std::string::npos;
+       at = sql.find(kOpening, at + 1)) {
+    const std::size_t start = at + kOpening.size();
+    const auto routine = routines_.Find(sql.substr(start, sql.find('\'', start) - start));
+    if (routine && routine->writes && ReadsTables(sql)) {
+      throw ServerFailure(14551, "cannot perform a DML operation inside a query");
+    }
+  }
 }
 
 void Server::Execute(std::string_view statement) {
@@ -196,6 +243,7 @@ QueryResult Server::Query(std::string_view statement) {
 }
 
 void Server::Write(const RowSet& rows) {
+  if (IsOwnName(rows.table)) throw ServerFailure(942, "table or view does not exist");
   std::string sql = "INSERT INTO " + QuotedName(rows.table) + " (";
   std::string places;
   for (std::size_t i = 0; i < rows.columns.size(); ++i) {
@@ -224,13 +272,20 @@ void Server::Write(const RowSet& rows) {
 }
 
 std::int64_t Server::NextValue(const std::string& sequence) {
+  if (!connection_.MayWrite()) throw ServerFailure(2287, "sequence number not allowed here");
+  Statement next = connection_.Prepare("SELECT next_value FROM sabrel_sequence WHERE name = ?1");
+  next.Bind(1, std::string_view(sequence));
+  if (!next.Step()) throw ServerFailure(2289, "sequence does not exist: " + sequence);
+  // The engine makes a real of a whole number that overflows.
+  if (next.Column(0).kind != Value::Kind::kInteger) {
+    throw ServerFailure(8004, "sequence " + sequence + ".NEXTVAL exceeds its last value");
+  }
+  const std::int64_t value = next.Column(0).integer;
+  next.Reset();
   Statement draw = connection_.Prepare(
-      "UPDATE sabrel_sequence SET next_value = next_value + increment_by WHERE name = ?1"
-      " RETURNING next_value - increment_by",
+      "UPDATE sabrel_sequence SET next_value = next_value + increment_by WHERE name = ?1",
       Verb::kUpdate);
   draw.Bind(1, std::string_view(sequence));
-  if (!draw.Step()) throw ServerFailure(2289, "sequence does not exist: " + sequence);
-  const std::int64_t value = draw.Column(0).integer;
   draw.Step();
   session_->current_values[sequence] = value;
   return value;

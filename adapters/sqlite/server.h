@@ -49,6 +49,8 @@ class SqliteDialect final : public dialect::Engine {
   [[nodiscard]] std::string_view SubtractFunction() const override { return "sabrel_sub"; }
   [[nodiscard]] std::string_view DivideFunction() const override { return "sabrel_div"; }
   [[nodiscard]] std::string_view ConcatenateFunction() const override { return "sabrel_concat"; }
+  [[nodiscard]] std::string_view SingleFunction() const override { return "sabrel_single"; }
+  [[nodiscard]] std::string_view CompareFunction() const override { return "sabrel_compare"; }
   [[nodiscard]] std::string_view FunctionName(std::string_view) const override { return {}; }
 
  private:
@@ -76,7 +78,8 @@ class Server {
   [[nodiscard]] dialect::Rewritten Compile(std::string_view statement) const;
   /// As Compile, for text that this server composed.
   [[nodiscard]] dialect::Rewritten CompileOwn(std::string_view statement) const;
-  /// Prepares and binds the lifted constants.
+  /// Prepares and binds the lifted constants. Errors: 14551 for a query of tables that calls a
+  /// routine that writes, which could go on for ever
   [[nodiscard]] Statement Prepare(const dialect::Rewritten& rewritten);
 
   // What functions of SQL ask for.
@@ -84,6 +87,7 @@ class Server {
   [[nodiscard]] std::int64_t CurrentValue(const std::string& sequence);
 
  private:
+  void RefuseWritingQuery(const dialect::Rewritten& rewritten);
   void ExecuteStatement(std::string_view statement);
   void RunBlock(std::string_view block);
   void RunCallStep(const dialect::BlockStep& step);
@@ -102,6 +106,8 @@ class Server {
 
 [[nodiscard]] Verb VerbOf(dialect::StatementKind kind) noexcept;
 [[nodiscard]] Value ValueOf(const dialect::Constant& constant);
+/// Throws ServerFailure 942 when `text` names a table or a function that belongs to the server.
+void RefuseOwnNames(std::string_view text);
 /// `text` in single quotes.
 [[nodiscard]] std::string Quoted(std::string_view text);
 /// `name` in double quotes.

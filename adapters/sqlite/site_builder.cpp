@@ -3,18 +3,25 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "adapters/sqlite/catalogue.h"
 #include "adapters/sqlite/failure.h"
+#include "adapters/sqlite/server.h"
 #include "adapters/sqlite/sqlite_link.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
 
 namespace sabrel::sqlite {
 namespace {
+
+constexpr const char* kUnfinished = ".unfinished-";
 
 std::string Reason(const char* what, const std::string& path) {
   return std::string(what) + " " + path + ": " + std::strerror(errno);
@@ -60,6 +67,25 @@ std::string FolderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
+/// Removes what a process that was killed left of a new site at `path`.
+void RemoveLeftovers(const std::string& path) {
+  const std::string start = std::filesystem::path(path).filename().string() + kUnfinished;
+  std::error_code ignored;
+  std::vector<std::string> dead;
+  for (std::filesystem::directory_iterator entry(FolderOf(path), ignored), end;
+       !ignored && entry != end; entry.increment(ignored)) {
+    const std::string name = entry->path().filename().string();
+    if (!name.starts_with(start)) continue;
+    pid_t process = 0;
+    const char* const digits = name.c_str() + start.size();
+    std::from_chars(digits, name.c_str() + name.size(), process);
+    if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
+      dead.push_back(path + std::string(kUnfinished) + std::to_string(process));
+    }
+  }
+  for (const std::string& site : dead) RemoveWithJournals(site);
+}
+
 }  // namespace
 
 struct SiteBuilder::Work {
@@ -83,7 +109,8 @@ struct SiteBuilder::Work {
 
 SiteBuilder::SiteBuilder(std::string path) : work_(std::make_unique<Work>()) {
   work_->path = std::move(path);
-  work_->unfinished = work_->path + ".unfinished-" + std::to_string(::getpid());
+  work_->unfinished = work_->path + kUnfinished + std::to_string(::getpid());
+  RemoveLeftovers(work_->path);
   work_->Guard([this] {
     if (::access(work_->path.c_str(), F_OK) == 0) {
       throw ServerFailure(1119, "cannot create the file " + work_->path + ": it exists already");
@@ -119,8 +146,10 @@ void SiteBuilder::Execute(std::string_view sql) {
 void SiteBuilder::Finish() {
   work_->Guard([this] {
     {
-      Connection engine(work_->unfinished, std::make_shared<StopSwitch>(), Durability::kAtTheEnd);
-      Statement check = engine.Prepare("PRAGMA integrity_check(1)");
+      // With the server's functions, which columns' checks may call.
+      Server server(work_->unfinished, std::make_shared<StopSwitch>(),
+                    std::make_shared<SessionState>(), Durability::kAtTheEnd);
+      Statement check = server.Engine().Prepare("PRAGMA integrity_check(1)");
       if (!check.Step() || check.Column(0).text != "ok") {
         throw ServerFailure(1578, "the new file is damaged", check.Column(0).text);
       }

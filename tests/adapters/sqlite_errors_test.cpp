@@ -14,6 +14,9 @@ class SqliteErrors : public SiteTest {
              " YN CHAR(1) CHECK (YN IN ('Y','N')))",
              "CREATE VIEW V AS SELECT ID FROM P",
              "CREATE SEQUENCE S",
+             "CREATE SEQUENCE LAST_S START WITH 9223372036854775807",
+             "CREATE FUNCTION WRITING(a NUMBER) RETURN NUMBER IS BEGIN"
+             " INSERT INTO P (ID) VALUES (:a + 1000); SELECT :a AS return_value FROM DUAL; END;",
              "INSERT INTO P VALUES (1,'one')",
              "INSERT INTO C (ID, P_ID, TXT) VALUES (1,1,'c')",
              "CREATE PROCEDURE DELETE_P(a NUMBER) IS BEGIN DELETE FROM P WHERE ID = :a; END;",
@@ -62,10 +65,19 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"missing table to insert", 942, "INSERT INTO NOPE VALUES (1)"},
       {"missing table to drop", 942, "DROP TABLE NOPE"},
       {"the server's own table", 942, "DELETE FROM \"SABREL_ROUTINE\""},
+      {"own table behind a comment", 942, "DELETE /* ' */ FROM sabrel_body"},
+      {"own table behind a name", 942, "SELECT 1 FROM \"x'y\", sabrel_body"},
+      {"own function in a block", 942, "BEGIN DELETE_P(sabrel_nextval('S')); END;"},
+      {"the engine's own table", 942, "SELECT * FROM sqlite_schema"},
+      {"reference to no table", 942, "CREATE TABLE Q (ID NUMBER REFERENCES NOPE(ID))"},
+      {"qualified name to drop", 942, "DROP TABLE main.C"},
       {"too few values", 947, "INSERT INTO P VALUES (2)"},
       {"table exists", 955, "CREATE TABLE P (ID NUMBER)"},
       {"routine exists", 955, "CREATE PROCEDURE OUT_P IS BEGIN DELETE FROM P; END;"},
       {"sequence exists", 955, "CREATE SEQUENCE S"},
+      {"table of a sequence's name", 955, "CREATE TABLE S (ID NUMBER)"},
+      {"view of a routine's name", 955, "CREATE VIEW CHECKED AS SELECT ID FROM P"},
+      {"routine of a table's name", 955, "CREATE PROCEDURE P IS BEGIN DELETE FROM C; END;"},
       {"date and date", 975, "SELECT SYSDATE + SYSDATE FROM DUAL"},
       {"unbound variable", 1008, "SELECT :x FROM DUAL"},
       {"null to insert", 1400, "INSERT INTO C (ID, TXT) VALUES (2, NULL)"},
@@ -73,11 +85,21 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"null in a key", 1400, "INSERT INTO P (NAME) VALUES ('x')"},
       {"null to update", 1407, "UPDATE C SET TXT = NULL"},
       {"precision", 1438, "UPDATE C SET N = 1000"},
+      {"escape of two characters", 1425, "SELECT 1 FROM DUAL WHERE 'x' LIKE 'x' ESCAPE 'ab'"},
+      {"root of a negative", 1428, "SELECT SQRT(-1) FROM DUAL"},
+      {"logarithm of nothing", 1428, "SELECT LN(0) FROM DUAL"},
+      {"value beyond all bounds", 1489,
+       "SELECT REPLACE(LPAD('a',32767,'a'),'a',LPAD('b',32767,'b')) FROM DUAL"},
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
       {"text for a number", 1722, "INSERT INTO C (ID, TXT, N) VALUES (2, 'x', 'abc')"},
       {"text for a key", 1722, "INSERT INTO P VALUES ('x','x')"},
       {"TO_NUMBER", 1722, "SELECT TO_NUMBER('1,234') FROM DUAL"},
+      {"sum of texts", 1722, "SELECT SUM(NAME) FROM P"},
+      {"sum of dates", 932, "SELECT SUM(SYSDATE) FROM P"},
+      {"amount of a date", 932, "SELECT ABS(SYSDATE) FROM DUAL"},
       {"the dictionary", 1031, "DROP VIEW dual"},
+      {"the dictionary by its owner", 1031, "DROP\tVIEW main.user_sequences"},
+      {"referenced table", 2449, "DROP TABLE P"},
       {"definition in a body", 6550, "CREATE PROCEDURE Q IS BEGIN DROP TABLE P; END;"},
       {"view", 1732, "INSERT INTO V VALUES (5)"},
       {"open quote", 1756, "SELECT 'x FROM DUAL"},
@@ -104,6 +126,13 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"function as a procedure", 6550, "BEGIN CHECKED( 1 ); END;"},
       {"wrong count in a query", 6553, "SELECT CHECKED(1,2) FROM DUAL"},
       {"out argument in a query", 6572, "SELECT OUT_F(1) FROM DUAL"},
+      {"sequence at its end", 8004,
+       "BEGIN INSERT INTO P (ID) VALUES (LAST_S.NEXTVAL);"
+       " INSERT INTO P (ID) VALUES (LAST_S.NEXTVAL); END;"},
+      {"writing while reading", 14551, "SELECT WRITING(ID) FROM P"},
+      {"writing while reading behind DUAL", 14551,
+       "INSERT INTO P (ID) SELECT WRITING(P.ID) FROM DUAL d, P"},
+      {"writing in a query of a query", 14551, "SELECT (SELECT WRITING(1) FROM DUAL), ID FROM P"},
       {"current value too early", 8002, "SELECT S.CURRVAL FROM DUAL"},
       {"width in characters", 12899, "UPDATE P SET NAME = 'sechsä'"},
       {"raised by a routine", 20011, "SELECT CHECKED(7) FROM DUAL"},
@@ -114,6 +143,15 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
     EXPECT_EQ(Ask(row.sql), "ORA-" + std::to_string(row.number))
         << row.name << ": " << link->LastDatabaseError().message;
   }
+}
+
+TEST_F(SqliteErrors, NamesThatOnlyLookReservedAreTaken) {
+  EXPECT_EQ(Ask("SELECT ID AS MYSABREL_COL FROM P"), "1");
+  EXPECT_EQ(Ask("SELECT 'sabrel_body' FROM DUAL"), "'sabrel_body'");
+  EXPECT_EQ(Ask("SELECT WRITING((SELECT 5 FROM DUAL)), S.NEXTVAL FROM DUAL"), "5|1");
+  EXPECT_EQ(Do("CREATE TABLE Q (USING NUMBER, COLLATE NUMBER, FOREIGN NUMBER)"), "");
+  EXPECT_EQ(Do("INSERT INTO Q (USING, COLLATE, FOREIGN) VALUES (1,2,3)"), "");
+  EXPECT_EQ(Ask("SELECT USING, COLLATE, FOREIGN FROM Q WHERE FOREIGN = 3"), "1|2|3");
 }
 
 TEST_F(SqliteErrors, ARefusedBlockLeavesNothingBehind) {
