@@ -27,6 +27,14 @@ std::string NumberedText(const CErrorObject& failure) {
          ": " + failure.Description();
 }
 
+// What an operation ends with that goes on without the rows of a failed query: its own failures do
+// not tell why.
+bool MissesRows(const CErrorObject& end) {
+  if (end.IsDBError() || end.IsConnectionError()) return false;
+  return CarriedCode(end.Number()) != 0 ||
+         end.Number() == static_cast<std::int32_t>(RuntimeErrorNumber::kObjectNotSet);
+}
+
 }  // namespace
 
 std::string_view KindText(EDBErrorType type) noexcept {
@@ -60,7 +68,9 @@ void Context::StartSession() {
   console.log.path = options.log;
   auto services = std::make_shared<AttentiveServices>(std::make_shared<ConsoleServices>(console),
                                                       [this] { StopProgress(); });
-  InstallSession(options, services, conversation_, interrupts_);
+  InstallSession(options, services, conversation_, interrupts_, [this] {
+    if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
+  });
   services_ = std::move(services);
 }
 
@@ -77,7 +87,7 @@ int Context::Run(const Action& run_action) {
   try {
     StartSession();
     services_->ForgetBoxes();
-    GSabrel::ClearConnectionError();
+    ForgetFailures();
     status = Attempt(run_action);
   } catch (const UsageError& wrong) {
     status = kWrongUsage;
@@ -113,7 +123,33 @@ int Context::Attempt(const Action& run_action) {
   return failure->Number() == 0 ? status : Report(*failure);
 }
 
-int Context::Report(const CErrorObject& failure) {
+int Context::Step(std::string_view name, const std::function<void()>& work) {
+  ForgetFailures();
+  std::optional<CErrorObject> failure;
+  try {
+    work();
+    failure = *GSabrel::SabrelErrorObject();
+  } catch (...) {
+    failure.emplace(CurrentFailure());
+  }
+  if (interrupts_.Cancelled()) throw OutputCancelled();
+  int status = kDone;
+  if (failure->Number() != 0) {
+    StopProgress();
+    PutError(std::string(name) + " failed:");
+    status = Report(*failure);
+  }
+  ForgetFailures();
+  return status;
+}
+
+void Context::ForgetFailures() {
+  GSabrel::ClearConnectionError();
+  failed_query_.reset();
+}
+
+int Context::Report(const CErrorObject& end) {
+  const CErrorObject& failure = failed_query_ && MissesRows(end) ? *failed_query_ : end;
   const bool connection = failure.IsConnectionError();
   const bool known = connection || failure.IsDBError();
   const std::string text = known ? failure.Text() : NumberedText(failure);

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -53,6 +54,11 @@ class Context {
   /// Errors: OutputClosed
   int Run(const Action& action);
 
+  /// Does one of several steps of a command: what it fails with is told on standard error and does
+  /// not keep later steps from running. Returns kDone, kNoConnection or kFailed.
+  /// Errors: OutputCancelled
+  int Step(std::string_view name, const std::function<void()>& work);
+
   /// For actions that talk to the Data Server. Errors: UsageError when no server was named
   void RequireServer() const;
 
@@ -85,13 +91,15 @@ class Context {
  private:
   void StartSession();
   int Attempt(const Action& action);
-  int Report(const CErrorObject& failure);
+  void ForgetFailures();
+  int Report(const CErrorObject& end);
 
   Interrupts& interrupts_;
   Output out_{1};
   std::shared_ptr<AttentiveServices> services_;
   std::shared_ptr<ConversationLog> conversation_;
   std::unique_ptr<Progress> progress_;
+  std::optional<CErrorObject> failed_query_;
 };
 
 /// "unique constraint violated"; empty for errors that callers need not tell apart.

@@ -35,7 +35,8 @@ ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings
 }  // namespace
 
 void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> services,
-                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts) {
+                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
+                    std::function<void()> on_failed_query) {
   std::vector<std::string> warnings;
   ProfileSet profiles = ProfilesOf(options, warnings);
   for (const std::string& warning : warnings) {
@@ -43,6 +44,7 @@ void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> s
   }
   ConsoleApplicationOptions application;
   application.product_name = "sabrel";
+  application.on_notify = std::move(on_failed_query);
   Platform shared;
   shared.services = std::move(services);
   shared.application = std::make_shared<ConsoleApplication>(std::move(application));

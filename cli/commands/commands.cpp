@@ -46,10 +46,14 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
 }
 
 void AddSessionCommands(CLI::App& parent, Context& context) {
+  AddStartUpCommands(parent, context);
   AddQueryCommands(parent, context);
   AddRoutineCommands(parent, context);
   AddLiteralCommand(parent, context);
+  AddConversionCommand(parent, context);
   AddValueCommands(parent, context);
+  AddSchemaCommands(parent, context);
+  AddSettingCommands(parent, context);
 }
 
 }  // namespace sabrel::cli

@@ -1,8 +1,8 @@
 // `query` and `request`: one statement.
 #include <memory>
 
-#include "adapters/console/password_prompt.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/server_options.h"
 #include "sabrel/core/gsabrel.h"
 
 namespace sabrel::cli {
@@ -10,25 +10,17 @@ namespace {
 
 struct QueryArguments {
   std::string sql;
-  std::string host;
-  std::int32_t port = 0;
-  std::string user;
-  std::string password_file;
-  bool ask_password = false;
-  std::int32_t timeout_s = 60;
+  ServerOptions server;
+
+  QueryArguments() { server.timeout_s = 60; }
 };
 
 int Query(Context& context, const QueryArguments& arguments) {
   context.RequireServer();
-  std::string password;
-  if (!arguments.password_file.empty()) {
-    password = ReadPasswordFile(context, arguments.password_file);
-  } else if (arguments.ask_password) {
-    context.StopProgress();
-    password = PromptWithoutEcho("Password: ");
-  }
-  const auto rows = GSabrel::ExecuteQuery(arguments.sql, false, arguments.host, arguments.port,
-                                          arguments.user, password, arguments.timeout_s);
+  const ServerOptions& server = arguments.server;
+  const std::string password = PasswordOf(context, server);
+  const auto rows = GSabrel::ExecuteQuery(arguments.sql, false, server.host, server.port,
+                                          server.user, password, server.timeout_s);
   if (!rows) return kFailed;
   context.PrintRows(*rows);
   return kDone;
@@ -56,15 +48,8 @@ void AddQueryCommands(CLI::App& parent, Context& context) {
                  "  sabrel --format csv query \"SELECT * FROM PM_REPORT\" > reports.csv",
                  [arguments](Context& c) { return Query(c, *arguments); });
   query.add_option("SQL", arguments->sql, "The statement")->required();
-  query.add_option("--host", arguments->host, "Another Data Server than the profile's");
-  query.add_option("--port", arguments->port, "Its port")->check(CLI::Range(0, 65535));
-  query.add_option("--user", arguments->user, "Another user than the profile's");
-  query.add_option("--password-file", arguments->password_file,
-                   "File whose first line is that user's password");
-  query.add_flag("--ask-password", arguments->ask_password, "Ask for the password, without echo");
-  query.add_option("--timeout", arguments->timeout_s, "Seconds; 0 is the profile's setting")
-      ->check(CLI::Range(0, 1000000))
-      ->capture_default_str();
+  AddServerOptions(query, arguments->server);
+  AddTimeOut(query, arguments->server);
 
   const auto request_sql = std::make_shared<std::string>();
   CLI::App& request =

@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 
+#include "sabrel/config/system_values.h"
 #include "sabrel/core/error_object.h"
 #include "sabrel/platform/date.h"
 #include "sabrel/platform/platform.h"
@@ -24,31 +25,37 @@
 
 namespace sabrel::GSabrel {
 
-// Errors: see error_object.h.
+// Errors: error_object.h. Machine, installation, product, connection strings: session.h.
 void ClearConnectionError();
 [[nodiscard]] bool CheckConnectionError();
+[[nodiscard]] std::int32_t ModuleNameMaxLength();
 [[nodiscard]] std::shared_ptr<CErrorObject> SabrelErrorObject();
 [[nodiscard]] std::shared_ptr<ErrorHandler> SabrelErrorHandler();
+[[nodiscard]] std::int16_t GetProcedureLength(std::string_view sPackage,
+                                              std::string_view sProcedure);
+void LoadMachineId();
+void LoadMachineInfo();
+[[nodiscard]] bool IncludeDSMonitor();
+[[nodiscard]] bool IncludeAddInManager();
+[[nodiscard]] bool IsSubclassingOn();
+void LoadOtherInfo();
+void ShutdownDBConnection();
+[[nodiscard]] std::string DBConnectionName();
+void DBConnectionName(std::string_view value);
+[[nodiscard]] std::string DBConnectionUID();
+void DBConnectionUID(std::string_view value);
+[[nodiscard]] std::string DBConnectionPWD();
+void DBConnectionPWD(std::string_view value);
+[[nodiscard]] std::int32_t MachineId();
 
-// Statements: see query_execution.h.
+// Statements: query_execution.h.
 [[nodiscard]] std::shared_ptr<Recordset> ExecuteQuery(
     std::string_view sSql, bool fDataRequired = false, std::string_view sHostName = "",
     std::int32_t nPortNumber = 0, std::string_view sUserName = "", std::string_view sPassword = "",
     std::int32_t nTimeOut = 60);
 void ExecuteRequest(std::string_view sSql);
-void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
-[[nodiscard]] std::int32_t ExecuteFunctionReturningLong(std::string_view sProc,
-                                                        std::string_view sArgs);
-[[nodiscard]] std::string ExecuteFunctionReturningString(std::string_view sProc,
-                                                         std::string_view sArgs);
-[[nodiscard]] std::int32_t ExecuteQueryReturningLong(std::string_view sQuery,
-                                                     std::int32_t iDefault = 0);
-[[nodiscard]] std::string ExecuteQueryReturningString(std::string_view sQuery,
-                                                      std::string_view sDefault = "");
-[[nodiscard]] Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault = {});
-[[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
 
-// SQL literals: see literals.h.
+// SQL literals: literals.h.
 [[nodiscard]] CDBLiteral DBLiteral(std::string_view s);
 [[nodiscard]] CDBLiteral DBStr(std::string_view s);
 [[nodiscard]] CDBLiteral DBOrd(std::int32_t ord);
@@ -60,9 +67,57 @@ void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
 [[nodiscard]] CDBLiteral NextInSequence(std::string_view sSequence);
 [[nodiscard]] Date GetCurrentDateTime();
 [[nodiscard]] std::int32_t GetNextInSequence(std::string_view sSequence);
+
+// Fetched values into typed ones: value_conversion.h.
+[[nodiscard]] std::string CVString(const Variant& vString);
+[[nodiscard]] std::int32_t CVId(const Variant& vId);
+[[nodiscard]] std::int32_t CVInt(const Variant& vInt, std::int32_t iNull = 0);
+[[nodiscard]] double CVDbl(const Variant& vInt, std::int32_t iNull = 0);
+[[nodiscard]] Date CVDateTime(const Variant& vDate);
+[[nodiscard]] bool CVBoolean(const Variant& vYesNo);
+
+// Argument lists, procedures, functions, single values: literals.h, query_execution.h.
 [[nodiscard]] std::string DBArg(const Variant& v);
 [[nodiscard]] std::string DBArgs(std::span<const Variant> vArgs);
 [[nodiscard]] std::string DBSetArgs(std::span<const Variant> vArgs);
+void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
+[[nodiscard]] std::int32_t ExecuteFunctionReturningLong(std::string_view sProc,
+                                                        std::string_view sArgs);
+[[nodiscard]] std::string ExecuteFunctionReturningString(std::string_view sProc,
+                                                         std::string_view sArgs);
+[[nodiscard]] std::int32_t ExecuteQueryReturningLong(std::string_view sQuery,
+                                                     std::int32_t iDefault = 0);
+[[nodiscard]] std::string ExecuteQueryReturningString(std::string_view sQuery,
+                                                      std::string_view sDefault = "");
+[[nodiscard]] Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault = {});
+[[nodiscard]] std::int32_t DBColumnLength(std::string_view sTable, std::string_view sColumn);
 [[nodiscard]] std::string PadStr(std::string_view s);
+[[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
+
+// Settings of the site: system_values.h. What the schema has: schema_probes.h. Product: session.h.
+[[nodiscard]] std::string NHighAttemptsEnabled();
+void GetNHighAttemptsValue();
+[[nodiscard]] bool EmailEnabled();
+void ResetExistingTables();
+[[nodiscard]] bool DoesTableExist(std::string_view sTable, std::string_view sHostName = "",
+                                  std::int32_t nPortNumber = 0, std::string_view sUserName = "",
+                                  std::string_view sPassword = "", std::int32_t nTimeOut = 0);
+[[nodiscard]] bool DoesFieldExist(std::string_view sTable, std::string_view sFieldName,
+                                  std::string_view sHostName = "", std::int32_t nPortNumber = 0,
+                                  std::string_view sUserName = "", std::string_view sPassword = "");
+[[nodiscard]] bool DoesDbObjectExist(std::string_view sObjectNameA,
+                                     std::string_view sObjectTypeA = "",
+                                     std::string_view sHostNameA = "",
+                                     std::int32_t nPortNumberA = 0,
+                                     std::string_view sUserNameA = "",
+                                     std::string_view sPasswordA = "", std::int32_t nTimeOutA = 0);
+[[nodiscard]] bool DoesThisProcedureExist(std::string_view sPackageName,
+                                          std::string_view sProcedureName);
+[[nodiscard]] std::string SystemFirstDayOfWeek();
+void InitializeProductInfo();
+[[nodiscard]] bool SystemValueExists(std::string_view sName, std::string_view sValue,
+                                     std::string_view sHostName = "", std::int32_t nPortNumber = 0,
+                                     std::string_view sUserName = "",
+                                     std::string_view sPassword = "", std::int32_t nTimeOut = 0);
 
 }  // namespace sabrel::GSabrel

@@ -119,18 +119,20 @@ std::string ExecuteQueryReturningString(std::string_view sQuery, std::string_vie
                                         std::string_view sHostName, std::int32_t nPortNumber,
                                         std::string_view sUserName, std::string_view sPassword,
                                         std::int32_t nTimeOut) {
+  std::string text(sDefault);  // a failed query's box may take the caller's away
   const RecordsetRef rows =
       ExecuteQuery(sQuery, false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
   const CloseAtEnd closing(rows);
-  const auto value = FirstValue(rows);
-  return value ? ToText(*value) : std::string(sDefault);
+  if (const auto value = FirstValue(rows)) text = ToText(*value);
+  return text;
 }
 
 Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault) {
+  const Date otherwise = dateDefault;
   const RecordsetRef rows = ExecuteQuery(sQuery);
   const CloseAtEnd closing(rows);
   const auto value = FirstValue(rows);
-  return value ? ToDate(*value) : dateDefault;
+  return value ? ToDate(*value) : otherwise;
 }
 
 std::int32_t ExecuteFunctionReturningLong(std::string_view sProc, std::string_view sArgs) {

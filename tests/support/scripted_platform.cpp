@@ -219,9 +219,50 @@ class ScriptedApplication final : public Application {
   std::shared_ptr<Script> script_;
 };
 
-class NoRegistry final : public Registry {
+class ScriptedKey final : public RegistryKey {
  public:
-  std::unique_ptr<RegistryKey> OpenKey(std::string_view) const override { return nullptr; }
+  ScriptedKey(std::shared_ptr<Script> script, std::string path)
+      : script_(std::move(script)), path_(std::move(path)) {}
+
+  static std::unique_ptr<RegistryKey> Open(const std::shared_ptr<Script>& script,
+                                           std::string path) {
+    script->Step("open key " + path);
+    for (const auto& [name, value] : script->owner->registry) {
+      if (name.starts_with(path + "\\")) return std::make_unique<ScriptedKey>(script, path);
+    }
+    return nullptr;
+  }
+  std::unique_ptr<RegistryKey> OpenSubkey(std::string_view name) const override {
+    return Open(script_, path_ + "\\" + std::string(name));
+  }
+  std::string ReadString(std::string_view name, std::string_view default_value) const override {
+    const std::string* value = Find(name);
+    return value == nullptr ? std::string(default_value) : *value;
+  }
+  bool ReadBoolean(std::string_view name, bool default_value) const override {
+    const std::string* value = Find(name);
+    return value == nullptr ? default_value : *value == "1";
+  }
+
+ private:
+  const std::string* Find(std::string_view name) const {
+    script_->Step("read " + std::string(name));
+    const auto found = script_->owner->registry.find(path_ + "\\" + std::string(name));
+    return found == script_->owner->registry.end() ? nullptr : &found->second;
+  }
+  std::shared_ptr<Script> script_;
+  std::string path_;
+};
+
+class ScriptedRegistry final : public Registry {
+ public:
+  explicit ScriptedRegistry(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+  std::unique_ptr<RegistryKey> OpenKey(std::string_view path) const override {
+    return ScriptedKey::Open(script_, std::string(path));
+  }
+
+ private:
+  std::shared_ptr<Script> script_;
 };
 
 class NoSpreadsheet final : public SpreadsheetApplication {
@@ -245,8 +286,8 @@ ScriptedPlatform::ScriptedPlatform() : script_(std::make_shared<Script>()) {
   InstallPlatform([script = script_] {
     return Platform{std::make_shared<ScriptedRowlink>(script),
                     std::make_shared<ScriptedServices>(script),
-                    std::make_shared<ScriptedApplication>(script), std::make_shared<NoRegistry>(),
-                    std::make_shared<NoSpreadsheet>()};
+                    std::make_shared<ScriptedApplication>(script),
+                    std::make_shared<ScriptedRegistry>(script), std::make_shared<NoSpreadsheet>()};
   });
 }
 

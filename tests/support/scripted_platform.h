@@ -67,6 +67,8 @@ class ScriptedPlatform {
   std::string product_name = "Norvasta";
   std::string machine_name = "MACHINE";
   std::string domain_name = "DOMAIN";
+  /// Registry values under "path\\name"; a key is there when a value stands in or below it.
+  std::map<std::string, std::string> registry;
 
   struct Script;
 

@@ -1,0 +1,115 @@
+// Site-wide settings that the database keeps as named variables with values.
+//
+// `SystemValueExists` remembers every answer for the rest of the thread's use; nothing clears it.
+// Names and values go into the statement unquoted: a quote in one makes a failing query and thus a
+// remembered false.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "sabrel/platform/keyed_collection.h"
+#include "sabrel/platform/variant.h"
+
+namespace sabrel {
+
+/// One remembered answer: whether a system variable had a value, on a server.
+class CSystemValue {
+ public:
+  [[nodiscard]] bool Exists() const noexcept { return exists_; }
+  void Exists(bool value) noexcept { exists_ = value; }
+  [[nodiscard]] const std::string& Name() const noexcept { return name_; }
+  void Name(std::string_view value) { name_ = value; }
+  [[nodiscard]] const std::string& Value() const noexcept { return value_; }
+  void Value(std::string_view value) { value_ = value; }
+  [[nodiscard]] const std::string& ServerName() const noexcept { return server_name_; }
+  void ServerName(std::string_view value) { server_name_ = value; }
+  [[nodiscard]] std::int32_t PortId() const noexcept { return port_id_; }
+  void PortId(std::int32_t value) noexcept { port_id_ = value; }
+  /// Seconds, as given with the question.
+  [[nodiscard]] std::int32_t TimeOut() const noexcept { return timeout_s_; }
+  void TimeOut(std::int32_t value) noexcept { timeout_s_ = value; }
+  /// Kept as it was set; it does not follow later changes of the other settings.
+  [[nodiscard]] const std::string& Key() const noexcept { return key_; }
+  void Key(std::string_view value) { key_ = value; }
+
+  [[nodiscard]] std::shared_ptr<CSystemValue> Clone() const {
+    return std::make_shared<CSystemValue>(*this);
+  }
+
+ private:
+  bool exists_ = false;
+  std::string name_;
+  std::string value_;
+  std::string server_name_;
+  std::int32_t port_id_ = 0;
+  std::int32_t timeout_s_ = 0;
+  std::string key_;
+};
+
+/// Remembered answers in the order of asking, under keys `name.value[:server:port]` that ignore
+/// case.
+class CSystemValues {
+ public:
+  using Entry = std::shared_ptr<CSystemValue>;
+
+  /// Writes the key of an answer over `key`.
+  static void MakeKey(std::string& key, std::string_view name, std::string_view value,
+                      std::string_view host, std::int32_t port);
+
+  /// Copies of the entries with that name (exactly); with a server name only those of that server
+  /// and port.
+  [[nodiscard]] std::shared_ptr<CSystemValues> Values(const Variant& sName,
+                                                      std::int32_t nPortId = 0,
+                                                      std::string_view sServerName = {}) const;
+  /// Appends `sv` under its own key unless that is present already. Errors: 91 for nothing
+  void AddValue(const Entry& sv);
+  [[nodiscard]] bool Exists(std::string_view sKey) const noexcept { return Item(sKey) != nullptr; }
+  /// Asks the database, remembers and returns the answer; false when the query fails.
+  /// Cost: one round trip. Errors: 457 when there is an entry under that key, after the query
+  Entry AddNew(std::string_view sName, std::string_view sValue, std::string_view sHostName = {},
+               std::int32_t nPortNumber = 0, std::string_view sUserName = {},
+               std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
+  /// Null when there is none. Cost: O(1), no allocation
+  [[nodiscard]] Entry Item(std::string_view vntIndexKey) const noexcept;
+  [[nodiscard]] Entry Item(std::int32_t vntIndexKey) const noexcept;
+  [[nodiscard]] std::int32_t Count() const noexcept { return entries_.Count(); }
+  /// Errors: 5 for a missing key, 9 for a position out of range
+  void Remove(std::string_view vntIndexKey) { entries_.Remove(vntIndexKey); }
+  void Remove(std::int32_t vntIndexKey) { entries_.Remove(vntIndexKey); }
+  [[nodiscard]] auto begin() const noexcept { return entries_.begin(); }
+  [[nodiscard]] auto end() const noexcept { return entries_.end(); }
+
+ private:
+  KeyedCollection<Entry> entries_;
+};
+
+namespace MSabrel {
+
+/// Whether the system variable `sName` has the value `sValue`. Cost: none once asked, without
+/// allocation; else one round trip
+[[nodiscard]] bool SystemValueExists(std::string_view sName, std::string_view sValue,
+                                     std::string_view sHostName = {}, std::int32_t nPortNumber = 0,
+                                     std::string_view sUserName = {},
+                                     std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
+
+/// "1" to "7"; "0" when the query fails. Cost: none once known, else one round trip
+/// Errors: 3021 without such a variable, 94 for null, 6 or 13 for no weekday
+[[nodiscard]] std::string SystemFirstDayOfWeek();
+
+/// Reads the N-high-attempts setting anew; "False" when it cannot be read. Cost: one round trip.
+/// Errors: none
+void GetNHighAttemptsValue() noexcept;
+/// The same.
+void LoadOtherInfo() noexcept;
+/// The setting as last read, "" before that.
+[[nodiscard]] std::string NHighAttemptsEnabled();
+
+/// Whether there is an e-mail table and a configured mail client; the client is looked for once.
+/// Cost: none, or one round trip on first use. Errors: none
+[[nodiscard]] bool EmailEnabled() noexcept;
+
+}  // namespace MSabrel
+}  // namespace sabrel

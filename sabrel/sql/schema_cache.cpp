@@ -1,0 +1,67 @@
+#include "sabrel/sql/schema_cache.h"
+
+#include <charconv>
+
+#include "sabrel/core/query_execution.h"
+#include "sabrel/platform/utf8.h"
+#include "sabrel/sql/literals.h"
+
+namespace sabrel {
+
+void CTablesExist::MakeKey(std::string& key, std::string_view table, std::string_view field,
+                           std::string_view server, std::int32_t port) {
+  key.assign(table);
+  if (!field.empty()) {
+    key += '.';
+    key += field;
+  }
+  if (server.empty()) return;
+  char digits[12];
+  const auto end = std::to_chars(std::begin(digits), std::end(digits), port).ptr;
+  key += ':';
+  key += server;
+  key += ':';
+  key.append(digits, end);
+}
+
+CTablesExist::Entry CTablesExist::Add(std::string_view TableName, bool Exists,
+                                      std::string_view FieldName, std::string_view ServerName,
+                                      std::int32_t PortId, std::int32_t TimeOut) {
+  auto entry = std::make_shared<CTableExists>();
+  entry->TableName(TableName);
+  entry->Exists(Exists);
+  entry->FieldName(FieldName);
+  entry->ServerName(ServerName);
+  entry->PortId(PortId);
+  entry->TimeOut(TimeOut);
+  std::string key;
+  MakeKey(key, TableName, FieldName, ServerName, PortId);
+  entries_.Add(entry, key);
+  return entry;
+}
+
+CTablesExist::Entry CTablesExist::Item(std::string_view key) const noexcept {
+  const Entry* entry = entries_.Find(key);
+  return entry == nullptr ? nullptr : *entry;
+}
+
+std::int32_t CColumnLengthCache::ColumnLength(std::string_view sTable, std::string_view sColumn) {
+  key_.clear();
+  AppendLowerCase(key_, sTable);
+  const std::size_t table_end = key_.size();
+  key_ += ':';
+  AppendLowerCase(key_, sColumn);
+  if (const auto known = lengths_.find(std::string_view(key_)); known != lengths_.end()) {
+    return known->second;
+  }
+  // A copy: the query may run the host's code, and that may ask for another length.
+  const std::string owned = key_;
+  const std::string_view key = owned;
+  const std::int32_t length = MSabrel::ExecuteFunctionReturningLong(
+      "FS_GetColumnLength", MSabrel::DBStr(key.substr(0, table_end)).Value() + "," +
+                                MSabrel::DBStr(key.substr(table_end + 1)));
+  if (length > 0) lengths_.insert_or_assign(owned, length);
+  return length;
+}
+
+}  // namespace sabrel

@@ -1,0 +1,171 @@
+#include "sabrel/core/session.h"
+
+#include <gmock/gmock.h>
+
+#include "sabrel/core/error_object.h"
+#include "tests/support/scripted_platform.h"
+
+namespace sabrel {
+namespace {
+
+using namespace MSabrel;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using testing::Refuse;
+using testing::Rows;
+using testing::ScriptedPlatform;
+
+class Session : public ::testing::Test {
+ protected:
+  // The failure of `action`, or number 0.
+  template <class Action>
+  static RuntimeError FailureIn(Action action) {
+    try {
+      action();
+    } catch (const RuntimeError& failure) {
+      return failure;
+    }
+    return {0, {}, {}};
+  }
+  void Id(std::int32_t id) { platform.Answer(Rows{{"Id"}, {{Variant(id)}}}); }
+  ScriptedPlatform platform;
+};
+
+constexpr auto kLookup =
+    "make recordset\nquery [SELECT Id FROM PM_ClientMachine WHERE Domain = 'DOMAIN' AND "
+    "MachineName "
+    "= 'O''MACHINE'] host= port=0 user= password= timeout=60\nfetch\nclose\ntrace switch\n";
+
+TEST_F(Session, AnUnknownMachineIsInsertedOnceAndThenKnown) {
+  platform.machine_name = "O'MACHINE";
+  platform.Answer(Rows{{"Id"}, {}});
+  platform.Answer(Rows{});
+  Id(42);
+  EXPECT_EQ(MachineId(), 42);
+  EXPECT_EQ(platform.Conversation(),
+            std::string(kLookup) +
+                "make recordset\nexecute [INSERT INTO PM_ClientMachine (Id, Domain, MachineName) "
+                "VALUES (SQ_ClientMachine.NEXTVAL,'DOMAIN','O''MACHINE')] host= port=0 user= "
+                "password= timeout=0\ntrace switch\n" +
+                kLookup);
+  EXPECT_EQ(MachineId(), 42);
+  LoadMachineId();
+  EXPECT_EQ(platform.Conversation(), "");
+}
+
+TEST_F(Session, AMachineThatStaysUnknownIsAnErrorAndAskedForAgain) {
+  const RuntimeError failure = FailureIn([] { LoadMachineId(); });
+  EXPECT_EQ(CarriedCode(failure.Number()), sabMachineIdError);
+  EXPECT_EQ(failure.Module() + "." + failure.Procedure(), "MSabrel.LoadMachineId");
+  platform.Answer(Rows{{"Id"}, {}});
+  platform.Answer(Refuse(1, "dup"));
+  EXPECT_EQ(FailureIn([] { LoadMachineId(); }).Description(), "dup") << "the insert's own error";
+  Id(7);
+  EXPECT_EQ(MachineId(), 7);
+}
+
+TEST_F(Session, TheInstallationComesFromTheRegistry) {
+  const std::string setup = "\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Torvane\\Norvasta\\Setup\\";
+  const struct {
+    const char* name;
+    std::map<std::string, std::string> values;
+    const char* flags;
+    const char* folder;  // null: error 1
+  } rows[] = {
+      {"no key", {}, "000", nullptr},
+      {"no subkey", {{setup.substr(0, setup.size() - 6) + "Other", "x"}}, "000", nullptr},
+      {"no folder", {{setup + "IncludeAddInManager", "1"}}, "111", nullptr},
+      {"defaults", {{setup + "AppRootFolder", "C:\\App"}}, "110", "C:\\App\\"},
+      {"all set",
+       {{setup + "AppRootFolder", "\\\\srv\\\u00C4\\"},
+        {setup + "SubclassingOn", "0"},
+        {setup + "IncludeDSMonitor", "0"},
+        {setup + "IncludeAddInManager", "1"}},
+       "001",
+       "\\\\srv\\\u00C4\\"},
+  };
+  platform.product_name = "Prod";
+  for (const auto& row : rows) {
+    UnloadThread();
+    static_cast<void>(platform.Conversation());
+    platform.registry = row.values;
+    const RuntimeError failure = FailureIn([] { LoadMachineInfo(); });
+    EXPECT_EQ(std::to_string(IsSubclassingOn()) + std::to_string(IncludeDSMonitor()) +
+                  std::to_string(IncludeAddInManager()),
+              row.flags)
+        << row.name;
+    if (row.folder != nullptr) {
+      EXPECT_EQ(failure.Number(), 0) << row.name;
+      EXPECT_THAT(platform.Conversation(),
+                  HasSubstr("root folder " + std::string(row.folder) + "\n"));
+    } else {
+      EXPECT_EQ(failure.Description(), "Unable to find product installation (Prod).") << row.name;
+      EXPECT_EQ(failure.Procedure(), "LoadMachineInfo");
+      EXPECT_THAT(platform.Conversation(), Not(HasSubstr("root folder")));
+    }
+  }
+  platform.registry.clear();
+  static_cast<void>(FailureIn([] { LoadMachineInfo(); }));
+  EXPECT_TRUE(IncludeAddInManager()) << "a missing key changes nothing";
+}
+
+TEST_F(Session, ProductInformationNamesTheFirstMissingProperty) {
+  const std::vector<std::vector<Variant>> all = {{Variant("ProductFullName"), Variant("Full")},
+                                                 {Variant("productname"), Variant("P")},
+                                                 {Variant("ProductName"), Variant("Product")},
+                                                 {Variant("ProductVersion"), Variant(7.3)},
+                                                 {Variant("Unknown"), Variant("x")},
+                                                 {Variant("ProductRelease"), Variant("R")},
+                                                 {Variant("ProductType"), Variant("Single")}};
+  platform.Answer(Rows{{"Property", "Value"}, all});
+  InitializeProductInfo();
+  EXPECT_EQ(platform.Conversation(),
+            "make recordset\nquery [SELECT * FROM PM_PRODUCT_INFO] host= port=0 user= password= "
+            "timeout=60\nfetch\nclose\ntrace switch\nproperty BusyHourTimeSlices=\nproperty "
+            "TimeSlices=\nproperty MainAppIconFile=\nproperty ProductFullName=Full\nproperty "
+            "ProductName=Product\nproperty ProductRelease=R\nproperty ProductType=Single\nproperty "
+            "ProductVersion=7.3\n");
+  EXPECT_EQ(ProductProperty("PRODUCTTYPE"), "Single");
+  for (const auto& [left_out, named] :
+       std::vector<std::pair<std::vector<std::size_t>, std::string>>{
+           {{3, 5}, "ProductVersion"},
+           {{5, 6}, "ProductRelease"},
+           {{0, 1, 2}, "ProductFullName"}}) {
+    Rows rows{{"PROPERTY", "VALUE"}, all};
+    for (const std::size_t i : left_out) rows.rows[i] = {Variant("Unknown"), Variant("x")};
+    platform.Answer(rows);
+    const RuntimeError failure = FailureIn([] { InitializeProductInfo(); });
+    EXPECT_EQ(failure.Description(), "Property '" + named + "' missing from PM_PRODUCT_INFO");
+  }
+}
+
+TEST_F(Session, AFailedOrBrokenProductTableIsReadOnce) {
+  for (const bool refused : {true, false}) {
+    UnloadThread();
+    if (refused) {
+      platform.Answer(Refuse(942));
+    } else {
+      platform.Answer(Rows{{"Property", "Value"},
+                           {{Variant("ProductFullName"), Variant("Full")},
+                            {Variant("ProductName"), Variant(Null{})},
+                            {Variant("ProductVersion"), Variant("7.3")}}});
+    }
+    static_cast<void>(platform.Conversation());
+    const RuntimeError failure = FailureIn([] { InitializeProductInfo(); });
+    EXPECT_EQ(failure.Description(), refused
+                                         ? "Property 'ProductFullName' missing from PM_PRODUCT_INFO"
+                                         : "Property 'ProductName' missing from PM_PRODUCT_INFO");
+    EXPECT_EQ(ProductProperty("ProductVersion"), "");
+    const std::string conversation = platform.Conversation();
+    EXPECT_EQ(conversation.find("query"), conversation.rfind("query")) << "one query";
+  }
+}
+
+TEST_F(Session, ShutDownNeverFails) {
+  platform.FailAtCall(1);
+  ShutdownDBConnection();
+  EXPECT_EQ(platform.Conversation(), "shut down\n");
+}
+
+}  // namespace
+}  // namespace sabrel
