@@ -69,7 +69,7 @@ class JsonPrinter final : public RowPrinter {
 }  // namespace
 
 std::unique_ptr<RowPrinter> MakeRowPrinter(Format format, Output& out,
-                                           std::vector<std::string> columns) {
+                                           const std::vector<std::string>& columns) {
   switch (format) {
     case Format::kCsv: return std::make_unique<CsvPrinter>(out, columns);
     case Format::kJson: return std::make_unique<JsonPrinter>(out, columns);

@@ -24,7 +24,7 @@ class RowPrinter {
 
 /// `out` must outlive the printer. Names may repeat: JSON tells them apart as NAME, NAME_2.
 [[nodiscard]] std::unique_ptr<RowPrinter> MakeRowPrinter(Format format, Output& out,
-                                                         std::vector<std::string> columns);
+                                                         const std::vector<std::string>& columns);
 [[nodiscard]] std::unique_ptr<RowPrinter> MakeTablePrinter(Output& out,
                                                            const std::vector<std::string>& columns);
 

@@ -15,7 +15,9 @@ PlatformFactory ConsolePlatform(std::function<std::shared_ptr<Rowlink>()> make_r
                       ? std::make_shared<RegistryFile>()
                       : std::make_shared<RegistryFile>(options.registry_file);
   auto spreadsheet = std::make_shared<ConfiguredSpreadsheet>(options.spreadsheet_version);
-  return [=] { return Platform{make_rowlink(), services, application, registry, spreadsheet}; };
+  return [=, make_rowlink = std::move(make_rowlink)] {
+    return Platform{make_rowlink(), services, application, registry, spreadsheet};
+  };
 }
 
 }  // namespace sabrel

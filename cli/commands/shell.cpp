@@ -71,7 +71,8 @@ class Shell {
     if (kind == StatementWord::kRequest) return RunSql(RunRequest, Trimmed(line));
     if (command == "query" && !has_help) return RunSql(RunQuery, rest);
     if (command == "request" && !has_help) return RunSql(RunRequest, rest);
-    return context_.Run([&](Context&) { return RunCommand(line, command, std::string(rest)); });
+    return context_.Run(
+        [&, words = std::string(rest)](Context&) { return RunCommand(line, command, words); });
   }
 
   int RunSql(int (*run)(Context&, const std::string&), std::string_view sql) {
