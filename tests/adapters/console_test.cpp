@@ -347,17 +347,6 @@ TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
   EXPECT_TRUE(std::regex_match(Contents(folder / "s.log"), expected)) << Contents(folder / "s.log");
 }
 
-TEST(ConsoleServices, WritesEntriesToTheTerminalWithoutALogFile) {
-  char* shown = nullptr;
-  std::size_t size = 0;
-  ConsoleServicesOptions options;
-  options.terminal = ::open_memstream(&shown, &size);
-  ConsoleServices(options).WriteLog("entry");
-  std::fclose(options.terminal);
-  EXPECT_THAT(shown, HasSubstr("] log: entry\n"));
-  std::free(shown);
-}
-
 TEST(ConsoleServices, PutsFullLogsAsideAndKeepsTheLastOnes) {
   const Folder folder;
   ConsoleServices services(LogTo(folder / "s.log", 100));
@@ -468,35 +457,6 @@ TEST(EnvironmentLocale, DerivesFactsFromPatterns) {
   ::setenv("LC_ALL", "xx_NOT_INSTALLED", 1);
   EXPECT_EQ(EnvironmentLocale().decimal_separator, ".");
   ::unsetenv("LC_ALL");
-}
-
-TEST(ConsoleApplication, AnswersWithPropertiesOptionsAndFallbacks) {
-  int notified = 0;
-  ConsoleApplicationOptions options;
-  options.product_name = "Own";
-  options.on_notify = [&] { ++notified; };
-  ConsoleApplication application(options);
-  EXPECT_EQ(application.ProductName(), "Own");
-  application.ProductProperty("productNAME", "");
-  EXPECT_EQ(application.ProductName(), "");
-  EXPECT_NE(application.MachineName(), "");
-  EXPECT_NE(application.DomainName(), "");
-  EXPECT_NE(application.DomainName(), "(none)");
-  EXPECT_EQ(application.TransformPassword("p"), "p");
-  EXPECT_EQ(application.ErrorCodeOf(static_cast<std::int32_t>(0x80040000U) + 28004), 28004);
-  application.Notify();
-  EXPECT_EQ(notified, 1);
-
-  options.domain_name = "D";
-  options.transform_password = [](std::string_view p) { return std::string(p.rbegin(), p.rend()); };
-  ConsoleApplication other(options);
-  EXPECT_EQ(other.DomainName() + other.TransformPassword("ab"), "Dba");
-}
-
-TEST(ConfiguredSpreadsheet, StartsOnlyWhenConfigured) {
-  EXPECT_EQ(ConfiguredSpreadsheet("12.0").CreateInstance()->Version(), "12.0");
-  EXPECT_THAT(FailureOfCall([] { (void)ConfiguredSpreadsheet().CreateInstance(); }),
-              HasSubstr("429 The spreadsheet application is not installed"));
 }
 
 volatile std::sig_atomic_t g_interrupts = 0;

@@ -454,25 +454,6 @@ TEST(RequireOneStatement, FindsTheEndOfOneStatementAndRefusesASecond) {
   }
 }
 
-TEST(KindOf, LooksAtTheFirstWordsOnly) {
-  const std::vector<std::pair<const char*, StatementKind>> rows = {
-      {"/* x */ select 1", StatementKind::kSelect},
-      {"((SELECT", StatementKind::kSelect},
-      {"WITH a AS", StatementKind::kSelect},
-      {"Declare x", StatementKind::kBlock},
-      {"CREATE OR REPLACE PROCEDURE p", StatementKind::kCreateRoutine},
-      {"DROP FUNCTION f", StatementKind::kDropRoutine},
-      {"CREATE SEQUENCE", StatementKind::kCreateSequence},
-      {"DROP SEQUENCE s", StatementKind::kDropSequence},
-      {"CREATE TABLE t", StatementKind::kCreateTable},
-      {"CREATE OR REPLACE VIEW v", StatementKind::kOtherDefinition},
-      {"ROLLBACK", StatementKind::kTransaction},
-      {"SELECTED", StatementKind::kOther},
-      {"", StatementKind::kOther},
-  };
-  for (const auto& [sql, kind] : rows) EXPECT_EQ(KindOf(sql), kind) << sql;
-}
-
 // Calls as name[arguments], statements in braces.
 std::string Steps(std::string_view block) {
   return Attempt([&] {

@@ -143,26 +143,6 @@ TEST(SampleSite, RoutinesHaveTheirEffectOnTheTables) {
   }
 }
 
-TEST(SampleSite, AScenarioCopyKeepsItsIdWhenItIsMadeAgain) {
-  Site site(SiteRelease::kOld);
-  EXPECT_EQ(site.Call("ZR_Query.CreateFQuery(1,1)", 1), "null, 100");
-  EXPECT_EQ(site.Call("ZR_Query.CreateFQuery(1,3)", 1), "null, 101");
-  EXPECT_EQ(site.Call("ZR_Query.CreateFQuery(1,1)", 1), "null, 100");
-  EXPECT_EQ(site.Ask("SELECT StringData FROM PM_StringTable WHERE Id = 1000 ORDER BY Ordinal"),
-            "'SELECT CELL, ATTEMPTS, FAILURES FROM TRAFFIC_HOURLY WHERE HOUR BETWEEN 6 AND 21';"
-            "' AND (CELL LIKE 'CELL1%')'");
-}
-
-TEST(SampleSite, TheMailCheckSaysWhatIsWrong) {
-  Site site(SiteRelease::kOld);
-  const auto check = [&] { return site.Call("check_smtp_val(,'')", 1); };
-  EXPECT_EQ(check(), "0, 'Mail goes to mail.norvasta.example:25'");
-  site.Do("UPDATE ZR_SYSTEM_VALUE SET VALUE = '70000' WHERE VARIABLE_ID = 8");
-  EXPECT_EQ(check(), "2, 'System variable SmtpPort is not a port.'");
-  site.Do("DELETE FROM ZR_SYSTEM_VALUE WHERE VARIABLE_ID = 7");
-  EXPECT_EQ(check(), "1, 'System variable SmtpHost is not set.'");
-}
-
 TEST(SampleSite, AnswersOnServerGroupsAndData) {
   const char* const rows[][2] = {
       {"EA_Client.IsServerGroupDocumentValid( 1,0,1,1 )", "null"},

@@ -138,18 +138,17 @@ TEST_P(Contract, DictionaryViewsTellTheSchemaInUpperCase) {
 
 TEST_P(Contract, QuotingBringsEveryTextBack) {
   const ScriptedPlatform locale;
-  const std::string alphabet = "'\"\\%_;-\r\n\t |&:?${}aZ0\x01\x7F";
   std::vector<std::string> texts;
-  for (const char a : alphabet) {
-    for (const char b : alphabet) texts.push_back({a, b});
+  for (char a = 1; a > 0; ++a) {  // every pair of ASCII characters but NUL
+    for (char b = 1; b > 0; ++b) texts.push_back({a, b});
   }
   for (const char* text :
        {"\u00E4\u20AC", "\U0001F600'\U0001F600", "--", "/*", "*/", "''''", " "}) {
     texts.emplace_back(text);
   }
-  for (std::size_t i = 0; i < texts.size(); i += 40) {
+  for (std::size_t i = 0; i < texts.size(); i += 100) {
     std::string sql = "SELECT ";
-    const std::size_t end = std::min(texts.size(), i + 40);
+    const std::size_t end = std::min(texts.size(), i + 100);
     for (std::size_t j = i; j < end; ++j) {
       sql += (j > i ? "," : "") + MSabrel::DBStr(texts[j]).Value() + " AS C" + std::to_string(j);
     }

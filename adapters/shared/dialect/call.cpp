@@ -1,0 +1,223 @@
+// Names and calls: columns, sequences, stored routines, functions that the engine calls otherwise.
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "adapters/shared/dialect/rewriter.h"
+
+namespace sabrel::dialect {
+
+bool IsAggregate(std::string_view upper_name) {
+  constexpr std::array kAggregates{
+      std::string_view("COUNT"),    std::string_view("MAX"),     std::string_view("MIN"),
+      std::string_view("SUM"),      std::string_view("AVG"),     std::string_view("LISTAGG"),
+      std::string_view("STDDEV"),   std::string_view("MEDIAN"),  std::string_view("WM_CONCAT"),
+      std::string_view("VARIANCE"), std::string_view("COLLECT"), std::string_view("XMLAGG")};
+  for (const std::string_view name : kAggregates) {
+    if (name == upper_name) return true;
+  }
+  return false;
+}
+
+namespace {
+
+// The empty text constant is Oracle's NULL.
+bool IsEmptyText(std::string_view token_text) {
+  constexpr std::size_t kLongestEmpty = 6;  // nq'[]'
+  return token_text.size() <= kLongestEmpty && ValueOfText(token_text).empty();
+}
+
+}  // namespace
+
+void Rewriter::NameOrCall() {
+  const std::size_t first = at_;
+  if (IsReservedByOracle(Here().word) && Here().word != Word::kReplace) {
+    Fail(936, "missing expression");
+  }
+  if (IsWord(Word::kSystemDate) && !IsSymbol(Ahead(1), '.') && !IsSymbol(Ahead(1), '(')) {
+    edits_.Replace(at_++, engine_.SystemDate());
+    return;
+  }
+  ++at_;
+  while (IsSymbol('.')) {
+    ++at_;
+    if (SkipSymbol('*')) {  // t.* of a select list
+      return QuoteReserved(first, at_ - 3);
+    }
+    const Token& part = Here();
+    if (part.kind != TokenKind::kWord && part.kind != TokenKind::kQuotedName) {
+      Fail(936, "missing name behind \".\"");
+    }
+    ++at_;
+  }
+  const std::size_t last = at_ - 1;
+  const bool is_sequence = last > first && (tokens_[last].word == Word::kNextval ||
+                                            tokens_[last].word == Word::kCurrval);
+  if (is_sequence) {
+    return UseSequence(first, last);
+  }
+  if (IsSymbol('(') && !(IsSymbol(Ahead(1), '+') && IsSymbol(Ahead(2), ')'))) {
+    return Call(first, last);
+  }
+  QuoteReserved(first, last);
+}
+
+// All uses of a sequence in one row are one value in Oracle; engines draw at each.
+void Rewriter::UseSequence(std::size_t first, std::size_t last) {
+  const std::string_view name =
+      sql_.substr(tokens_[first].begin, tokens_[last - 2].end - tokens_[first].begin);
+  const bool draws = tokens_[last].word == Word::kNextval;
+  SequenceUse use{{}, draws};
+  for (std::size_t i = first; i < last; i += 2) use.name += Upper(tokens_[i]) + ".";
+  for (const SequenceUse& other : sequences_) {
+    if (other.name == use.name && (other.draws || draws)) {
+      Fail(900, "NEXTVAL is supported only once per sequence in a statement");
+    }
+  }
+  sequences_.push_back(std::move(use));
+  writes_ = writes_ || draws;
+  edits_.Replace(first, draws ? engine_.NextValue(name) : engine_.CurrentValue(name));
+  for (std::size_t i = first + 1; i <= last; ++i) edits_.Remove(i);
+}
+
+void Rewriter::QuoteReserved(std::size_t first, std::size_t last) {
+  for (std::size_t i = first; i <= last; i += 2) {
+    if (tokens_[i].kind == TokenKind::kWord && engine_.IsReservedWord(Upper(tokens_[i]))) {
+      edits_.Quote(i);
+    }
+  }
+}
+
+void Rewriter::CallName(std::size_t first, std::size_t last) {
+  std::string name = Upper(tokens_[first]);
+  for (std::size_t i = first + 2; i <= last; i += 2) name += "." + Upper(tokens_[i]);
+  if (first == last) {
+    if (facts_ != nullptr && IsAggregate(name)) facts_->has_aggregate = true;
+    const std::string_view renamed = engine_.FunctionName(name);
+    if (!renamed.empty()) return edits_.Replace(first, std::string(renamed));
+  }
+  const std::optional<Engine::RoutineFacts> facts = engine_.FindRoutine(name);
+  if (!facts) {
+    if (first == last) return;
+    std::string shown;
+    for (std::size_t i = first; i <= last; i += 2) {
+      shown += (i == first ? "\"" : ".\"") + Upper(tokens_[i]) + "\"";
+    }
+    throw SyntaxFailure{904, shown + ": invalid identifier"};
+  }
+  writes_ = writes_ || facts->writes;
+  const std::string_view written =
+      sql_.substr(tokens_[first].begin, tokens_[last].end - tokens_[first].begin);
+  Engine::CallOpening opening = engine_.RoutineCall(written);
+  const bool has_arguments = !IsSymbol(Ahead(1), ')');
+  if (opening.comma_before_arguments && has_arguments) opening.text += ',';
+  edits_.Replace(first, std::move(opening.text));
+  for (std::size_t i = first + 1; i <= last + 1; ++i) edits_.Remove(i);  // and its "("
+}
+
+void Rewriter::Call(std::size_t first, std::size_t last) {
+  if (first == last && IsText(tokens_[first], "DECODE")) return Decode(first);
+  CallName(first, last);
+  {
+    const Level level(*this);
+    if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
+    ++at_;
+    if (!IsSymbol(')')) Arguments();
+    ExpectSymbol(')', 907, "missing right parenthesis");
+  }
+  if (IsWord(Word::kOver) && IsSymbol(Ahead(1), '(')) Window();
+}
+
+// DECODE(a, 1, b, NULL, c, d) becomes CASE with the same operands at the same places, so that only
+// the result that is wanted is computed. Oracle compares in the type of the first value searched;
+// where that is not known by a constant the engine's own DECODE must do.
+void Rewriter::Decode(std::size_t name) {
+  struct Argument {
+    std::size_t first;
+    std::size_t last;
+    Type type;
+    bool is_null;
+  };
+  std::vector<Argument> arguments;
+  {
+    const Level level(*this);
+    if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
+    do {
+      const std::size_t first = ++at_;
+      Condition();
+      const std::size_t constant = first + (IsSymbol(tokens_[first], '-') ? 1 : 0);
+      const bool is_one = constant + 1 == at_;
+      const Token& token = tokens_[constant];
+      const bool is_text = token.kind == TokenKind::kText;
+      const bool is_null =
+          is_one && (token.word == Word::kNull || (is_text && IsEmptyText(TextOf(sql_, token))));
+      Type type = Type::kUnknown;
+      if (is_one && token.kind == TokenKind::kNumber) type = Type::kNumber;
+      if (is_one && is_text && !is_null) type = Type::kText;
+      arguments.push_back({first, at_ - 1, type, is_null});
+    } while (IsSymbol(','));
+    ExpectSymbol(')', 907, "missing right parenthesis");
+  }
+  Type type = Type::kUnknown;
+  bool may_be_null = false;
+  for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
+    const Argument& searched = arguments[i];
+    may_be_null = may_be_null || searched.is_null || searched.type == Type::kUnknown;
+    if (type != Type::kUnknown || searched.is_null) continue;
+    if (searched.type == Type::kUnknown) break;
+    type = searched.type;
+  }
+  const bool is_text = type == Type::kText;
+  const std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
+  if (type == Type::kUnknown) return;
+  const auto compare_with = [&](const Argument& argument) {
+    if (argument.type != type && !argument.is_null) {
+      edits_.Wrap(argument.first, argument.last, convert);
+    }
+    if (may_be_null && argument.type != type) {
+      edits_.Wrap(argument.first, argument.last, "COALESCE(");
+      edits_.AppendBehind(argument.last, "," + std::string(engine_.NoValue()) + ")");
+    }
+  };
+  edits_.Replace(name, "CASE ");
+  edits_.Remove(name + 1);
+  compare_with(arguments[0]);
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const bool is_default = i % 2 == 1 && i + 1 == arguments.size();
+    const bool is_searched = i % 2 == 1 && !is_default;
+    edits_.Replace(arguments[i].first - 1,
+                   is_default ? " ELSE " : (is_searched ? " WHEN " : " THEN "));
+    if (is_searched) compare_with(arguments[i]);
+  }
+  edits_.Replace(at_ - 1, " END");
+  is_renamed_ = true;
+}
+
+void Rewriter::Arguments() {
+  if (SkipSymbol('*')) return;
+  if (SkipWord(Word::kUnique)) {
+    edits_.Replace(at_ - 1, "DISTINCT");
+  } else if (!SkipWord(Word::kDistinct) && SkipWord(Word::kAll)) {
+    edits_.Remove(at_ - 1);
+  }
+  ExpressionList();
+}
+
+void Rewriter::Window() {
+  const Level level(*this);
+  if (facts_ != nullptr) facts_->has_aggregate = true;
+  lift_ = Lift::kNever;
+  at_ += 2;
+  if (SkipText("PARTITION")) {
+    ExpectWord(Word::kBy, 905, "missing keyword BY");
+    ExpressionList();
+  }
+  if (SkipWord(Word::kOrder)) {
+    ExpectWord(Word::kBy, 905, "missing keyword BY");
+    OrderList();
+  }
+  while (!IsSymbol(')') && Here().kind != TokenKind::kEnd) ++at_;  // ROWS BETWEEN ...
+  ExpectSymbol(')', 907, "missing right parenthesis");
+}
+
+}  // namespace sabrel::dialect

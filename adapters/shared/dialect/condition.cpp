@@ -1,0 +1,160 @@
+// Conditions: comparisons, and what is known of the types on their two sides.
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "adapters/shared/dialect/rewriter.h"
+
+namespace sabrel::dialect {
+
+namespace {
+
+// Functions whose type is the same whatever their arguments are.
+constexpr std::array kNumberFunctions{
+    std::string_view("COUNT"),  std::string_view("SUM"),   std::string_view("AVG"),
+    std::string_view("LENGTH"), std::string_view("INSTR"), std::string_view("MOD"),
+    std::string_view("ABS"),    std::string_view("SIGN"),  std::string_view("CEIL"),
+    std::string_view("FLOOR"),  std::string_view("POWER"), std::string_view("TO_NUMBER")};
+constexpr std::array kTextFunctions{
+    std::string_view("UPPER"), std::string_view("LOWER"),  std::string_view("SUBSTR"),
+    std::string_view("TRIM"),  std::string_view("LTRIM"),  std::string_view("RTRIM"),
+    std::string_view("LPAD"),  std::string_view("RPAD"),   std::string_view("REPLACE"),
+    std::string_view("CHR"),   std::string_view("CONCAT"), std::string_view("TO_CHAR")};
+
+template <std::size_t kCount>
+bool IsOneOf(std::string_view name, const std::array<std::string_view, kCount>& names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+}  // namespace
+
+void Rewriter::Condition() {
+  do {
+    Predicate();
+  } while (SkipWord(Word::kAnd) || SkipWord(Word::kOr));
+}
+
+void Rewriter::Predicate() {
+  while (SkipWord(Word::kNot)) {
+  }
+  Comparison();
+}
+
+void Rewriter::Comparison() {
+  if (SkipWord(Word::kExists)) {
+    if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
+    Parenthesis();
+    return;
+  }
+  const Operand left = Sum();
+  while (true) {
+    if (OrderComparison(left)) continue;
+    const bool is_negated =
+        IsWord(Word::kNot) && (Ahead(1).word == Word::kIn || Ahead(1).word == Word::kLike ||
+                               Ahead(1).word == Word::kBetween);
+    if (is_negated) ++at_;
+    if (SkipWord(Word::kIs)) {
+      SkipWord(Word::kNot);
+      ExpectWord(Word::kNull, 908, "missing NULL keyword");
+    } else if (SkipWord(Word::kIn)) {
+      if (IsSymbol('(')) {
+        Parenthesis();
+      } else {
+        (void)Sum();
+      }
+    } else if (SkipWord(Word::kLike)) {
+      (void)Sum();
+      if (SkipWord(Word::kEscape)) (void)Sum();
+    } else if (SkipWord(Word::kBetween)) {
+      (void)Sum();
+      ExpectWord(Word::kAnd, 905, "missing keyword AND of BETWEEN");
+      (void)Sum();
+    } else {
+      return;
+    }
+  }
+}
+
+// `left` = < > <= >= <> ..., where one stands here.
+bool Rewriter::OrderComparison(const Operand& left) {
+  const std::size_t operation = at_;
+  if (!SkipSymbol('=') && !SkipSymbol('<') && !SkipSymbol('>') && !SkipSymbol(kLessOrEqual) &&
+      !SkipSymbol(kGreaterOrEqual) && !SkipSymbol(kNotEqual)) {
+    return false;
+  }
+  const char symbol = tokens_[operation].symbol;
+  if (symbol == kNotEqual) edits_.Replace(operation, "<>");
+  if (IsWord(Word::kAny) || IsWord(Word::kAll) || IsText(Here(), "SOME")) {
+    if (IsSymbol(Ahead(1), '(')) {
+      Quantified(operation);
+      return true;
+    }
+  }
+  const Operand right = Sum();
+  const std::string_view compare = engine_.CompareFunction();
+  if (compares_ && !compare.empty() && NeedConversion(TypeOf(left), TypeOf(right))) {
+    std::string sign(TextOf(sql_, tokens_[operation]));
+    if (symbol == kNotEqual) sign = "<>";
+    edits_.Replace(operation, ",");
+    edits_.Wrap(left.first, right.last, compare);
+    edits_.AppendBehind(right.last, sign + "0");
+    is_renamed_ = true;
+  }
+  return true;
+}
+
+// = ANY (...) and <> ALL (...) are IN and NOT IN.
+void Rewriter::Quantified(std::size_t operation) {
+  const char symbol = tokens_[operation].symbol;
+  const bool is_all = IsWord(Word::kAll);
+  if (is_all ? symbol != kNotEqual : symbol != '=') {
+    Fail(900, "only = ANY and <> ALL are supported");
+  }
+  edits_.Replace(operation, is_all ? " NOT IN" : " IN");
+  edits_.Remove(at_++);
+  Parenthesis();
+}
+
+// Whether the engine would compare values of unlike types. It converts beside a bare column by
+// itself, and an index on that column goes on to serve.
+bool Rewriter::NeedConversion(Type left, Type right) {
+  const auto is_number = [](Type t) { return t == Type::kNumber || t == Type::kNumberConstant; };
+  const auto is_text = [](Type t) { return t == Type::kText || t == Type::kTextConstant; };
+  if ((is_number(left) && is_text(right)) || (is_text(left) && is_number(right))) return true;
+  return (left == Type::kTextConstant && right == Type::kUnknown) ||
+         (right == Type::kTextConstant && left == Type::kUnknown);
+}
+
+Rewriter::Type Rewriter::TypeOf(Operand operand) const {
+  if (operand.function.empty()) {
+    while (operand.first < operand.last && IsSymbol(tokens_[operand.first], '(') &&
+           IsSymbol(tokens_[operand.last], ')')) {
+      ++operand.first;
+      --operand.last;
+    }
+  }
+  const Token& first = tokens_[operand.first];
+  if (operand.is_number) return Type::kNumberConstant;
+  if (operand.first == operand.last && first.kind == TokenKind::kText) return Type::kTextConstant;
+  if (operand.first == operand.last && first.kind == TokenKind::kParameter) return Type::kColumn;
+  if (!operand.function.empty()) {
+    return operand.function == engine_.ConcatenateFunction() ? Type::kText : Type::kUnknown;
+  }
+  if (operand.shape == Shape::kProduct) return Type::kNumber;
+  bool is_name = true;  // a, t.a
+  for (std::size_t i = operand.first; i <= operand.last && is_name; ++i) {
+    const bool is_dot = (i - operand.first) % 2 == 1;
+    is_name =
+        is_dot ? IsSymbol(tokens_[i], '.')
+               : tokens_[i].kind == TokenKind::kWord || tokens_[i].kind == TokenKind::kQuotedName;
+  }
+  if (is_name && first.word != Word::kSystemDate) return Type::kColumn;
+  const bool is_call = operand.first < operand.last && first.kind == TokenKind::kWord &&
+                       IsSymbol(tokens_[operand.first + 1], '(');
+  if (!is_call) return Type::kUnknown;
+  const std::string name = Upper(first);
+  if (IsOneOf(name, kNumberFunctions)) return Type::kNumber;
+  return IsOneOf(name, kTextFunctions) ? Type::kText : Type::kUnknown;
+}
+
+}  // namespace sabrel::dialect
