@@ -17,5 +17,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/SabrelConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/SabrelConfig.cmake ${PROJECT_BINARY_DIR}/SabrelConfigVersion.cmake
   DESTINATION ${package_dir})
 
+# Relative, so that an installed tree may be moved or installed under another prefix than it was configured for.
+file(RELATIVE_PATH SABREL_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/sabrel.pc.in ${PROJECT_BINARY_DIR}/sabrel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/sabrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
