@@ -1,6 +1,7 @@
 // SUM and AVG, also over windows.
 #include <sqlite3.h>
 
+#include <cmath>
 #include <new>
 
 #include "adapters/sqlite/failure.h"
@@ -15,7 +16,10 @@ struct Total {
   std::int64_t count = 0;
   std::int64_t reals = 0;
   std::int64_t whole = 0;
-  long double real = 0.0L;
+  // The sum and what its rounding has lost; the engine's memory is too coarsely aligned for a long
+  // double.
+  double real = 0.0;
+  double lost = 0.0;
   bool has_overflown = false;
 
   void Take(const Value& value, int sign) {
@@ -29,16 +33,21 @@ struct Total {
                                 : __builtin_sub_overflow(whole, number.integer, &whole)) ||
                       has_overflown;
     }
-    real += sign * (number.kind == Value::Kind::kReal ? static_cast<long double>(number.real)
-                                                      : static_cast<long double>(number.integer));
+    AddReal(sign * (number.kind == Value::Kind::kReal ? number.real
+                                                      : static_cast<double>(number.integer)));
+  }
+  void AddReal(double term) {
+    const double sum = real + term;
+    lost += std::abs(real) >= std::abs(term) ? (real - sum) + term : (term - sum) + real;
+    real = sum;
   }
   [[nodiscard]] Value Sum() const {
     if (count == 0) return {};
-    return reals == 0 && !has_overflown ? IntegerValue(whole) : Tidy(static_cast<double>(real));
+    return reals == 0 && !has_overflown ? IntegerValue(whole) : Tidy(real + lost);
   }
   [[nodiscard]] Value Average() const {
     if (count == 0) return {};
-    return Tidy(static_cast<double>(real / static_cast<long double>(count)));
+    return Tidy((real + lost) / static_cast<double>(count));
   }
 };
 
