@@ -16,11 +16,13 @@ class Instance final : public SpreadsheetInstance {
 
 }  // namespace
 
-std::unique_ptr<SpreadsheetInstance> ConfiguredSpreadsheet::CreateInstance() {
+std::unique_ptr<SpreadsheetInstance> ConfiguredSpreadsheet::CreateInstance(
+    std::string_view automation_class) {
   if (version_.empty()) {
     throw RuntimeError(kCannotCreateObject, "Sabrel",
-                       "The spreadsheet application is not installed; configure its version "
-                       "(for example 12.0) if it is");
+                       "The spreadsheet application (" + std::string(automation_class) +
+                           ") is not installed; configure its version (for example 12.0) if it "
+                           "is");
   }
   return std::make_unique<Instance>(version_);
 }

@@ -17,7 +17,8 @@ class ConfiguredSpreadsheet final : public SpreadsheetApplication {
   explicit ConfiguredSpreadsheet(std::string version) : version_(std::move(version)) {}
 
   /// Errors: 429 when it is not installed
-  [[nodiscard]] std::unique_ptr<SpreadsheetInstance> CreateInstance() override;
+  [[nodiscard]] std::unique_ptr<SpreadsheetInstance> CreateInstance(
+      std::string_view automation_class) override;
 
  private:
   std::string version_;

@@ -2,6 +2,14 @@
 
 #include "sabrel/core/query_execution.h"
 #include "sabrel/core/session.h"
+#include "sabrel/domain/data_range.h"
+#include "sabrel/domain/entity_aggregation.h"
+#include "sabrel/domain/query_text_copies.h"
+#include "sabrel/domain/report_checks.h"
+#include "sabrel/domain/spreadsheet_limits.h"
+#include "sabrel/domain/time_slices.h"
+#include "sabrel/domain/update_times.h"
+#include "sabrel/domain/validation.h"
 #include "sabrel/sql/literals.h"
 #include "sabrel/sql/schema_probes.h"
 #include "sabrel/sql/value_conversion.h"
@@ -123,6 +131,98 @@ bool SystemValueExists(std::string_view sName, std::string_view sValue, std::str
                        std::string_view sPassword, std::int32_t nTimeOut) {
   return MSabrel::SystemValueExists(sName, sValue, sHostName, nPortNumber, sUserName, sPassword,
                                     nTimeOut);
+}
+
+std::int32_t EA_Add_Common_Entity(std::string_view sEntityName, std::int32_t ordParent) {
+  return MSabrel::EA_Add_Common_Entity(sEntityName, ordParent);
+}
+bool EA_Reparent_Common_Entity(std::int32_t ordEntity, std::int32_t ordParent) {
+  return MSabrel::EA_Reparent_Common_Entity(ordEntity, ordParent);
+}
+bool EA_Add_EntityEQV(std::int32_t ordVersion, std::string_view sCommonName,
+                      const Variant& sEntityLabel) {
+  return MSabrel::EA_Add_EntityEQV(ordVersion, sCommonName, sEntityLabel);
+}
+bool EA_Remove_Common_Entity(std::int32_t ordEntity) {
+  return MSabrel::EA_Remove_Common_Entity(ordEntity);
+}
+bool EntityHasEQV(std::int32_t ordID) { return MSabrel::EntityHasEQV(ordID); }
+std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
+                               const Variant& dtTimeStamp, std::int32_t ordServerID) {
+  return MSabrel::IsEADocumentReady(ordGrpID, OrdUserID, dtTimeStamp, ordServerID);
+}
+Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime) {
+  return MSabrel::ClearEATempRecords(ordUser, dtTime);
+}
+void LastEntityUpdate() { MSabrel::LastEntityUpdate(); }
+void LastFieldUpdate() { MSabrel::LastFieldUpdate(); }
+bool EntitiesCurrent() { return MSabrel::EntitiesCurrent(); }
+bool FieldsCurrent() { return MSabrel::FieldsCurrent(); }
+
+bool LengthyReportsConfigured() { return MSabrel::LengthyReportsConfigured(); }
+bool IsLengthyReport(std::int32_t nReportID) { return MSabrel::IsLengthyReport(nReportID); }
+bool IsLengthyReportGroup(std::int32_t nJobID) { return MSabrel::IsLengthyReportGroup(nJobID); }
+bool IsCspNeeded(std::int32_t GrpID) { return MSabrel::IsCspNeeded(GrpID); }
+bool IsDtsNeeded(std::int32_t GrpID) { return MSabrel::IsDtsNeeded(GrpID); }
+std::int32_t JobReportsTooBigForXL(std::string_view sJobId) {
+  return MSabrel::JobReportsTooBigForXL(sJobId);
+}
+bool ReportTooBigForXL(std::string_view sTaskID) { return MSabrel::ReportTooBigForXL(sTaskID); }
+Variant TestRowLimit(std::int32_t lngRowCount) { return MSabrel::TestRowLimit(lngRowCount); }
+
+bool IsServerGroupDocumentValid(std::string_view sAppName, const Variant& ordID,
+                                std::string_view sSaveMode) {
+  return MSabrel::IsServerGroupDocumentValid(sAppName, ordID, sSaveMode);
+}
+bool IsReportGroupServerDocumentValid(std::string_view sAppName, std::int32_t GrpID,
+                                      std::string_view sSaveMode, std::string_view sServerName) {
+  return MSabrel::IsReportGroupServerDocumentValid(sAppName, GrpID, sSaveMode, sServerName);
+}
+bool TestServerConnection(std::string_view sHost, std::int32_t nPort, std::string_view sUser,
+                          std::string_view sPwd, std::int32_t nTOut, std::string_view sCaption,
+                          bool bShowMsg) {
+  return MSabrel::TestServerConnection(sHost, nPort, sUser, sPwd, nTOut, sCaption, bShowMsg);
+}
+bool Is_SMTP_Ready(std::int32_t& nErrCode, std::string& sErrMsg) {
+  return MSabrel::Is_SMTP_Ready(nErrCode, sErrMsg);
+}
+std::string FindOrCreateUser(std::string_view sHost, std::int32_t nPort, std::string_view sUser,
+                             std::string_view sPwd, std::int32_t nTOut, std::string_view bCreate) {
+  return MSabrel::FindOrCreateUser(sHost, nPort, sUser, sPwd, nTOut, bCreate);
+}
+
+std::int32_t CopyOriginalQueryText(std::int32_t ordQueryID, std::int32_t ordFilterID) {
+  return MSabrel::CopyOriginalQueryText(ordQueryID, ordFilterID);
+}
+std::int32_t CopyScenarioQueryText(std::int32_t ordQueryID, std::int32_t ordFilterID) {
+  return MSabrel::CopyScenarioQueryText(ordQueryID, ordFilterID);
+}
+Date GetRecordOldestDate() { return MSabrel::GetRecordOldestDate(); }
+Date GetRecordLatestDate() { return MSabrel::GetRecordLatestDate(); }
+
+std::int32_t GetTimeSliceSecondsValue(bool UseBusyhourTimeSlices) {
+  return MSabrel::GetTimeSliceSecondsValue(UseBusyhourTimeSlices);
+}
+void GetSecondsRange(std::int32_t iStart, std::int32_t& lFirstSec, std::int32_t& lLastSec,
+                     const FlagArray& afHrs, bool UseBusyhourTimeSlices) {
+  MSabrel::GetSecondsRange(iStart, lFirstSec, lLastSec, afHrs, UseBusyhourTimeSlices);
+}
+void GetSelRange(std::int32_t lStartNo, std::int32_t& lFirstHr, std::int32_t& lLastHr,
+                 const FlagArray& afHrs, bool UseBusyhourTimeSlices) {
+  MSabrel::GetSelRange(lStartNo, lFirstHr, lLastHr, afHrs, UseBusyhourTimeSlices);
+}
+Variant GetStartEndHour(std::int32_t lFirsHr, std::int32_t lLastHr, std::int32_t lFirstSec,
+                        std::int32_t lLastSec, std::int32_t& BeginHour, std::int32_t& EndingHour,
+                        bool UseBusyhourTimeSlices) {
+  return MSabrel::GetStartEndHour(lFirsHr, lLastHr, lFirstSec, lLastSec, BeginHour, EndingHour,
+                                  UseBusyhourTimeSlices);
+}
+
+std::shared_ptr<CDBObjectInitializers> DBObjectInitializers() {
+  return MSabrel::DBObjectInitializers();
+}
+void RegisterDBObjectInitializer(const std::shared_ptr<IDBObjectInitializer>& dboi) {
+  MSabrel::RegisterDBObjectInitializer(dboi);
 }
 
 }  // namespace sabrel::GSabrel

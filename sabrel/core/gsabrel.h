@@ -17,7 +17,9 @@
 
 #include "sabrel/config/system_values.h"
 #include "sabrel/core/error_object.h"
+#include "sabrel/domain/object_initializers.h"
 #include "sabrel/platform/date.h"
+#include "sabrel/platform/flag_array.h"
 #include "sabrel/platform/platform.h"
 #include "sabrel/platform/recordset.h"
 #include "sabrel/platform/variant.h"
@@ -28,11 +30,8 @@ namespace sabrel::GSabrel {
 // Errors: error_object.h. Machine, installation, product, connection strings: session.h.
 void ClearConnectionError();
 [[nodiscard]] bool CheckConnectionError();
-[[nodiscard]] std::int32_t ModuleNameMaxLength();
 [[nodiscard]] std::shared_ptr<CErrorObject> SabrelErrorObject();
 [[nodiscard]] std::shared_ptr<ErrorHandler> SabrelErrorHandler();
-[[nodiscard]] std::int16_t GetProcedureLength(std::string_view sPackage,
-                                              std::string_view sProcedure);
 void LoadMachineId();
 void LoadMachineInfo();
 [[nodiscard]] bool IncludeDSMonitor();
@@ -94,11 +93,76 @@ void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
 [[nodiscard]] std::string PadStr(std::string_view s);
 [[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
 
+// Common entities: entity_aggregation.h. Are loaded lists current?: update_times.h.
+[[nodiscard]] std::int32_t EA_Add_Common_Entity(std::string_view sEntityName,
+                                                std::int32_t ordParent);
+bool EA_Reparent_Common_Entity(std::int32_t ordEntity, std::int32_t ordParent);
+bool EA_Add_EntityEQV(std::int32_t ordVersion, std::string_view sCommonName,
+                      const Variant& sEntityLabel);
+bool EA_Remove_Common_Entity(std::int32_t ordEntity);
+[[nodiscard]] bool EntityHasEQV(std::int32_t ordID);
+[[nodiscard]] std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
+                                             const Variant& dtTimeStamp,
+                                             std::int32_t ordServerID = 0);
+[[nodiscard]] Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime);
+void LastEntityUpdate();
+void LastFieldUpdate();
+[[nodiscard]] bool EntitiesCurrent();
+[[nodiscard]] bool FieldsCurrent();
+
+// Before a report runs: report_checks.h, spreadsheet_limits.h.
+[[nodiscard]] bool LengthyReportsConfigured();
+[[nodiscard]] bool IsLengthyReport(std::int32_t nReportID);
+[[nodiscard]] bool IsLengthyReportGroup(std::int32_t nJobID);
+[[nodiscard]] bool IsCspNeeded(std::int32_t GrpID);
+[[nodiscard]] bool IsDtsNeeded(std::int32_t GrpID);
+[[nodiscard]] std::int32_t JobReportsTooBigForXL(std::string_view sJobId);
+[[nodiscard]] bool ReportTooBigForXL(std::string_view sTaskID);
+[[nodiscard]] Variant TestRowLimit(std::int32_t lngRowCount);
+
+// May a document, a server, a user, mail be used?: validation.h.
+[[nodiscard]] bool IsServerGroupDocumentValid(std::string_view sAppName, const Variant& ordID,
+                                              std::string_view sSaveMode = "SaveOn");
+[[nodiscard]] bool IsReportGroupServerDocumentValid(std::string_view sAppName, std::int32_t GrpID,
+                                                    std::string_view sSaveMode,
+                                                    std::string_view sServerName);
+[[nodiscard]] bool TestServerConnection(std::string_view sHost, std::int32_t nPort,
+                                        std::string_view sUser, std::string_view sPwd,
+                                        std::int32_t nTOut, std::string_view sCaption = "",
+                                        bool bShowMsg = true);
+[[nodiscard]] bool Is_SMTP_Ready(std::int32_t& nErrCode, std::string& sErrMsg);
+[[nodiscard]] std::string FindOrCreateUser(std::string_view sHost, std::int32_t nPort,
+                                           std::string_view sUser, std::string_view sPwd,
+                                           std::int32_t nTOut, std::string_view bCreate);
+
+// Copies of query texts: query_text_copies.h. The span of the data: data_range.h.
+std::int32_t CopyOriginalQueryText(std::int32_t ordQueryID, std::int32_t ordFilterID);
+std::int32_t CopyScenarioQueryText(std::int32_t ordQueryID, std::int32_t ordFilterID);
+[[nodiscard]] Date GetRecordOldestDate();
+[[nodiscard]] Date GetRecordLatestDate();
+
+// Slices of the day: time_slices.h.
+[[nodiscard]] std::int32_t GetTimeSliceSecondsValue(bool UseBusyhourTimeSlices);
+void GetSecondsRange(std::int32_t iStart, std::int32_t& lFirstSec, std::int32_t& lLastSec,
+                     const FlagArray& afHrs, bool UseBusyhourTimeSlices);
+void GetSelRange(std::int32_t lStartNo, std::int32_t& lFirstHr, std::int32_t& lLastHr,
+                 const FlagArray& afHrs, bool UseBusyhourTimeSlices);
+Variant GetStartEndHour(std::int32_t lFirsHr, std::int32_t lLastHr, std::int32_t lFirstSec,
+                        std::int32_t lLastSec, std::int32_t& BeginHour, std::int32_t& EndingHour,
+                        bool UseBusyhourTimeSlices);
+
+// The host's objects that load from the database: object_initializers.h.
+[[nodiscard]] std::shared_ptr<CDBObjectInitializers> DBObjectInitializers();
+void RegisterDBObjectInitializer(const std::shared_ptr<IDBObjectInitializer>& dboi);
+
 // Settings of the site: system_values.h. What the schema has: schema_probes.h. Product: session.h.
 [[nodiscard]] std::string NHighAttemptsEnabled();
 void GetNHighAttemptsValue();
 [[nodiscard]] bool EmailEnabled();
 void ResetExistingTables();
+[[nodiscard]] std::int32_t ModuleNameMaxLength();
+[[nodiscard]] std::int16_t GetProcedureLength(std::string_view sPackage,
+                                              std::string_view sProcedure);
 [[nodiscard]] bool DoesTableExist(std::string_view sTable, std::string_view sHostName = "",
                                   std::int32_t nPortNumber = 0, std::string_view sUserName = "",
                                   std::string_view sPassword = "", std::int32_t nTimeOut = 0);

@@ -17,6 +17,8 @@ struct RequestChannel {
 };
 
 constexpr std::string_view kQueryLabel = "Query: ";
+// Functions that yield text run as long as the server lets them.
+constexpr std::int32_t kFunctionTextTimeOut_s = 0;
 
 std::string QueryLine(std::string_view sSql) { return std::string(kQueryLabel).append(sSql); }
 
@@ -119,12 +121,12 @@ std::string ExecuteQueryReturningString(std::string_view sQuery, std::string_vie
                                         std::string_view sHostName, std::int32_t nPortNumber,
                                         std::string_view sUserName, std::string_view sPassword,
                                         std::int32_t nTimeOut) {
-  std::string text(sDefault);  // a failed query's box may take the caller's away
+  std::string otherwise(sDefault);  // a failed query's box may take the caller's away
   const RecordsetRef rows =
       ExecuteQuery(sQuery, false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
   const CloseAtEnd closing(rows);
-  if (const auto value = FirstValue(rows)) text = ToText(*value);
-  return text;
+  const auto value = FirstValue(rows);
+  return value ? ToText(*value) : otherwise;
 }
 
 Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault) {
@@ -140,7 +142,16 @@ std::int32_t ExecuteFunctionReturningLong(std::string_view sProc, std::string_vi
 }
 
 std::string ExecuteFunctionReturningString(std::string_view sProc, std::string_view sArgs) {
-  return ExecuteQueryReturningString(FunctionSelect(sProc, sArgs));
+  return AskFunctionForString(sProc, sArgs).value_or("");
+}
+
+std::optional<std::string> AskFunctionForString(std::string_view sProc, std::string_view sArgs) {
+  const RecordsetRef rows =
+      ExecuteQuery(FunctionSelect(sProc, sArgs), false, {}, 0, {}, {}, kFunctionTextTimeOut_s);
+  if (!rows) return std::nullopt;
+  const CloseAtEnd closing(rows);
+  const auto value = FirstValue(rows);
+  return value ? ToText(*value) : std::string();
 }
 
 void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs) {

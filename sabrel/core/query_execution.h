@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -58,6 +59,10 @@ void ExecuteRequest(std::string_view sSql, std::string_view sHostName = {},
                                                         std::string_view sArgs);
 [[nodiscard]] std::string ExecuteFunctionReturningString(std::string_view sProc,
                                                          std::string_view sArgs);
+/// As ExecuteFunctionReturningString, but nothing when the query failed, for callers to whom no
+/// answer and an empty one are not the same.
+[[nodiscard]] std::optional<std::string> AskFunctionForString(std::string_view sProc,
+                                                              std::string_view sArgs);
 
 /// Runs "BEGIN proc( args ); END;", the arguments as DBArg writes them, a comma between any two.
 /// Errors: as ExecuteRequest; 13 for an argument without text. Cost: one round trip

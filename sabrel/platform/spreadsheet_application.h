@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace sabrel {
 
@@ -16,8 +17,10 @@ class SpreadsheetInstance {
 class SpreadsheetApplication {
  public:
   virtual ~SpreadsheetApplication() = default;
-  /// Always a new instance; it ends with the returned object. Errors: when it is not installed
-  [[nodiscard]] virtual std::unique_ptr<SpreadsheetInstance> CreateInstance() = 0;
+  /// Always a new instance of the automation class; it ends with the returned object.
+  /// Errors: when the class is not installed
+  [[nodiscard]] virtual std::unique_ptr<SpreadsheetInstance> CreateInstance(
+      std::string_view automation_class) = 0;
 };
 
 }  // namespace sabrel

@@ -265,11 +265,24 @@ class ScriptedRegistry final : public Registry {
   std::shared_ptr<Script> script_;
 };
 
-class NoSpreadsheet final : public SpreadsheetApplication {
+class ScriptedSpreadsheet final : public SpreadsheetApplication {
  public:
-  std::unique_ptr<SpreadsheetInstance> CreateInstance() override {
-    throw RuntimeError(429, "test", "not installed");
+  explicit ScriptedSpreadsheet(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+  std::unique_ptr<SpreadsheetInstance> CreateInstance(std::string_view automation_class) override {
+    class Instance final : public SpreadsheetInstance {
+     public:
+      explicit Instance(std::string version) : version_(std::move(version)) {}
+      std::string Version() const override { return version_; }
+
+     private:
+      std::string version_;
+    };
+    script_->Step("start " + std::string(automation_class));
+    return std::make_unique<Instance>(script_->owner->spreadsheet_version);
   }
+
+ private:
+  std::shared_ptr<Script> script_;
 };
 
 }  // namespace
@@ -280,14 +293,15 @@ Refusal Refuse(std::int32_t native_number, std::string message) {
 
 Refusal ConnectionRefusal(std::int32_t code) { return {std::nullopt, code}; }
 
-ScriptedPlatform::ScriptedPlatform() : script_(std::make_shared<Script>()) {
+ScriptedPlatform::ScriptedPlatform(std::function<std::shared_ptr<Rowlink>()> open_session)
+    : script_(std::make_shared<Script>()) {
   script_->owner = this;
   UnloadThread();
-  InstallPlatform([script = script_] {
-    return Platform{std::make_shared<ScriptedRowlink>(script),
-                    std::make_shared<ScriptedServices>(script),
-                    std::make_shared<ScriptedApplication>(script),
-                    std::make_shared<ScriptedRegistry>(script), std::make_shared<NoSpreadsheet>()};
+  InstallPlatform([script = script_, open_session = std::move(open_session)] {
+    return Platform{
+        open_session ? open_session() : std::make_shared<ScriptedRowlink>(script),
+        std::make_shared<ScriptedServices>(script), std::make_shared<ScriptedApplication>(script),
+        std::make_shared<ScriptedRegistry>(script), std::make_shared<ScriptedSpreadsheet>(script)};
   });
 }
 
@@ -303,6 +317,8 @@ void ScriptedPlatform::Answer(Refusal refusal) {
 void ScriptedPlatform::Answer(RoutineOutcome outcome) {
   script_->answers.emplace_back(std::move(outcome));
 }
+
+void ScriptedPlatform::DropAnswers() { script_->answers.clear(); }
 
 void ScriptedPlatform::FailAtCall(int n, std::int32_t number) {
   script_->calls = 0;

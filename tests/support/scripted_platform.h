@@ -40,7 +40,10 @@ struct Refusal {
 
 class ScriptedPlatform {
  public:
-  ScriptedPlatform();
+  ScriptedPlatform() : ScriptedPlatform(nullptr) {}
+  /// Statements go to a real session instead, which `open_session` opens for each thread; the rest
+  /// is as scripted.
+  explicit ScriptedPlatform(std::function<std::shared_ptr<Rowlink>()> open_session);
   ~ScriptedPlatform();
   ScriptedPlatform(const ScriptedPlatform&) = delete;
   ScriptedPlatform& operator=(const ScriptedPlatform&) = delete;
@@ -49,6 +52,8 @@ class ScriptedPlatform {
   void Answer(Rows rows);
   void Answer(Refusal refusal);
   void Answer(RoutineOutcome outcome);
+  /// Forgets the answers that nothing asked for.
+  void DropAnswers();
 
   /// The n-th call of a seam function (locale, names and number questions aside) from here on
   /// throws a failure with number `number`; 0 for none.
@@ -67,6 +72,7 @@ class ScriptedPlatform {
   std::string product_name = "Norvasta";
   std::string machine_name = "MACHINE";
   std::string domain_name = "DOMAIN";
+  std::string spreadsheet_version = "12.0";
   /// Registry values under "path\\name"; a key is there when a value stands in or below it.
   std::map<std::string, std::string> registry;
 

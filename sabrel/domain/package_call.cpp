@@ -1,0 +1,55 @@
+#include "sabrel/domain/package_call.h"
+
+#include "sabrel/platform/platform.h"
+
+namespace sabrel::MSabrel {
+
+PackageCall::PackageCall(std::string_view sProcedure) {
+  const auto rowlink = CurrentPlatform().rowlink;
+  call_ = rowlink->MakeProcedureCall();
+  Deref(call_).ProcedureName(sProcedure);
+}
+
+PackageCall& PackageCall::Server(std::string_view host, std::int32_t port, std::string_view user,
+                                 std::string_view password, std::int32_t timeout_s) {
+  call_->Host(host);
+  call_->Port(port);
+  call_->UserName(user);
+  call_->Password(password);
+  call_->TimeOut(timeout_s);
+  return *this;
+}
+
+PackageCall& PackageCall::Integer(std::int32_t value) {
+  call_->AppendParameter(std::to_string(value), kInteger, "");
+  return *this;
+}
+
+PackageCall& PackageCall::String(std::string_view value) {
+  call_->AppendParameter(value, kString, "");
+  return *this;
+}
+
+PackageCall& PackageCall::Empty(std::string_view type_word) {
+  call_->AppendParameter("", type_word, "");
+  return *this;
+}
+
+Variant PackageCall::Execute() { return call_->Execute(); }
+
+Variant PackageCall::Parameter(std::int32_t index) const { return call_->ParameterValue(index); }
+
+bool IsTracing() { return CurrentPlatform().services->TraceSwitch(); }
+
+void WriteCallTrace(std::string_view caption, std::string_view call_text) {
+  const auto services = CurrentPlatform().services;
+  services->WriteTrace(std::string(caption) + "\r\n" + "Query: " + "BEGIN " +
+                       std::string(call_text) + " ; END;");
+}
+
+void TraceReturned(std::int32_t value) {
+  const auto services = CurrentPlatform().services;
+  services->WriteTrace("Function returned: " + std::to_string(value));
+}
+
+}  // namespace sabrel::MSabrel
