@@ -115,6 +115,20 @@ void JoinQueryDirect(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(Bench::Instance().Direct(JoinQuery()));
 }
 
+// A search whose pattern is another one each time.
+std::string SearchQuery() {
+  return "SELECT ID FROM T WHERE ID = " + std::to_string(NextId()) +
+         " AND NAME LIKE 'name of row " + std::to_string(NextId()) + "%'";
+}
+void SearchComponent(benchmark::State& state) {
+  Bench::Instance();
+  for (auto _ : state)
+    benchmark::DoNotOptimize(sabrel::GSabrel::ExecuteQueryReturningLong(SearchQuery()));
+}
+void SearchDirect(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(Bench::Instance().Direct(SearchQuery()));
+}
+
 void ScanComponent(benchmark::State& state) {
   Bench::Instance();
   for (auto _ : state) {
@@ -153,6 +167,8 @@ BENCHMARK(PointQueryComponent);
 BENCHMARK(PointQueryDirect);
 BENCHMARK(JoinQueryComponent);
 BENCHMARK(JoinQueryDirect);
+BENCHMARK(SearchComponent);
+BENCHMARK(SearchDirect);
 BENCHMARK(ScanComponent)->Unit(benchmark::kMillisecond);
 BENCHMARK(ScanDirect)->Unit(benchmark::kMillisecond);
 BENCHMARK(UpdateComponent);

@@ -34,48 +34,67 @@ std::optional<int> ScaleOf(std::string_view declared) {
   return scale;
 }
 
+/// Columns that keep a certain number of digits.
 struct Columns {
   std::string names;      // comma between
   std::string condition;  // that one has more digits than it keeps
   std::string rounded;    // assignments
-  std::string key;        // the row's own
 };
 
-Columns ColumnsOf(Connection& engine, std::string_view table) {
-  Columns columns;
-  const auto add = [](std::string& list, std::string_view between, const std::string& item) {
-    list += (list.empty() ? "" : std::string(between)) + item;
-  };
+struct Rounding {
+  Columns key;
+  Columns others;
+  std::string row;  // condition: the row's own key
+};
+
+std::string Joined(const std::string& list, std::string_view between, const std::string& more) {
+  return list + std::string(list.empty() || more.empty() ? "" : between) + more;
+}
+
+Rounding RoundingOf(Connection& engine, std::string_view table) {
+  Rounding rounding;
   Statement each = engine.Prepare("SELECT name, type, pk FROM pragma_table_info(?1)");
   each.Bind(1, table);
   while (each.Step()) {
     const std::string name = QuotedName(each.Column(0).text);
-    if (each.Column(2).integer > 0) add(columns.key, " AND ", name + " = NEW." + name);
+    const bool is_key = each.Column(2).integer > 0;
+    if (is_key) rounding.row = Joined(rounding.row, " AND ", name + " = NEW." + name);
     const std::optional<int> scale = ScaleOf(each.Column(1).text);
     if (!scale) continue;
     const std::string call = "round(NEW." + name + "," + std::to_string(*scale) + ")";
     // Whole numbers are kept as such, whatever they were written as.
     const std::string is_real = *scale < 0 ? "" : "typeof(NEW." + name + ") = 'real' AND ";
-    add(columns.names, ", ", name);
-    add(columns.condition, " OR ", "(" + is_real + "NEW." + name + " <> " + call + ")");
-    add(columns.rounded, ", ", name + " = " + call);
+    Columns& columns = is_key ? rounding.key : rounding.others;
+    columns.names = Joined(columns.names, ", ", name);
+    columns.condition =
+        Joined(columns.condition, " OR ", "(" + is_real + "NEW." + name + " <> " + call + ")");
+    columns.rounded = Joined(columns.rounded, ", ", name + " = " + call);
   }
-  if (columns.key.empty()) columns.key = "rowid = NEW.rowid";
-  return columns;
+  if (rounding.row.empty()) rounding.row = "rowid = NEW.rowid";
+  return rounding;
 }
 
 }  // namespace
 
 void AddRounding(Connection& engine, std::string_view table) {
-  const Columns columns = ColumnsOf(engine, table);
-  if (columns.names.empty()) return;
+  const auto [key, others, row] = RoundingOf(engine, table);
+  const std::string columns = Joined(others.names, ", ", key.names);
+  if (columns.empty()) return;
   const std::string name = QuotedName(table);
-  const std::string body = " ON " + name + " WHEN " + columns.condition + " BEGIN UPDATE " + name +
-                           " SET " + columns.rounded + " WHERE " + columns.key + "; END";
+  const std::string update = " UPDATE " + name + " SET ";
+  std::string body =
+      " ON " + name + " WHEN " + Joined(others.condition, " OR ", key.condition) + " BEGIN";
+  // The key apart: setting it, even to what it was, moves the row and looks for rows that refer to
+  // it. And first: the triggers that this fires round the rest, and there is no row left here.
+  if (!key.names.empty()) {
+    body += update + key.rounded + " WHERE (" + key.condition + ") AND " + row + ";";
+  }
+  if (!others.names.empty()) body += update + others.rounded + " WHERE " + row + ";";
+  body += " END";
   engine.Run(("CREATE TRIGGER " + TriggerName("insert", table) + " AFTER INSERT" + body).c_str());
-  engine.Run(("CREATE TRIGGER " + TriggerName("update", table) + " AFTER UPDATE OF " +
-              columns.names + body)
-                 .c_str());
+  engine.Run(
+      ("CREATE TRIGGER " + TriggerName("update", table) + " AFTER UPDATE OF " + columns + body)
+          .c_str());
 }
 
 void DropRounding(Connection& engine, std::string_view table) {

@@ -51,6 +51,7 @@ class SqliteDialect final : public dialect::Engine {
   [[nodiscard]] std::string_view ConcatenateFunction() const override { return "sabrel_concat"; }
   [[nodiscard]] std::string_view SingleFunction() const override { return "sabrel_single"; }
   [[nodiscard]] std::string_view CompareFunction() const override { return "sabrel_compare"; }
+  [[nodiscard]] std::string_view HidingOperator() const override { return "+"; }
   [[nodiscard]] std::string_view FunctionName(std::string_view) const override { return {}; }
 
  private:

@@ -33,6 +33,7 @@ class TestEngine final : public Engine {
   std::string_view SubtractFunction() const override { return has_functions_ ? "minus" : ""; }
   std::string_view SingleFunction() const override { return has_functions_ ? "single" : ""; }
   std::string_view CompareFunction() const override { return has_functions_ ? "compare" : ""; }
+  std::string_view HidingOperator() const override { return has_functions_ ? "+" : ""; }
   std::string_view FunctionName(std::string_view name) const override {
     return name == "TRUNC" ? "ora_trunc" : "";
   }
@@ -233,6 +234,12 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
       {"unlike types", "SELECT a FROM t WHERE LENGTH(b)!='1' OR NVL(a,0)>= '1' OR '10'=10",
        "SELECT a FROM t WHERE compare(LENGTH(b),?1)<>0 OR compare(NVL(a,?2), ?3)>=0 OR "
        "compare(?4,?5)=0 |'1' |0 |'1' |'10' |10"},
+      {"patterns",
+       "SELECT a FROM t WHERE b LIKE 'x!%' ESCAPE '!' OR (c LIKE '%y') OR d LIKE '' AND e=1",
+       "SELECT a FROM t WHERE b LIKE 'x!%' ESCAPE '!' OR (c LIKE +(?1)) OR d LIKE NULL AND e=?2 "
+       "|'%y' |1"},
+      {"patterns put together", "SELECT a FROM t WHERE b LIKE 'x' || c AND d LIKE UPPER('_y')",
+       "SELECT a FROM t WHERE b LIKE ?1 || c AND d LIKE UPPER(?2) |'x' |'_y'"},
       {"any", "SELECT a FROM t WHERE a = ANY (1,2) OR a <> ALL (SELECT b FROM u)",
        "SELECT a FROM t WHERE a IN (?1,?2) OR a NOT IN (SELECT b FROM u) |1 |2"},
       {"any above", "SELECT a FROM t WHERE a > ANY (1,2)",

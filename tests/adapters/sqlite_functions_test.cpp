@@ -166,6 +166,8 @@ TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {
 TEST_F(SqliteFunctions, LikeTellsCaseApart) {
   EXPECT_EQ(Ask("SELECT 1 FROM DUAL WHERE 'abc' LIKE 'A%'"), "");
   EXPECT_EQ(Ask("SELECT 1 FROM DUAL WHERE 'abc' LIKE 'a%'"), "1");
+  EXPECT_EQ(Ask("SELECT NVL(CASE WHEN 'abc' LIKE '%C' THEN 1 END, 0) FROM DUAL"), "0");
+  EXPECT_EQ(Ask("SELECT 1 FROM DUAL WHERE 'abc' LIKE '_bc' AND 'a%' LIKE 'a!%' ESCAPE '!'"), "1");
 }
 
 TEST_F(SqliteFunctions, ColumnsAreNamedAsTheStatementNamesThem) {

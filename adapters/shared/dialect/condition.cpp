@@ -63,8 +63,7 @@ void Rewriter::Comparison() {
         (void)Sum();
       }
     } else if (SkipWord(Word::kLike)) {
-      (void)Sum();
-      if (SkipWord(Word::kEscape)) (void)Sum();
+      Pattern(is_negated);
     } else if (SkipWord(Word::kBetween)) {
       (void)Sum();
       ExpectWord(Word::kAnd, 905, "missing keyword AND of BETWEEN");
@@ -73,6 +72,29 @@ void Rewriter::Comparison() {
       return;
     }
   }
+}
+
+// Engines search an index for what begins as a constant pattern does. One in a parameter they look
+// into at each run, and prepare the whole statement again for it. A pattern that begins with a
+// wildcard finds no place in an index: it stays a parameter, hidden from such engines.
+void Rewriter::Pattern(bool is_negated) {
+  const Lift lift = lift_;
+  const std::size_t first = at_;
+  const bool is_constant = Here().kind == TokenKind::kText &&
+                           (Ahead(1).kind != TokenKind::kSymbol || IsSymbol(Ahead(1), ')'));
+  if (is_constant && !is_negated) {
+    const std::string pattern = ValueOfText(TextOf(sql_, Here()));
+    const bool has_beginning = !pattern.starts_with('%') && !pattern.starts_with('_');
+    if (has_beginning) {
+      lift_ = Lift::kNever;
+    } else if (may_lift_ && lift_ == Lift::kAlways && !engine_.HidingOperator().empty()) {
+      edits_.Wrap(first, first, engine_.HidingOperator());
+      is_renamed_ = true;
+    }
+  }
+  (void)Sum();
+  if (SkipWord(Word::kEscape)) (void)Sum();
+  lift_ = lift;
 }
 
 // `left` = < > <= >= <> ..., where one stands here.

@@ -4,8 +4,8 @@
 // only tokens that it cannot take are replaced: `seq.NEXTVAL`, bare `SYSDATE`, calls of stored
 // routines, date arithmetic, reserved words where a column stands. Constants of WHERE, VALUES, SET
 // and of argument lists are lifted into bound parameters, so that statements that differ in their
-// constants only share one prepared form. What cannot be rewritten truly is refused with a clear
-// error (native 900), never changed in meaning.
+// constants only share one prepared form; a LIKE pattern stays where an index may serve it. What
+// cannot be rewritten truly is refused with a clear error (native 900), never changed in meaning.
 //
 // Statements that no engine but Oracle has (blocks, CREATE FUNCTION, CREATE SEQUENCE) are parsed
 // into structures.
@@ -113,6 +113,10 @@ class Engine {
   /// its second one, numbers, texts and dates converted as Oracle does; empty where the engine's
   /// own comparisons do.
   [[nodiscard]] virtual std::string_view CompareFunction() const { return {}; }
+  /// Operator that leaves its operand as it is but keeps the engine from looking into a parameter
+  /// behind LIKE, for which it would prepare the statement again at each run; empty where it does
+  /// not look.
+  [[nodiscard]] virtual std::string_view HidingOperator() const { return {}; }
   /// A constant that equals itself and nothing that a column may hold.
   [[nodiscard]] virtual std::string_view NoValue() const { return "x''"; }
   /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.

@@ -104,6 +104,7 @@ class Rewriter {
   void Condition();
   void Comparison();
   bool OrderComparison(const Operand& left);
+  void Pattern(bool is_negated);
   void Quantified(std::size_t operation);
   [[nodiscard]] Type TypeOf(Operand operand) const;
   [[nodiscard]] static bool NeedConversion(Type left, Type right);
