@@ -22,6 +22,10 @@ class AttentiveServices final : public Services {
     const std::lock_guard lock(mutex_);
     shown_.clear();
   }
+  [[nodiscard]] bool HasShownAny() const {
+    const std::lock_guard lock(mutex_);
+    return !shown_.empty();
+  }
   /// Whether a message box since ForgetBoxes held `text`.
   [[nodiscard]] bool HasShown(std::string_view text) const {
     const std::lock_guard lock(mutex_);

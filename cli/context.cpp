@@ -209,6 +209,8 @@ void Context::StopProgress() {
   if (progress_) progress_->Stop();
 }
 
+bool Context::HasShownBox() const { return services_ && services_->HasShownAny(); }
+
 void Context::Hide(std::string_view secret) {
   auto* overheard = dynamic_cast<OverheardRowlink*>(CurrentPlatform().rowlink.get());
   if (overheard != nullptr) overheard->Hide(secret);

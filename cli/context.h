@@ -32,6 +32,8 @@ struct Options {
   std::string registry;
   std::string log;
   std::string record;
+  /// Version of the spreadsheet application; empty when it is not installed.
+  std::string spreadsheet;
   bool trace = false;
   bool show_sql = false;
   Format format = Format::kTable;
@@ -72,6 +74,9 @@ class Context {
   void StopProgress();
   /// A line for the person, on standard error.
   void Note(std::string_view text);
+
+  /// Whether a message box told the person something since the command started.
+  [[nodiscard]] bool HasShownBox() const;
 
   /// Keeps a password out of --show-sql and --record; for one that travels as an argument. Inside
   /// an action only.

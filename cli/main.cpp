@@ -33,6 +33,15 @@ constexpr const char* kFooter =
     "  Driver = sqlite, Database = FILE, Host, Port, UserName, Password, ConnectTimeout, "
     "ReceiveTimeout.";
 
+// What is wrong with a version, or nothing.
+std::string VersionFault(const std::string& text) {
+  const bool starts = !text.empty() && text[0] >= '0' && text[0] <= '9';
+  const bool is_number = text.find_first_not_of("0123456789.") == std::string::npos &&
+                         text.find('.') == text.rfind('.');
+  if (starts && is_number) return {};
+  return "'" + text + "' is no version; write it as 12.0";
+}
+
 void AddOptions(CLI::App& app, Options& options) {
   static const std::map<std::string, Format> formats = {
       {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
@@ -47,6 +56,9 @@ void AddOptions(CLI::App& app, Options& options) {
                  "Which of them is the session's (default: the first)")
       ->needs(profile);
   app.add_option("--registry", options.registry, "Registry settings, as an exported .reg file");
+  app.add_option("--spreadsheet", options.spreadsheet,
+                 "Version of the installed spreadsheet application, 12.0 (default: none)")
+      ->check(CLI::Validator(VersionFault, ""));
   app.add_option("--format", options.format, "table, csv or json (default: table)")
       ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
   app.add_option("--answer", options.answer, "Answer to questions: yes, no or ask (default: ask)")
@@ -54,7 +66,8 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_flag("--show-sql", options.show_sql,
                "Show each statement, argument and time-out that is sent, without passwords");
   app.add_option("--record", options.record, "Keep what was sent and answered, as JSON lines");
-  app.add_flag("--trace", options.trace, "Write trace lines");
+  app.add_flag("--trace", options.trace,
+               "Write trace lines; those of `validate` show the user's password");
   app.add_option("--log", options.log, "File for log and trace lines (default: standard error)");
 }
 

@@ -50,7 +50,7 @@ void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> s
   shared.application = std::make_shared<ConsoleApplication>(std::move(application));
   shared.registry = options.registry.empty() ? std::make_shared<RegistryFile>()
                                              : std::make_shared<RegistryFile>(options.registry);
-  shared.spreadsheet = std::make_shared<ConfiguredSpreadsheet>();
+  shared.spreadsheet = std::make_shared<ConfiguredSpreadsheet>(options.spreadsheet);
   InstallPlatform([=, &interrupts] {
     Platform platform = shared;
     platform.rowlink = MakeSqliteRowlink(profiles);

@@ -54,6 +54,11 @@ void AddSessionCommands(CLI::App& parent, Context& context) {
   AddValueCommands(parent, context);
   AddSchemaCommands(parent, context);
   AddSettingCommands(parent, context);
+  AddEntityCommands(parent, context);
+  AddReportCommands(parent, context);
+  AddValidationCommands(parent, context);
+  AddTextCommands(parent, context);
+  AddSliceCommand(parent, context);
 }
 
 }  // namespace sabrel::cli

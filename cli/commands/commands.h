@@ -23,12 +23,17 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
 void ParseWords(CLI::App& parser, std::vector<std::string> words);
 
 void AddConversionCommand(CLI::App& parent, Context& context);
+void AddEntityCommands(CLI::App& parent, Context& context);
 void AddLiteralCommand(CLI::App& parent, Context& context);
 void AddQueryCommands(CLI::App& parent, Context& context);
+void AddReportCommands(CLI::App& parent, Context& context);
 void AddRoutineCommands(CLI::App& parent, Context& context);
 void AddSchemaCommands(CLI::App& parent, Context& context);
 void AddSettingCommands(CLI::App& parent, Context& context);
+void AddSliceCommand(CLI::App& parent, Context& context);
 void AddStartUpCommands(CLI::App& parent, Context& context);
+void AddTextCommands(CLI::App& parent, Context& context);
+void AddValidationCommands(CLI::App& parent, Context& context);
 void AddValueCommands(CLI::App& parent, Context& context);
 
 /// Those that make no sense inside a session: `site`, `shell`.

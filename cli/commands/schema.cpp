@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/outcome.h"
 #include "cli/commands/server_options.h"
 #include "sabrel/core/gsabrel.h"
 
@@ -18,14 +19,6 @@ struct SchemaArguments {
 
 using Arguments = std::shared_ptr<SchemaArguments>;
 
-bool HasFailed() { return GSabrel::SabrelErrorObject()->Number() != 0; }
-
-int PrintNumber(Context& context, std::int32_t number) {
-  if (HasFailed()) return kFailed;
-  context.Print(Variant(number));
-  return kDone;
-}
-
 using Question = std::function<bool(const SchemaArguments&, const std::string& password)>;
 
 // A probe whose query failed answers no; that is no answer here.
@@ -35,7 +28,7 @@ CLI::App& AddProbe(CLI::App& probe, Context& context, const std::string& name,
   return AddCommand(probe, context, name, description, examples, [arguments, question](Context& c) {
     c.RequireServer();
     const bool exists = question(*arguments, PasswordOf(c, arguments->server));
-    return HasFailed() ? kFailed : c.PrintTruth(exists);
+    return PrintTruthAnswer(c, exists);
   });
 }
 
@@ -103,7 +96,8 @@ void AddArgumentCount(CLI::App& probe, Context& context) {
       "Print how many arguments a package's procedure has; 0 when there is no such procedure",
       "  sabrel probe arguments EA_CLIENT REPARENT_COMMON_ENTITY", [arguments](Context& c) {
         c.RequireServer();
-        return PrintNumber(c, GSabrel::GetProcedureLength(arguments->name, arguments->part));
+        return PrintAnswer(c,
+                           Variant(GSabrel::GetProcedureLength(arguments->name, arguments->part)));
       });
   count.add_option("PACKAGE", arguments->name, "The package, as the dictionary has it: upper case")
       ->required();
@@ -114,11 +108,11 @@ int Length(Context& context, const SchemaArguments& arguments) {
   context.RequireServer();
   if (arguments.module_name) {
     if (!arguments.name.empty()) throw UsageError("--module-name stands without TABLE and COLUMN");
-    return PrintNumber(context, GSabrel::ModuleNameMaxLength());
+    return PrintAnswer(context, Variant(GSabrel::ModuleNameMaxLength()));
   }
   if (arguments.part.empty()) throw UsageError("length takes TABLE and COLUMN, or --module-name");
   const std::int32_t length = GSabrel::DBColumnLength(arguments.name, arguments.part);
-  const int status = PrintNumber(context, length);
+  const int status = PrintAnswer(context, Variant(length));
   if (status == kDone && length <= 0) {
     context.Note("The server knows no length of " + arguments.name + "." + arguments.part);
   }

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/outcome.h"
 #include "cli/commands/server_options.h"
 #include "sabrel/core/gsabrel.h"
 
@@ -14,23 +15,18 @@ struct ValueArguments {
   ServerOptions server;
 };
 
-bool HasFailed() { return GSabrel::SabrelErrorObject()->Number() != 0; }
-
 int Value(Context& context, const ValueArguments& arguments) {
   context.RequireServer();
   const ServerOptions& server = arguments.server;
   const bool exists =
       GSabrel::SystemValueExists(arguments.name, arguments.value, server.host, server.port,
                                  server.user, PasswordOf(context, server), server.timeout_s);
-  return HasFailed() ? kFailed : context.PrintTruth(exists);
+  return PrintTruthAnswer(context, exists);
 }
 
 int Week(Context& context) {
   context.RequireServer();
-  const std::string day = GSabrel::SystemFirstDayOfWeek();
-  if (HasFailed()) return kFailed;
-  context.Print(Variant(day));
-  return kDone;
+  return PrintAnswer(context, Variant(GSabrel::SystemFirstDayOfWeek()));
 }
 
 int Email(Context& context) {

@@ -12,8 +12,10 @@ namespace {
 
 constexpr std::string_view kHelp =
     "A line is a command as on the command line (login, registry, query, request, call, function,\n"
-    "proc, literal, convert, sequence, now, probe, length, reset, value, week, email), with its\n"
-    "words parted by blanks and quoted with ' or \"; `COMMAND --help` tells its arguments. Also:\n"
+    "proc, literal, convert, sequence, now, range, probe, length, reset, value, week, email, "
+    "entity,\n"
+    "report, validate, text, slices), with its words parted by blanks and quoted with ' or \";\n"
+    "`COMMAND --help` tells its arguments. Also:\n"
     "  SELECT ... or WITH ...      is a query; the rest of the line is SQL, no quoting needed\n"
     "  INSERT, UPDATE, BEGIN ...   is a request; `query` and `request` take SQL that way too\n"
     "  format table|csv|json       changes the form of results\n"
