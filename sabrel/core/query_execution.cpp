@@ -77,7 +77,7 @@ RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired, std::string
   }
   // Outside the catch: with the failure dealt with, there is no current error any more.
   if (rows) rows->Close();
-  ReportFailedQuery(platform, *failure, query_line);
+  RaisingRuntimeErrors([&] { ReportFailedQuery(platform, *failure, query_line); });
   return nullptr;
 }
 

@@ -7,10 +7,11 @@
 
 namespace sabrel::MSabrel {
 
-/// 1 January 1995 when the query fails, which was shown already.
+/// When the oldest data was collected; 1 January 1995 when the query fails, which was shown.
 /// Errors: 6 or 13 for what is no date. Cost: one round trip
 [[nodiscard]] Date GetRecordOldestDate();
-/// The client machine's time before the query when the query fails.
+/// When the latest data was collected; the client machine's time before the query when that fails.
+/// Errors and cost: as above
 [[nodiscard]] Date GetRecordLatestDate();
 
 }  // namespace sabrel::MSabrel

@@ -17,11 +17,14 @@ namespace sabrel::MSabrel {
 namespace {
 
 std::string PackageTime(const Date& date) {
-  return FormatDateTime(date, CurrentPlatform().services->Locale());
+  const auto services = CurrentPlatform().services;
+  return FormatDateTime(date, services->Locale());
 }
 
-void TellNotRemoved(Services& services, const CErrorObject& error) {
+// A removal raises nothing, so a failure of the telling is dropped.
+void TellNotRemoved(Services& services, const RuntimeError& failure) noexcept try {
   constexpr std::string_view kCaption = "EA_Remove_Common_Entity";
+  const CErrorObject error(failure);
   if (error.Number() == 0) return;
   if (!error.IsDBError()) {
     services.ShowMessage("Unable to delete Entity.\r\n" + error.Description(), kBoxCritical,
@@ -32,6 +35,14 @@ void TellNotRemoved(Services& services, const CErrorObject& error) {
         "Please delete or modify the referencing object and try deleting again.",
         kBoxCritical, kCaption);
   }
+} catch (...) {
+}
+
+// What to show when even the text of the failure cannot be made.
+std::string TextOf(const RuntimeError& failure) noexcept try {
+  return CErrorObject(failure).Text();
+} catch (...) {
+  return "An unexpected error occurred";
 }
 
 }  // namespace
@@ -88,7 +99,7 @@ bool EA_Remove_Common_Entity(std::int32_t ordEntity) {
   } catch (...) {
     failure = CurrentFailure();
   }
-  TellNotRemoved(*services, CErrorObject(*failure));
+  TellNotRemoved(*services, *failure);
   return false;
 }
 
@@ -116,7 +127,7 @@ std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
 }
 
 Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime) {
-  static_cast<void>(CurrentPlatform());  // without a platform there is no text of a failure either
+  static_cast<void>(CurrentPlatform());  // without a platform there is nothing to clear
   std::optional<RuntimeError> failure;
   try {
     PackageCall call("EA_EXP.Clear_EXP_Required");
@@ -131,7 +142,7 @@ Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime) {
   } catch (...) {
     failure = CurrentFailure();
   }
-  return Variant(CErrorObject(*failure).Text());
+  return Variant(TextOf(*failure));
 }
 
 }  // namespace sabrel::MSabrel

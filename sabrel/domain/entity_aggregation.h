@@ -18,8 +18,7 @@ namespace sabrel::MSabrel {
 
 /// The new entity's id, 0 when the package gave none.
 /// Errors: the call's; 2291 for an unknown parent. Cost: one call
-[[nodiscard]] std::int32_t EA_Add_Common_Entity(std::string_view sEntityName,
-                                                std::int32_t ordParent);
+std::int32_t EA_Add_Common_Entity(std::string_view sEntityName, std::int32_t ordParent);
 
 /// True when the call completed. Errors: the call's. Cost: one call
 bool EA_Reparent_Common_Entity(std::int32_t ordEntity, std::int32_t ordParent);
@@ -30,21 +29,21 @@ bool EA_Add_EntityEQV(std::int32_t ordVersion, std::string_view sCommonName,
                       const Variant& sEntityLabel);
 
 /// False when the entity could not be removed, which is shown to the user unless it is a database
-/// error other than "child record found". Errors: of the box. Cost: one call
+/// error other than "child record found". Errors: none. Cost: one call
 bool EA_Remove_Common_Entity(std::int32_t ordEntity);
 
-/// Whether the entity has equivalents; true as well where the site cannot tell.
+/// Whether the entity has equivalents; true as well where the site cannot tell, false when asking
+/// fails, which was shown.
 /// Cost: a probe, cached, and one round trip
 [[nodiscard]] bool EntityHasEQV(std::int32_t ordID);
 
 /// How many documents of a group wait for an export to `ordServerID`, 0 for any server.
 /// Errors: 94 for a null time; 6 beyond 16 bits; the call's. Cost: one call
 [[nodiscard]] std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
-                                             const Variant& dtTimeStamp,
-                                             std::int32_t ordServerID = 0);
+                                             const Variant& dtTimeStamp, std::int32_t ordServerID);
 
 /// Forgets what IsEADocumentReady noted for the user at that time: "", or the text of what it
-/// failed with. Cost: one call
+/// failed with. Errors: none. Cost: one call
 [[nodiscard]] Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime);
 
 }  // namespace sabrel::MSabrel

@@ -6,7 +6,9 @@
 namespace sabrel {
 
 void CDBObjectInitializers::Initialize() {
-  for (const Entry entry : *this) entry->Initialize();
+  RaisingRuntimeErrors([&] {
+    for (const Entry entry : *this) entry->Initialize();
+  });
 }
 
 namespace MSabrel {

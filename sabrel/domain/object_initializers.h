@@ -62,8 +62,8 @@ class CDBObjectInitializers {
     std::size_t position_ = 0;
   };
 
-  /// Calls `Initialize` of each entry, of one registered twice two times. What an entry throws ends
-  /// the walk and reaches the caller as it is.
+  /// Calls `Initialize` of each entry, of one registered twice two times.
+  /// Errors: what an entry raises, which ends the walk
   void Initialize();
 
   [[nodiscard]] Iterator begin() const { return Iterator(entries_); }

@@ -6,7 +6,7 @@ namespace sabrel::MSabrel {
 
 PackageCall::PackageCall(std::string_view sProcedure) {
   const auto rowlink = CurrentPlatform().rowlink;
-  call_ = rowlink->MakeProcedureCall();
+  call_ = RaisingRuntimeErrors([&] { return rowlink->MakeProcedureCall(); });
   Deref(call_).ProcedureName(sProcedure);
 }
 
@@ -35,11 +35,16 @@ PackageCall& PackageCall::Empty(std::string_view type_word) {
   return *this;
 }
 
-Variant PackageCall::Execute() { return call_->Execute(); }
+Variant PackageCall::Execute() {
+  return RaisingRuntimeErrors([&] { return call_->Execute(); });
+}
 
 Variant PackageCall::Parameter(std::int32_t index) const { return call_->ParameterValue(index); }
 
-bool IsTracing() { return CurrentPlatform().services->TraceSwitch(); }
+bool IsTracing() {
+  const auto services = CurrentPlatform().services;
+  return services->TraceSwitch();
+}
 
 void WriteCallTrace(std::string_view caption, std::string_view call_text) {
   const auto services = CurrentPlatform().services;

@@ -39,7 +39,7 @@ class PackageCall {
 
   /// Errors: the routine's. Cost: one round trip, two at a routine's first call
   Variant Execute();
-  /// By 0-based index, the result position counted.
+  /// By 0-based index, the result position counted. Errors: 9 for one that was not appended
   [[nodiscard]] Variant Parameter(std::int32_t index) const;
 
  private:

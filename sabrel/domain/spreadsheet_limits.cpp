@@ -75,8 +75,9 @@ std::int32_t CountTooBig(Recordset& tasks) {
 
 Variant TestRowLimit(std::int32_t lngRowCount) {
   const auto spreadsheet = CurrentPlatform().spreadsheet;
-  const auto instance = spreadsheet->CreateInstance("excel.application");
-  const bool is_old = VersionNumber(Deref(instance).Version()) < 12.0;
+  const std::string version = RaisingRuntimeErrors(
+      [&] { return Deref(spreadsheet->CreateInstance("excel.application")).Version(); });
+  const bool is_old = VersionNumber(version) < 12.0;
   return Variant(lngRowCount > (is_old ? kRowLimit : kRowLimitFromVersion12));
 }
 

@@ -14,12 +14,14 @@
 namespace sabrel::MSabrel {
 
 /// A boolean: whether that many rows are more than 65,000, or from version 12 on 1,048,000.
-/// Errors: when the application is not installed; 13 when its version is no number
+/// Errors: when the application is not installed; 13 when its version is no number. Cost: no round
+/// trip; starts the application
 [[nodiscard]] Variant TestRowLimit(std::int32_t lngRowCount);
 
 /// Whether the task's output is too big. `sTaskID` stands in the statement as it is.
-/// Errors: what fails, its description followed by "Unexpected error, Task Id:" and a text; number
-/// 6 (sabNoDataError) for an unknown task. Cost: one or two probes, cached, and one round trip
+/// Errors: what fails, its description followed by "Unexpected error, Task Id:" and a text; code 6
+/// (sabNoDataError) for an unknown task and for a query that failed. Cost: one or two probes,
+/// cached, and one round trip; starts the application where sizes are known
 [[nodiscard]] bool ReportTooBigForXL(std::string_view sTaskID);
 
 /// How many finished reports of the job are too big; a report that cannot be checked is not

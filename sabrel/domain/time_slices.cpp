@@ -78,15 +78,16 @@ void GetSecondsRange(std::int32_t iStart, std::int32_t& lFirstSec, std::int32_t&
   if (first <= count) lFirstSec = begin;
   if (first == count) {
     // A run that starts at the day's last slice ends one second after the day.
-    if (lFirstSec != 0) lLastSec = Product(count, seconds);
+    lLastSec = Product(count, seconds);
     return;
   }
 
-  std::int32_t last = lFirstSec;  // of the run's slices so far, where the last one begins
+  // First the second in which the run's last slice begins, then the one in which it ends.
+  lLastSec = lFirstSec;
   for (std::int32_t slice = first; slice < count && afHrs.Flag(slice + 1); ++slice) {
-    last = last == 0 ? Product(seconds, first) : Sum(last, seconds);
+    lLastSec = lLastSec == 0 ? Product(seconds, first) : Sum(lLastSec, seconds);
   }
-  lLastSec = Sum(last, seconds);
+  lLastSec = Sum(lLastSec, seconds);
   if (lLastSec > 0) {
     --lLastSec;
   } else if (lLastSec == lFirstSec) {

@@ -15,18 +15,19 @@
 
 namespace sabrel::MSabrel {
 
-/// S in seconds, 0 for an N that is not supported. Cost: none once the product is known
+/// S in seconds, 0 for an N that is not supported. Errors: 6 for an N beyond 32 bits. Cost: none
+/// once the product is known
 [[nodiscard]] std::int32_t GetTimeSliceSecondsValue(bool UseBusyhourTimeSlices);
 
 /// The first run of selected slices at or after slice `lStartNo`; 0 and 0 when there is none.
-/// Errors: 9 for a slice that `afHrs` does not have. Cost: as above
+/// Errors: 6 for an N beyond 32 bits; 9 for a slice that `afHrs` does not have, the outputs keeping
+/// what was found so far. Cost: as above
 void GetSelRange(std::int32_t lStartNo, std::int32_t& lFirstHr, std::int32_t& lLastHr,
                  const FlagArray& afHrs, bool UseBusyhourTimeSlices);
 
 /// The same run as its first and last second. A run that is slice N alone ends at 86400, one
 /// second after the day; with nothing selected the range is the first slice.
-/// Errors: 6 when a number leaves its 32 bits; 9 for a slice that `afHrs` does not have. Cost: as
-/// above
+/// Errors: 6 when a number leaves its 32 bits; 9 as above. Cost: as above
 void GetSecondsRange(std::int32_t iStart, std::int32_t& lFirstSec, std::int32_t& lLastSec,
                      const FlagArray& afHrs, bool UseBusyhourTimeSlices);
 

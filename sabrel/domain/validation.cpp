@@ -101,9 +101,10 @@ bool TestServerConnection(std::string_view sHost, std::int32_t nPort, std::strin
                           bool bShowMsg) {
   constexpr std::string_view kCaption = "Test Server Connection";
   const Platform platform = CurrentPlatform();
+  const std::string host(sHost);  // what the host runs on the way may take the caller's texts away
   const std::string user(sUser);
   const std::string password = platform.application->TransformPassword(sPwd);
-  std::string answer = LookUpUser(sHost, nPort, user, password, nTOut);
+  std::string answer = LookUpUser(host, nPort, user, password, nTOut);
   Services& services = *platform.services;
   if (answer == "TRUE") {
     if (bShowMsg) {
@@ -127,22 +128,26 @@ bool TestServerConnection(std::string_view sHost, std::int32_t nPort, std::strin
 std::string FindOrCreateUser(std::string_view sHost, std::int32_t nPort, std::string_view sUser,
                              std::string_view sPwd, std::int32_t nTOut, std::string_view bCreate) {
   const Platform platform = CurrentPlatform();
+  const std::string host(sHost);  // as above, before the trace is written
+  const std::string user(sUser);
+  const std::string password(sPwd);
+  const std::string create(bCreate);
   std::optional<RuntimeError> failure;
   try {
     TraceCall("Checking expression.", [&] {
       return "EA_FindOrCreateUser(" +
-             DBArgs(std::array{Variant(sHost), Variant(nPort), Variant(sUser), Variant(sPwd),
+             DBArgs(std::array{Variant(host), Variant(nPort), Variant(user), Variant(password),
                                Variant(nTOut)}) +
              ")";
     });
     PackageCall call("EA_FindOrCreateUser");
     // The login there is always this account's; the user travels as an argument.
-    call.Server(sHost, nPort, "system", "", nTOut).String(sUser).String(sPwd).String(bCreate);
+    call.Server(host, nPort, "system", "", nTOut).String(user).String(password).String(create);
     return ToJoinedText(call.Execute());
   } catch (...) {
     failure = CurrentFailure();
   }
-  return AnswerOfFailure(platform, *failure);
+  return RaisingRuntimeErrors([&] { return AnswerOfFailure(platform, *failure); });
 }
 
 bool Is_SMTP_Ready(std::int32_t& nErrCode, std::string& sErrMsg) {

@@ -4,7 +4,7 @@
 // run. A remote server is tested by looking up a user there. What stands in the way is shown to the
 // user, who may go on with a document all the same.
 //
-//   if (IsServerGroupDocumentValid("Report Definition", Variant(7))) Save();
+//   if (IsServerGroupDocumentValid("Report Definition", Variant(7), "SaveOn")) Save();
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace sabrel::MSabrel {
 /// question to the database for types that are not bound to servers; false when the database could
 /// not be asked. Errors: of the box. Cost: one round trip
 [[nodiscard]] bool IsServerGroupDocumentValid(std::string_view sAppName, const Variant& ordID,
-                                              std::string_view sSaveMode = "SaveOn");
+                                              std::string_view sSaveMode);
 
 /// The same for the server groups of a job group's reports, one after the other up to the first
 /// that is not valid. `sServerName` is not used. Errors: 6, 13; of the box. Cost: one round trip
@@ -34,8 +34,8 @@ namespace sabrel::MSabrel {
 /// that server
 [[nodiscard]] bool TestServerConnection(std::string_view sHost, std::int32_t nPort,
                                         std::string_view sUser, std::string_view sPwd,
-                                        std::int32_t nTOut, std::string_view sCaption = {},
-                                        bool bShowMsg = true);
+                                        std::int32_t nTOut, std::string_view sCaption,
+                                        bool bShowMsg);
 
 /// Looks up a user on the server at `sHost`, and creates it where `bCreate` is "TRUE". Returns the
 /// server's answer: "TRUE", "USER DOESN'T EXIST" or a text; "Connection Failed" for a database

@@ -12,6 +12,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace sabrel {
 
@@ -86,6 +87,19 @@ class RuntimeError : public std::exception {
 
 /// The failure now being handled; to be called inside a `catch` only.
 [[nodiscard]] RuntimeError CurrentFailure();
+
+/// Runs `work`, of which the host's own code is a part: whatever that throws reaches the caller as
+/// a RuntimeError.
+template <class Work>
+decltype(auto) RaisingRuntimeErrors(Work&& work) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const RuntimeError&) {
+    throw;
+  } catch (...) {
+    throw CurrentFailure();
+  }
+}
 
 /// The code that `number` carries: its low 16 bits when the high ones are 0x8004, else 0.
 [[nodiscard]] std::int32_t CarriedCode(std::int32_t number) noexcept;

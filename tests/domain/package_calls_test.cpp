@@ -13,6 +13,7 @@ namespace {
 using testing::ConnectionRefusal;
 using testing::OutcomeOf;
 using testing::Refuse;
+using testing::Rows;
 using testing::ScriptedPlatform;
 
 RoutineOutcome Outputs(Variant result, std::vector<std::optional<Variant>> outputs = {}) {
@@ -221,8 +222,24 @@ TEST_F(PackageCalls, AnswerFailuresAndNullsEachInItsWay) {
     platform.Answer(ConnectionRefusal(30));
     EXPECT_THAT(op.run(), ::testing::StartsWith(op.on_connection_error)) << op.name;
     EXPECT_THAT(Told(), Not(::testing::HasSubstr("Function returned"))) << op.name;
-    platform.Answer(Outputs(Variant(Null{}), {Variant(Null{}), Variant(Null{}), Variant(Null{})}));
-    EXPECT_EQ(op.run(), op.on_null) << op.name;
+    for (const Variant& none : {Variant(Null{}), Variant(" (NaN) ")}) {
+      const bool text = !none.IsNull() && (op.answer.result.kind() == VariantKind::kString);
+      platform.Answer(Outputs(text ? Variant(Null{}) : none, {none, none, none}));
+      const std::string answer = op.run();
+      EXPECT_EQ(answer.substr(0, op.on_null.size()), op.on_null) << op.name;
+    }
+    // A wrong kind of answer stands for a failure of the host's own kind.
+    platform.Answer(Rows{});
+    EXPECT_EQ(op.run().starts_with("raises 51"), op.on_connection_error.starts_with("raises"))
+        << op.name;
+    if (std::string_view(op.name) != "user") {
+      EXPECT_EQ(GSabrel::SabrelErrorObject()->Number(), 0) << op.name << " keeps its failures";
+    }
+    platform.on_box = [] { throw std::logic_error("no desktop"); };
+    platform.Answer(Refuse(2292, "no"));
+    EXPECT_EQ(op.run().starts_with("raises 51"), std::string_view(op.name) == "user") << op.name;
+    platform.on_box = nullptr;
+    UnloadThread();
   }
 }
 
@@ -264,12 +281,11 @@ TEST_F(PackageCalls, ResultsOutsideTheirRangeOverflow) {
   std::string message;
   EXPECT_EQ(OutcomeOf([&] { return GSabrel::Is_SMTP_Ready(code, message); }), overflow);
   static_cast<void>(Told());
-  for (const auto& [label, time] : {std::pair{Variant(Null{}), Variant(Null{})}}) {
-    EXPECT_EQ(OutcomeOf([&] { return GSabrel::EA_Add_EntityEQV(1, "x", label); }),
-              "raises 94 Invalid use of null");
-    EXPECT_EQ(OutcomeOf([&] { return GSabrel::IsEADocumentReady(1, 4, time); }),
-              "raises 94 Invalid use of null");
-  }
+  const Variant null{Null{}};
+  EXPECT_EQ(OutcomeOf([&] { return GSabrel::EA_Add_EntityEQV(1, "x", null); }),
+            "raises 94 Invalid use of null");
+  EXPECT_EQ(OutcomeOf([&] { return GSabrel::IsEADocumentReady(1, 4, null); }),
+            "raises 94 Invalid use of null");
   EXPECT_EQ(Told(), "") << "nothing was sent";
 }
 
@@ -293,6 +309,19 @@ TEST_F(PackageCalls, ARefusedRemovalIsToldByItsKind) {
   }
 }
 
+TEST_F(PackageCalls, AnotherServerIsAskedForWhatTheTraceShowed) {
+  platform.trace = true;
+  std::string host = "first";
+  std::string user = "ana";
+  platform.on_trace = [&] {
+    host = "other";
+    user = "eve";
+  };
+  static_cast<void>(GSabrel::FindOrCreateUser(host, 1, user, "p", 5, "FALSE"));
+  EXPECT_THAT(Told(), ::testing::HasSubstr("host=first port=1 user=system password= timeout=5 "
+                                           "(ana,string,)"));
+}
+
 TEST_F(PackageCalls, UsersWhoMayNotWorkThereAreToldApart) {
   const std::pair<testing::Refusal, std::string> rows[] = {
       {Refuse(20011, "ORA-20011: no"), "raises code 8 User Not an Enterprise Remote User."},
@@ -300,6 +329,8 @@ TEST_F(PackageCalls, UsersWhoMayNotWorkThereAreToldApart) {
       {Refuse(20001, "20012 and 20011"), "raises code 8 User Not an Enterprise Remote User."},
       {Refuse(20011, "no"),
        "'Connection Failed'box 48 [FindOrCreateUser] Connection failed.\r\nno\n"},
+      {testing::Refusal{DatabaseError{20001, "s", "o", "no", "see 20011"}, 0},
+       "raises code 8 User Not an Enterprise Remote User."},
       {ConnectionRefusal(23), "''"},
   };
   for (const auto& [refusal, outcome] : rows) {

@@ -183,7 +183,7 @@ TEST_F(ReportChecks, TheRowLimitGoesByTheSpreadsheetsVersion) {
 TEST_F(ReportChecks, ATaskIsJudgedByItsSizeElseByItsLimit) {
   const auto cells = [](Variant limit, std::optional<Variant> size = {}) {
     Rows rows{{"limit"}, {{std::move(limit)}}};
-    if (size) rows.columns.emplace_back("NVL(SIZEINROWS,0)");
+    if (size) rows.columns.emplace_back("X");
     if (size) rows.rows[0].push_back(*size);
     return rows;
   };
@@ -250,8 +250,6 @@ TEST_F(ReportChecks, AJobCountsItsTooBigReportsAndSkipsWhatCannotBeChecked) {
   }
   platform.Answer(Refuse(942));
   EXPECT_EQ(GSabrel::JobReportsTooBigForXL("7"), 0) << "no rows to walk";
-  platform.trace = true;
-  EXPECT_EQ(platform.OpenCursors(), 0);
 }
 
 // More rows than are read at first: the failure comes while the walk is on.

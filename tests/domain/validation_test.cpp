@@ -74,8 +74,8 @@ TEST_F(Validation, ADocumentIsAskedAboutByTypeReasonAndSaveMode) {
     EXPECT_EQ(Has(told, "Validate Document"), row.asks);
   }
   platform.Answer(Text(Variant("  ")));
-  platform.box_answer = kAnswerYes;
-  EXPECT_TRUE(GSabrel::IsServerGroupDocumentValid("Report Group", Variant(Null{})));
+  platform.box_answer = kAnswerNo;
+  EXPECT_FALSE(GSabrel::IsServerGroupDocumentValid("Report Group", Variant(Null{})));
   EXPECT_THAT(platform.Conversation(), HasSubstr("Valid( NULL,0,1,1 )"));
 }
 

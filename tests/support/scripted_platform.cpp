@@ -164,7 +164,10 @@ class ScriptedServices final : public Services {
     script_->Step("trace switch");
     return script_->owner->trace;
   }
-  void WriteTrace(std::string_view text) override { script_->Step("trace " + std::string(text)); }
+  void WriteTrace(std::string_view text) override {
+    script_->Step("trace " + std::string(text));
+    if (script_->owner->on_trace) script_->owner->on_trace();
+  }
   void WriteLog(std::string_view text) override { script_->Step("log " + std::string(text)); }
   std::int32_t ShowMessage(std::string_view text, std::int32_t style,
                            std::string_view caption) override {

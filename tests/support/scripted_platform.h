@@ -68,6 +68,7 @@ class ScriptedPlatform {
   bool trace = false;
   std::int32_t box_answer = kAnswerOk;
   std::function<void()> on_box;
+  std::function<void()> on_trace;
   LocaleFacts locale;
   std::string product_name = "Norvasta";
   std::string machine_name = "MACHINE";
