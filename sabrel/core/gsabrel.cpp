@@ -1,5 +1,6 @@
 #include "sabrel/core/gsabrel.h"
 
+#include "sabrel/config/compatibility.h"
 #include "sabrel/core/query_execution.h"
 #include "sabrel/core/session.h"
 #include "sabrel/domain/data_range.h"
@@ -131,6 +132,21 @@ bool SystemValueExists(std::string_view sName, std::string_view sValue, std::str
                        std::string_view sPassword, std::int32_t nTimeOut) {
   return MSabrel::SystemValueExists(sName, sValue, sHostName, nPortNumber, sUserName, sPassword,
                                     nTimeOut);
+}
+
+bool IsClientServerCompatible() { return MSabrel::IsClientServerCompatible(); }
+bool IsLucentVersionSupported(std::string_view sVersion) {
+  return MSabrel::IsLucentVersionSupported(sVersion);
+}
+std::string GetModuleVersionName(std::int32_t ordModule, std::int32_t ordVersion) {
+  return MSabrel::GetModuleVersionName(ordModule, ordVersion);
+}
+std::shared_ptr<CConnection> CreateSMConnection(const ProfileRef& oPfl, std::string_view sDestPath,
+                                                std::string_view sMachineName) {
+  return MSabrel::CreateSMConnection(oPfl, sDestPath, sMachineName);
+}
+std::shared_ptr<CConnection> CopyConnection(const std::shared_ptr<const CConnection>& oConnection) {
+  return MSabrel::CopyConnection(oConnection);
 }
 
 std::int32_t EA_Add_Common_Entity(std::string_view sEntityName, std::int32_t ordParent) {

@@ -1,9 +1,10 @@
 // Everything that a host calls, in one header.
 //
 // `sabrel::GSabrel` holds the component's operations as free functions; each forwards to the module
-// that owns it. Arguments are handed on as given; defaults are those of the signatures here and are
-// never read again on the way. Install a platform first (platform.h). State belongs to the calling
-// thread; `UnloadThread` ends a thread's use.
+// that owns it. Stored texts (`GDBString`) and features (`GFeatureManager`) have accessors of their
+// own, which come with this header. Arguments are handed on as given; defaults are those of the
+// signatures here and are never read again on the way. Install a platform first (platform.h). State
+// belongs to the calling thread; `UnloadThread` ends a thread's use.
 //
 //   sabrel::InstallPlatform(...);
 //   const auto id = sabrel::GSabrel::ExecuteQueryReturningLong("SELECT MAX(Id) FROM PM_REPORT");
@@ -15,6 +16,8 @@
 #include <string>
 #include <string_view>
 
+#include "sabrel/config/connection.h"
+#include "sabrel/config/feature_manager.h"
 #include "sabrel/config/system_values.h"
 #include "sabrel/core/error_object.h"
 #include "sabrel/domain/object_initializers.h"
@@ -24,6 +27,7 @@
 #include "sabrel/platform/recordset.h"
 #include "sabrel/platform/variant.h"
 #include "sabrel/sql/db_literal.h"
+#include "sabrel/sql/stored_text.h"
 
 namespace sabrel::GSabrel {
 
@@ -93,9 +97,20 @@ void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
 [[nodiscard]] std::string PadStr(std::string_view s);
 [[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
 
+// Does the client fit the server, which releases are there?: compatibility.h.
+[[nodiscard]] bool IsClientServerCompatible();
+[[nodiscard]] bool IsLucentVersionSupported(std::string_view sVersion);
+[[nodiscard]] std::string GetModuleVersionName(std::int32_t ordModule, std::int32_t ordVersion);
+
+// Descriptors of connections: connection.h.
+[[nodiscard]] std::shared_ptr<CConnection> CreateSMConnection(const ProfileRef& oPfl,
+                                                              std::string_view sDestPath,
+                                                              std::string_view sMachineName);
+[[nodiscard]] std::shared_ptr<CConnection> CopyConnection(
+    const std::shared_ptr<const CConnection>& oConnection);
+
 // Common entities: entity_aggregation.h. Are loaded lists current?: update_times.h.
-[[nodiscard]] std::int32_t EA_Add_Common_Entity(std::string_view sEntityName,
-                                                std::int32_t ordParent);
+std::int32_t EA_Add_Common_Entity(std::string_view sEntityName, std::int32_t ordParent);
 bool EA_Reparent_Common_Entity(std::int32_t ordEntity, std::int32_t ordParent);
 bool EA_Add_EntityEQV(std::int32_t ordVersion, std::string_view sCommonName,
                       const Variant& sEntityLabel);

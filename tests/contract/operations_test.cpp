@@ -166,5 +166,45 @@ TEST_P(Contract, OperationsOnReportsDocumentsAndDataAnswerWhatTheSiteHolds) {
       });
 }
 
+TEST_P(Contract, StoredTextsComeBackAsTheyWentIn) {
+  ScriptedPlatform platform(open_session);
+  for (const std::string_view character : {"a", "é", "€", "𝄞", "'", "\\", "|", "\n"}) {
+    for (const int length : {0, 1, 3999, 4000, 4001, 8001, 40000, 40001}) {
+      std::string text;
+      for (int i = 0; i < length; ++i) text += i % 4000 == 3998 ? "x" : character;
+      const std::int32_t id = GDBString::CreateDBString(text);
+      EXPECT_TRUE(GDBString::LoadDBString(id)->Text() == text) << character << " x " << length;
+      EXPECT_EQ(GSabrel::ExecuteQueryReturningLong(
+                    "SELECT COUNT(*) FROM PM_StringTable WHERE Id = " + std::to_string(id)),
+                length == 0 ? 1 : (length - 1) / 4000 + 1);
+    }
+  }
+  const std::int32_t id = GDBString::CreateDBString("north\r\n\r\nsouth\r\nwes", true);
+  EXPECT_EQ(GDBString::LoadDBString(id, true, ";")->Text(), "north;south;we;");
+  GDBString::UpdateDBString(id, "short");
+  EXPECT_EQ(GDBString::LoadDBString(id)->Text(), "short") << "the longer text's rows are gone";
+  CDBString text;
+  text.Id(id);
+  text.Delete();
+  text.Load();
+  EXPECT_EQ(text.Text(), "");
+}
+
+TEST_P(Contract, ReleasesAndFeaturesAreThoseOfTheSite) {
+  ScriptedPlatform platform(open_session);
+  Walk(platform,
+       {{"fits", Do([] { return GSabrel::IsClientServerCompatible(); }), "true"},
+        {"release 17", Do([] { return GSabrel::IsLucentVersionSupported("r17"); }), "true"},
+        {"release 19", Do([] { return GSabrel::IsLucentVersionSupported("R19"); }), "false"},
+        {"a switch that is on",
+         Do([] { return GFeatureManager::FeatureManager()->IsFeatureEnabled("SES_Group"); }),
+         "true"},
+        {"one that is off",
+         Do([] { return GFeatureManager::FeatureManager()->IsFeatureEnabled("CPFail_Group"); }),
+         "false"}});
+  CConnection connection;
+  EXPECT_TRUE(connection.InitializeConnectionFeatures() && connection.IsEnterpriseServer());
+}
+
 }  // namespace
 }  // namespace sabrel::testing

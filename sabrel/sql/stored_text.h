@@ -1,0 +1,100 @@
+// Texts of any length, kept as numbered rows of PM_StringTable.
+//
+// A text is cut into pieces as long as the column StringData, in characters. Up to ten pieces go
+// out as inserts of their own; more of them in one request. An empty text is one row with a null. A
+// text in line mode has a row a line: it is written in one request and read back with the delimiter
+// after every line. Nothing here is rolled back: a save that fails half-way leaves what was
+// written.
+//
+//   CDBString text;  text.Text("SELECT ...");  text.Save();  Remember(text.Id());
+//   const std::string again = GDBString::LoadDBString(id)->Text();
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "sabrel/platform/named_values.h"
+#include "sabrel/platform/text_string.h"
+
+namespace sabrel {
+
+using TextStringRef = std::shared_ptr<TextString>;
+
+class CDBString {
+ public:
+  /// In PM_StringTable; below 1 there are no rows.
+  [[nodiscard]] std::int32_t Id() const noexcept { return id_; }
+  void Id(std::int32_t value) noexcept { id_ = value; }
+  [[nodiscard]] bool IsValid() const noexcept { return id_ >= 1; }
+
+  [[nodiscard]] const std::string& Text() const noexcept { return text_->Text(); }
+  void Text(std::string value) { text_->Text(std::move(value)); }
+  /// The object that holds the text, shared with whoever set it.
+  [[nodiscard]] const TextStringRef& TextString() const noexcept { return text_; }
+  /// Null is ignored.
+  void TextString(TextStringRef value);
+
+  /// Whether each row is one line. Written in this mode, a text that does not end with the
+  /// delimiter loses its last character, and empty lines are lost.
+  [[nodiscard]] bool UseRowAsLine() const noexcept { return use_row_as_line_; }
+  void UseRowAsLine(bool value) noexcept { use_row_as_line_ = value; }
+  /// CR LF unless set; an empty one separates nothing.
+  [[nodiscard]] const std::string& RowDelimiter() const noexcept { return row_delimiter_; }
+  void RowDelimiter(std::string_view value) { row_delimiter_ = value; }
+
+  void ClearText() noexcept { text_->Clear(); }
+
+  // An `ordString` above 0 becomes the Id first.
+
+  /// Reads the text; nothing happens below Id 1. Without rows the text is empty.
+  /// Errors: 91 when the query fails, the text being empty then. Cost: one round trip
+  void Load(std::int32_t ordString = 0);
+  /// Replaces the rows, or makes the text below Id 1. Errors: of the requests; 11 when the length
+  /// of the column cannot be learned. Cost: two to eleven round trips, one more once a thread
+  void Save(std::int32_t ordString = 0);
+  /// Draws a new Id, 0 when that fails, and writes the rows.
+  void Create();
+  /// Replaces the rows; nothing happens below Id 1.
+  void Update();
+  /// Deletes the rows; nothing happens below Id 1. Id and text stay.
+  void Delete();
+
+  /// Asks for the text's select statement in an XML envelope: "" below Id 1. The envelope takes the
+  /// place of an Id, which it cannot be: fails for every other. Errors: 13. Cost: no round trip
+  std::string ExecuteXMLQuery(std::int32_t ordString = 0,
+                              const NamedValues* nmvsArguments = nullptr);
+
+ private:
+  void WriteRows() const;
+  void InsertPieces(std::string_view text, std::int64_t length, std::int32_t chunk) const;
+  void WritePieces(std::string_view text, std::int32_t chunk) const;
+  void WriteLines(std::string_view text, std::int32_t chunk) const;
+  [[nodiscard]] std::string SelectText() const;
+
+  std::int32_t id_ = 0;
+  TextStringRef text_ = std::make_shared<sabrel::TextString>();
+  bool use_row_as_line_ = false;
+  std::string row_delimiter_ = "\r\n";
+};
+
+/// The same in one call.
+namespace GDBString {
+
+/// A text that is neither read nor written yet.
+[[nodiscard]] std::shared_ptr<CDBString> DBString(const TextStringRef& sText, std::int32_t ord = 0,
+                                                  bool fUseRowAsLine = false,
+                                                  std::string_view sRowDelimiter = "\r\n");
+/// Returns the new Id. Errors and cost: as CDBString::Create
+std::int32_t CreateDBString(std::string sText, bool fUseRowAsLine = false,
+                            std::string_view sRowDelimiter = "\r\n");
+/// Errors and cost: as CDBString::Save
+void UpdateDBString(std::int32_t ordString, std::string sText, bool fUseRowAsLine = false,
+                    std::string_view sRowDelimiter = "\r\n");
+/// Errors and cost: as CDBString::Load
+[[nodiscard]] TextStringRef LoadDBString(std::int32_t ordString, bool fUseRowAsLine = false,
+                                         std::string_view sRowDelimiter = "\r\n");
+
+}  // namespace GDBString
+}  // namespace sabrel
