@@ -8,49 +8,32 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <thread>
 
-#include "adapters/console/configured_spreadsheet.h"
-#include "adapters/console/console_application.h"
 #include "adapters/console/console_services.h"
 #include "adapters/console/environment_locale.h"
 #include "adapters/console/password_prompt.h"
 #include "adapters/console/registry_file.h"
-#include "sabrel/platform/runtime_error.h"
+#include "tests/adapters/temporary_folder.h"
+#include "tests/platform/failures.h"
 
 namespace sabrel {
 namespace {
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
+using testing::TemporaryFolder;
 
-std::string FailureOfCall(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const RuntimeError& failure) {
-    return std::to_string(failure.Number()) + " " + failure.Description();
-  }
-  return "no failure";
+template <class Call>
+std::string FailureOfCall(const Call& call) {
+  const RuntimeError failure = testing::FailureIn([&] { return call(), 0; });
+  return std::to_string(failure.Number()) + " " + failure.Description();
 }
 
-class Folder {
- public:
-  Folder() {
-    std::string name = (fs::temp_directory_path() / "consoleXXXXXX").string();
-    path_ = ::mkdtemp(name.data());
-  }
-  ~Folder() { fs::remove_all(path_); }
-  [[nodiscard]] fs::path operator/(const char* name) const { return path_ / name; }
-
- private:
-  fs::path path_;
-};
-
-std::string Contents(const fs::path& path) {
+std::string Contents(const std::string& path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
@@ -70,15 +53,10 @@ class Terminal {
   }
   [[nodiscard]] std::FILE* File() const { return file_; }
   [[nodiscard]] int Descriptor() const { return program_; }
-  [[nodiscard]] bool Echoes() const {
-    termios state{};
-    ::tcgetattr(program_, &state);
-    return (state.c_lflag & ECHO) != 0;
-  }
+  [[nodiscard]] bool Echoes() const { return (State().c_lflag & ECHO) != 0; }
   // The echo of what is typed ahead would arrive between any two lines.
   void Hush() const {
-    termios state{};
-    ::tcgetattr(program_, &state);
+    termios state = State();
     state.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     ::tcsetattr(program_, TCSANOW, &state);
   }
@@ -91,6 +69,11 @@ class Terminal {
   void Type(std::string_view text) { EXPECT_GT(::write(person_, text.data(), text.size()), 0); }
 
  private:
+  [[nodiscard]] termios State() const {
+    termios state{};
+    ::tcgetattr(program_, &state);
+    return state;
+  }
   int person_ = -1;
   int program_ = -1;
   std::FILE* file_ = nullptr;
@@ -118,30 +101,22 @@ std::string ReadSetting(std::string_view bytes, std::string_view name) {
 }
 
 TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
-  struct Row {
+  const struct {
     const char* name;
     const char* lines;  // of which "v" of the key A\B is read
     const char* expected;
-  };
-  const Row rows[] = {
-      {"text", "[HKEY_LOCAL_MACHINE\\A\\B]\r\n\"V\"=\"x\"\r\n", "x"},
+  } rows[] = {
       {"LF only, comments, blanks", ";c\n\n [hklm\\a\\b] ; c\n \"v\" = \"x;y\" ;c\n", "x;y"},
       {"escapes", "[HKLM\\A\\B]\n\"v\"=\"C:\\\\Q \\\"x\\\"\"\n", "C:\\Q \"x\""},
-      {"name with escapes", "[HKLM\\A\\B]\n\"a\\\"=\"=\"n\"\n\"v\"=\"x\"\n", "x"},
       {"text of two lines", "[HKLM\\A\\B]\n\"v\"=\"x\r\ny\"\n", "x\r\ny"},
       {"later file part wins", "[HKLM\\A\\B]\n\"v\"=\"x\"\n[HKLM\\A\\B]\n\"V\"=\"y\"\n", "y"},
       {"dword", "[HKLM\\A\\B]\n\"v\"=dword:0000002A\n", "true"},
-      {"dword 0", "[HKLM\\A\\B]\n\"v\"=dword:00000000\n", "-"},
-      {"dword as hex", "[HKLM\\A\\B]\n\"v\"=hex(4):00,00,00,01\n", "true"},
       {"qword", "[HKLM\\A\\B]\n\"v\"=hex(b):00,00,00,00,00,00,00,80\n", "true"},
       {"UTF-16 over lines", "[HKLM\\A\\B]\n\"v\"=hex(2):25,00,\\\r\n  41,00,00,00\n", "%A"},
       {"binary and list", "[HKLM\\A\\B]\n\"v\"=hex:01,02\n\"v\"=hex(7):41,00\n", "-"},
-      {"half pair", "[HKLM\\A\\B]\n\"v\"=hex(1):00,d8,41,00\n", "\uFFFDA"},
       {"value removed", "[HKLM\\A\\B]\n\"v\"=\"x\"\n\"V\"=-\n", "-"},
       {"key removed", "[HKLM\\A\\B\\C]\n[-HKLM\\a\\b]\n[-HKLM\\x\\y]\n", "no key"},
       {"parents exist", "[HKLM\\A\\B\\C]\n\"v\"=\"x\"\n", "-"},
-      {"brackets in a name", "[HKLM\\A\\B\\[C]]\n", "-"},
-      {"other hive", "[HKCU\\A\\B]\n", "no key"},
       {"unknown hive", "[HKEY\\A]\n", "line 2: the key does not start"},
       {"key without name", "[HKLM\\\\A]\n", "line 2: the key has a part without"},
       {"key open", "\n[HKLM\\A\n", "line 3: the name of the key is not closed"},
@@ -153,20 +128,19 @@ TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
       {"no type", "[HKLM\\A]\n\"v\"=dwo\n", "line 3: the type of the value is missing"},
       {"odd type", "[HKLM\\A]\n\"v\"=hex(g):00\n", "line 3: the type of the value is not known"},
       {"short dword", "[HKLM\\A]\n\"v\"=dword:0000002\n", "line 3: a number of 8 hex"},
-      {"short byte", "[HKLM\\A]\n\"v\"=hex:01,0\n", "line 3: a number of 2 hex"},
       {"list ends in comma", "[HKLM\\A]\n\"v\"=hex:01,\n", "line 3: the list of bytes ends"},
       {"no comma", "[HKLM\\A]\n\"v\"=hex:01 02\n", "line 3: a comma is missing"},
       {"half character", "[HKLM\\A]\n\"v\"=hex(1):41\n", "line 3: the text ends in half"},
       {"short qword", "[HKLM\\A]\n\"v\"=hex(b):01,\\\n02\n", "line 3: the number has to have 8"},
       {"garbage", "[HKLM\\A]\nv=1\n", "line 3: this is neither a key"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     const std::string text = std::string(kHeader) + row.lines;
     for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, Utf16OfAscii(text)}) {
       std::string read;
       const std::string failure = FailureOfCall([&] { read = ReadSetting(bytes, "v"); });
-      if (failure == "no failure") {
+      if (failure == "0 ") {
         EXPECT_EQ(read, row.expected);
       } else {
         EXPECT_THAT(failure, HasSubstr(row.expected));
@@ -185,18 +159,19 @@ TEST(RegistryFile, TakesOrRefusesEncodings) {
   const std::string ansi = "REGEDIT4\n[HKLM\\A\\B]\n\"v\"=hex(2):41,";
   EXPECT_EQ(ReadSetting(ansi + "42,00\n", "v"), "AB");
 
-  const auto refusal = [](const std::string& bytes) {
-    return FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes, "s.reg"); });
-  };
-  EXPECT_THAT(refusal(ansi + "E9\n"), HasSubstr("line 3: the text is not UTF-8"));
-  EXPECT_THAT(refusal("REGEDIT4\n;\xE9\n"), HasSubstr("line 2: the text is neither UTF-8"));
-  EXPECT_THAT(refusal("\xFE\xFF" + std::string(kHeader)), HasSubstr("big-endian"));
-  EXPECT_THAT(refusal(Utf16(start).substr(2)), HasSubstr("byte-order mark"));
-  EXPECT_THAT(refusal("REGEDIT5\n"), HasSubstr("header"));
-  EXPECT_THAT(refusal("REGEDIT4\n[HKLM]"), HasSubstr("line 2: the file ends without a line break"));
   std::string deep = "REGEDIT4\n[HKLM";
   for (int i = 0; i < 600; ++i) deep += "\\k";
-  EXPECT_THAT(refusal(deep + "]\n"), HasSubstr("line 2: the key is nested too deeply"));
+  const std::pair<std::string, const char*> refused[] = {
+      {ansi + "E9\n", "line 3: the text is not UTF-8"},
+      {"REGEDIT4\n;\xE9\n", "line 2: the text is neither UTF-8"},
+      {"\xFE\xFF" + std::string(kHeader), "big-endian"},
+      {Utf16(start).substr(2), "byte-order mark"},
+      {"REGEDIT5\n", "header"},
+      {deep + "]\n", "line 2: the key is nested too deeply"}};
+  for (const auto& [bytes, told] : refused) {
+    EXPECT_THAT(FailureOfCall([&, &text = bytes] { (void)RegistryFile::FromBytes(text, "s.reg"); }),
+                HasSubstr(told));
+  }
 }
 
 TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
@@ -214,11 +189,11 @@ TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
       const bool whole = (!wide || cut % 2 == 0) && last + 1 < kept.size() && kept[last] != '\\';
       const std::string failure =
           FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes.substr(0, cut), "s.reg"); });
-      EXPECT_EQ(failure == "no failure", whole) << failure;
+      EXPECT_EQ(failure == "0 ", whole) << failure;
       loaded += whole ? 1 : 0;
     }
-    EXPECT_EQ(loaded,
-              15);  // behind CR and behind LF of each line but the continued one and the last LF
+    // Behind CR and behind LF of each line but the continued one and the last LF.
+    EXPECT_EQ(loaded, 15);
   }
 }
 
@@ -233,14 +208,13 @@ TEST(RegistryFile, ReadsTruthFromNumbersAndWords) {
     const auto key = registry.OpenKey("HKCU");
     EXPECT_EQ(key->ReadBoolean("", true), expected != 0);
     EXPECT_EQ(key->ReadBoolean("", false), expected == 1);
-    EXPECT_TRUE(key->ReadBoolean("other", true));
   }
 }
 
 TEST(RegistryFile, OpensKeysThatOutliveIt) {
-  const Folder folder;
-  std::ofstream(folder / "s.reg") << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
-  auto registry = std::make_unique<RegistryFile>(folder / "s.reg");
+  const TemporaryFolder folder;
+  std::ofstream(folder.File("s.reg")) << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
+  auto registry = std::make_unique<RegistryFile>(folder.File("s.reg"));
   EXPECT_EQ(registry->OpenKey("\\HKEY_LOCAL_MACHINE\\A\\X"), nullptr);
   EXPECT_EQ(registry->OpenKey("\\HKEY\\A"), nullptr);
   const auto key = registry->OpenKey("\\hkey_local_machine\\a");
@@ -249,53 +223,45 @@ TEST(RegistryFile, OpensKeysThatOutliveIt) {
   EXPECT_EQ(key->OpenSubkey("b\\c")->ReadString("", "d"), "x");
 
   EXPECT_EQ(RegistryFile().OpenKey("\\HKEY_LOCAL_MACHINE"), nullptr);
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder / ""); }), HasSubstr("Is a directory"));
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder / "no.reg"); }),
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.File("")); }), HasSubstr("Is a directory"));
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.File("no.reg")); }),
               ::testing::AllOf(HasSubstr("75 "), HasSubstr("no.reg\""), HasSubstr("No such file")));
 }
 
 // Message boxes
 
-TEST(ConsoleServices, AnswersBoxesByModeAndStyle) {
-  struct Row {
+TEST(ConsoleServices, AnswersBoxesByModeAndStyleWhereNobodyCanBeAsked) {
+  const struct {
     const char* name;
     AnswerMode mode;
     std::int32_t style;
     std::int32_t answer;
-    std::string icon, question;
+    std::string shown;
+  } rows[] = {
+      {"yes", AnswerMode::kYes, 52, 6, "[exclamation] C d\n  a\n  b\\x07\n  Yes or No? Yes\n"},
+      {"no", AnswerMode::kNo, 20, 7, "[critical] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
+      {"ask", AnswerMode::kAsk, 292, 7, "[question] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
+      {"no icon", AnswerMode::kAsk, 0, 1, "[message] C d\n  a\n  b\\x07\n"},
   };
-  const Row rows[] = {
-      {"critical", AnswerMode::kNo, 16, 1, "critical", ""},
-      {"exclamation", AnswerMode::kYes, 48, 1, "exclamation", ""},
-      {"yes", AnswerMode::kYes, 52, 6, "exclamation", "  Yes or No? Yes\n"},
-      {"no", AnswerMode::kNo, 52, 7, "exclamation", "  Yes or No? No\n"},
-      {"nobody to ask", AnswerMode::kAsk, 292, 7, "question", "  Yes or No? No\n"},
-      {"no icon", AnswerMode::kAsk, 0, 1, "message", ""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    char* shown = nullptr;
-    std::size_t size = 0;
+  const TemporaryFolder folder;
+  for (const auto& row : rows) {
     ConsoleServicesOptions options;
     options.answer = row.mode;
-    options.terminal = ::open_memstream(&shown, &size);
-    ConsoleServices services(options);
-    EXPECT_EQ(services.ShowMessage("a\r\nb\a", row.style, "C\r\nd"), row.answer);
+    options.terminal = std::fopen(folder.File("box").c_str(), "w");
+    EXPECT_EQ(ConsoleServices(options).ShowMessage("a\r\nb\a", row.style, "C\r\nd"), row.answer);
     std::fclose(options.terminal);
-    EXPECT_EQ(shown, "[" + row.icon + "] C d\n  a\n  b\\x07\n" + row.question);
-    std::free(shown);
+    EXPECT_EQ(Contents(folder.File("box")), row.shown) << row.name;
   }
 }
 
 TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
-  struct Row {
+  const struct {
     const char* typed;
     std::int32_t style;
     std::int32_t answer;
-  };
-  const Row rows[] = {{"y\n", 292, 6}, {"YES\n", 52, 6}, {"n\n", 52, 7},  {" no \n", 52, 7},
-                      {"\n", 292, 7},  {"\n", 52, 6},    {"\x04", 52, 7}, {"what\ny\n", 292, 6}};
-  for (const Row& row : rows) {
+  } rows[] = {{"y\n", 292, 6}, {"YES\n", 52, 6}, {"n\n", 52, 7},  {" no \n", 52, 7},
+              {"\n", 292, 7},  {"\n", 52, 6},    {"\x04", 52, 7}, {"what\ny\n", 292, 6}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.typed);
     Terminal terminal;
     terminal.Hush();
@@ -326,16 +292,16 @@ TEST(VisibleText, ShowsWhatCouldSteerATerminal) {
 
 // Trace and log
 
-ConsoleServicesOptions LogTo(const fs::path& path, std::size_t bytes = 1 << 20) {
+ConsoleServicesOptions LogTo(const std::string& path, std::size_t bytes = 1 << 20) {
   ConsoleServicesOptions options;
   options.log = {path, bytes, 2};
   return options;
 }
 
 TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
-  const Folder folder;
-  std::ofstream(folder / "s.log") << "torn";
-  ConsoleServices services(LogTo(folder / "s.log"));
+  const TemporaryFolder folder;
+  std::ofstream(folder.File("s.log")) << "torn";
+  ConsoleServices services(LogTo(folder.File("s.log")));
   services.WriteTrace("dropped");
   services.TraceSwitch(true);
   services.WriteTrace("caption\r\nQuery: \x1B");
@@ -344,24 +310,25 @@ TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
   const std::string at = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[\\d+\\] ";
   const std::regex expected("torn\n" + at + "trace: caption\n    Query: \\\\x1B\n" + at +
                             "log: Assertion failed in S, M\\.P: m\n");
-  EXPECT_TRUE(std::regex_match(Contents(folder / "s.log"), expected)) << Contents(folder / "s.log");
+  EXPECT_TRUE(std::regex_match(Contents(folder.File("s.log")), expected))
+      << Contents(folder.File("s.log"));
 }
 
 TEST(ConsoleServices, PutsFullLogsAsideAndKeepsTheLastOnes) {
-  const Folder folder;
-  ConsoleServices services(LogTo(folder / "s.log", 100));
+  const TemporaryFolder folder;
+  ConsoleServices services(LogTo(folder.File("s.log"), 100));
   for (const char* entry : {"first", "second", "third", "fourth"}) {
     services.WriteLog(entry + std::string(60, '.'));
   }
-  EXPECT_THAT(Contents(folder / "s.log"), HasSubstr("fourth"));
-  EXPECT_THAT(Contents(folder / "s.1.log"), HasSubstr("third"));
-  EXPECT_THAT(Contents(folder / "s.2.log"), HasSubstr("second"));
-  EXPECT_FALSE(fs::exists(folder / "s.3.log"));
+  EXPECT_THAT(Contents(folder.File("s.log")), HasSubstr("fourth"));
+  EXPECT_THAT(Contents(folder.File("s.1.log")), HasSubstr("third"));
+  EXPECT_THAT(Contents(folder.File("s.2.log")), HasSubstr("second"));
+  EXPECT_FALSE(fs::exists(folder.File("s.3.log")));
 }
 
 TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
-  const Folder folder;
-  const std::string open = FailureOfCall([&] { ConsoleServices services(LogTo(folder / "")); });
+  const TemporaryFolder folder;
+  const std::string open = FailureOfCall([&] { ConsoleServices services(LogTo(folder.File(""))); });
   EXPECT_THAT(open, HasSubstr("75 The log file"));
   EXPECT_THAT(open, HasSubstr("Is a directory"));
 
@@ -371,15 +338,15 @@ TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
                 ::testing::AllOf(HasSubstr("\"/dev/full\""), HasSubstr("No space left")));
   }
 
-  fs::create_directory(folder / "sub");
-  ConsoleServices rotating(LogTo(folder / "sub" / "s.log", 50));
+  fs::create_directory(folder.File("sub"));
+  ConsoleServices rotating(LogTo(folder.File("sub/s.log"), 50));
   rotating.WriteLog(std::string(60, '.'));
-  fs::create_directories(folder / "sub" / "s.2.log" / "in the way");
-  fs::create_directories(folder / "sub" / "s.1.log");
+  fs::create_directories(folder.File("sub/s.2.log/in the way"));
+  fs::create_directories(folder.File("sub/s.1.log"));
   EXPECT_THAT(FailureOfCall([&] { rotating.WriteLog("a"); }), HasSubstr("failed renaming"));
-  fs::remove_all(folder / "sub");
+  fs::remove_all(folder.File("sub"));
   rotating.WriteLog("works again");
-  EXPECT_THAT(Contents(folder / "sub" / "s.log"), HasSubstr("works again"));
+  EXPECT_THAT(Contents(folder.File("sub/s.log")), HasSubstr("works again"));
 
   ConsoleServicesOptions options;
   options.terminal = std::fopen("/dev/full", "w");
@@ -389,10 +356,10 @@ TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
 }
 
 TEST(ConsoleServices, KeepsLinesWholeWhenEightThreadsWrite) {
-  const Folder folder;
-  ConsoleServicesOptions options = LogTo(folder / "s.log", 2000);
-  options.log.rotated_files = 60;
-  options.terminal = std::fopen((folder / "boxes").c_str(), "w");
+  const TemporaryFolder folder;
+  ConsoleServicesOptions options = LogTo(folder.File("s.log"), 1000);
+  options.log.rotated_files = 120;
+  options.terminal = std::fopen(folder.File("boxes.log").c_str(), "w");
   {
     ConsoleServices services(options);
     std::vector<std::jthread> threads;
@@ -408,46 +375,43 @@ TEST(ConsoleServices, KeepsLinesWholeWhenEightThreadsWrite) {
     }
   }
   std::fclose(options.terminal);
-  std::string log = Contents(folder / "s.log");
-  for (int i = 1; i <= 60; ++i) {
-    log += Contents(folder / ("s." + std::to_string(i) + ".log").c_str());
+  const std::pair<const char*, const char*> rows[] = {
+      {"s", "[-\\d]{10} [:.\\d]{12} \\[\\d+\\] log: (\\d\\.\\d+!)\n    x{20}\n"},
+      {"boxes", "\\[question\\] c\n  (\\d\\.\\d+!)\n  Yes or No\\? No\n"}};
+  for (const auto& [file, pattern] : rows) {
+    std::string text = Contents(folder.File(file + std::string(".log")));
+    for (int i = 1; i <= 120; ++i) {
+      text += Contents(folder.File(file + ("." + std::to_string(i)) + ".log"));
+    }
+    const std::regex entry(pattern);
+    std::set<std::string> seen;
+    std::size_t length = 0;
+    for (std::sregex_iterator it(text.begin(), text.end(), entry), end; it != end; ++it) {
+      seen.insert((*it)[1]);
+      length += static_cast<std::size_t>(it->length());
+    }
+    EXPECT_EQ(seen.size(), 800U) << file;
+    EXPECT_EQ(length, text.size()) << file;
   }
-  const std::regex entry("[-\\d]{10} [:.\\d]{12} \\[\\d+\\] log: (\\d\\.\\d+!)\n    x{20}\n");
-  std::set<std::string> seen;
-  std::size_t length = 0;
-  for (std::sregex_iterator it(log.begin(), log.end(), entry), end; it != end; ++it) {
-    seen.insert((*it)[1]);
-    length += static_cast<std::size_t>(it->length());
-  }
-  EXPECT_EQ(seen.size(), 800U);
-  EXPECT_EQ(length, log.size());
-  const std::string boxes = Contents(folder / "boxes");
-  const std::regex box("\\[question\\] c\n  \\d\\.\\d+!\n  Yes or No\\? No\n");
-  EXPECT_EQ(std::distance(std::sregex_iterator(boxes.begin(), boxes.end(), box), {}), 800);
 }
 
-// Locale, application, spreadsheet, prompt
+// Locale, prompt
 
 TEST(EnvironmentLocale, DerivesFactsFromPatterns) {
-  struct Row {
+  const struct {
     const char *name, *decimal, *thousands, *date, *time;
     const char* expected;  // decimal thousands date separator, time separator, order
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"C", ".", "", "%m/%d/%y", "%H:%M:%S", ". , / : 0"},
-      {"en_US", ".", ",", "%m/%d/%Y", "%r", ". , / : 0"},
-      {"de_DE", ",", ".", "%d.%m.%Y", "%T", ", . . : 1"},
       {"es_ES", ",", "", "%d/%m/%y", "%T", ", . / : 1"},
       {"fi_FI", ",", "\u202F", "%d.%m.%Y", "%H.%M.%S", ", \u202F . . 1"},
       {"fr_FR in Latin-1", ",", "\xA0", "%d/%m/%Y", "%T", ", \u00A0 / : 1"},
-      {"sv_SE", ",", "\u00A0", "%Y-%m-%d", "%H:%M:%S", ", \u00A0 - : 2"},
       {"en_CA", ".", ",", "%F", "%T", ". , - : 2"},
-      {"cs_CZ", ",", "\u00A0", "%-d.%-m.%Y", "%H:%M:%S", ", \u00A0 . : 1"},
       {"vi_VN", ",", ".", "%A, %d/%m/%Y", "%Od:%M", ", . / : 1"},
       {"ja_JP", ".", ",", "%Y年%m月%d日", "%H時%M分%S秒", ". , / : 2"},
       {"nothing", "", "", "", "%", ". , / : 0"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     const LocaleFacts f = LocaleFactsOf(row.decimal, row.thousands, row.date, row.time);
     EXPECT_EQ(f.decimal_separator + " " + f.thousands_separator + " " + f.date_separator + " " +
                   f.time_separator + " " + std::to_string(static_cast<int>(f.date_order)),

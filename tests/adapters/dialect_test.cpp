@@ -8,8 +8,7 @@
 namespace sabrel::dialect {
 namespace {
 
-// Spells everything so that a row can be read: routines are F, PKG.F (writes) and P; LIMIT and
-// INDEX are reserved.
+// Spells everything so that a row can be read; F is a routine, PKG.F one that writes.
 class TestEngine final : public Engine {
  public:
   explicit TestEngine(bool has_functions = true) : has_functions_(has_functions) {}
@@ -29,17 +28,18 @@ class TestEngine final : public Engine {
   CallOpening RoutineCall(std::string_view name) const override {
     return {"call('" + Text(name) + "'", true};
   }
-  std::string_view AddFunction() const override { return has_functions_ ? "plus" : ""; }
-  std::string_view SubtractFunction() const override { return has_functions_ ? "minus" : ""; }
-  std::string_view SingleFunction() const override { return has_functions_ ? "single" : ""; }
-  std::string_view CompareFunction() const override { return has_functions_ ? "compare" : ""; }
-  std::string_view HidingOperator() const override { return has_functions_ ? "+" : ""; }
+  std::string_view AddFunction() const override { return Named("plus"); }
+  std::string_view SubtractFunction() const override { return Named("minus"); }
+  std::string_view SingleFunction() const override { return Named("single"); }
+  std::string_view CompareFunction() const override { return Named("compare"); }
+  std::string_view HidingOperator() const override { return Named("+"); }
   std::string_view FunctionName(std::string_view name) const override {
     return name == "TRUNC" ? "ora_trunc" : "";
   }
 
  private:
   static std::string Text(std::string_view view) { return std::string(view); }
+  std::string_view Named(std::string_view name) const { return has_functions_ ? name : ""; }
   bool has_functions_;
 };
 
@@ -53,19 +53,25 @@ std::string Shown(const Constant& constant) {
   return "null";
 }
 
+// What `action` yields, or "!", the number of its refusal and the place: a character, the end.
 std::string Attempt(const std::function<std::string()>& action) {
   try {
     return action();
   } catch (const SyntaxFailure& failure) {
-    return "!" + std::to_string(failure.native_number) + " " + failure.message;
+    const std::string& told = failure.message;
+    const std::size_t place = told.rfind("(character ");
+    const bool at_end = told.ends_with("at the end of the statement");
+    return "!" + std::to_string(failure.native_number) + (at_end ? " @end" : "") +
+           (place == std::string::npos ? ""
+                                       : " @" + told.substr(place + 11, told.size() - place - 12));
   }
 }
 
 // The rewritten text, its constants behind "|", "W" where it writes; blanks that removed words
 // leave become one.
-std::string Outcome(std::string_view sql, const Engine& engine = TestEngine()) {
+std::string Outcome(std::string_view sql) {
   return Attempt([&] {
-    const Rewritten rewritten = Rewrite(RequireOneStatement(sql), engine);
+    const Rewritten rewritten = Rewrite(RequireOneStatement(sql), TestEngine());
     std::string shown = rewritten.text;
     for (const Constant& constant : rewritten.constants) shown += " |" + Shown(constant);
     if (rewritten.writes) shown += " W";
@@ -81,38 +87,33 @@ struct Row {
   std::string outcome;
 };
 
-void CheckAll(const std::vector<Row>& rows, const Engine& engine = TestEngine()) {
-  for (const Row& row : rows) EXPECT_EQ(Outcome(row.sql, engine), row.outcome) << row.name;
+void CheckAll(const std::vector<Row>& rows, std::string (*outcome)(std::string_view) = Outcome) {
+  for (const Row& row : rows) EXPECT_EQ(outcome(row.sql), row.outcome) << row.name;
+}
+
+// Conditions of a query of one table.
+void CheckConditions(std::vector<Row> rows) {
+  for (Row& row : rows) {
+    for (std::string* text : {&row.sql, &row.outcome}) {
+      if (!text->starts_with('!')) text->insert(0, "SELECT a FROM t WHERE ");
+    }
+  }
+  CheckAll(rows);
 }
 
 TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
   CheckAll({
-      {"reserved column", "SELECT LIMIT, NVL(N,0) FROM T B WHERE B.TASKID= 5",
-       "SELECT \"LIMIT\", NVL(N,?1) FROM T B WHERE B.TASKID= ?2 |0 |5"},
       {"reserved everywhere", "SELECT t.limit Limit FROM limit t WHERE limit>1 ORDER BY LIMIT",
        "SELECT t.\"limit\" \"Limit\" FROM \"limit\" t WHERE \"limit\">?1 ORDER BY \"LIMIT\" NULLS "
        "LAST |1"},
-      {"words that only look special", "Select Max(TimeStamp) as TimeStamp From Z",
-       "Select Max(TimeStamp) as TimeStamp From Z"},
-      {"all columns", "SELECT limit.*, t.*, COUNT(*), COUNT(DISTINCT a) FROM limit, t",
-       "SELECT \"limit\".*, t.*, COUNT(*), COUNT(DISTINCT a) FROM \"limit\", t"},
-      {"line ends", "SELECT COUNT(a) FROM u\r\n    WHERE a = 'X'",
-       "SELECT COUNT(a) FROM u\r\n WHERE a = ?1 |'X'"},
       {"sequence", "SELECT my_sq.NEXTVAL, s.q.currval FROM DUAL",
        "SELECT next<my_sq>, current<s.q> FROM DUAL W"},
-      {"reading a sequence", "SELECT q.currval FROM DUAL", "SELECT current<q> FROM DUAL"},
       {"system date", "SELECT TRUNC(SYSDATE,'MI'), t.sysdate FROM DUAL",
        "SELECT ora_trunc(now(),?1), t.sysdate FROM DUAL |'MI'"},
-      {"system date in a text", "SELECT 'SYSDATE' FROM DUAL", "SELECT 'SYSDATE' FROM DUAL"},
       {"routine", "SELECT Pkg . F( 5,'O''Hara' ) FROM DUAL",
        "SELECT call('Pkg . F', ?1,?2 ) FROM DUAL |5 |'O'Hara' W"},
       {"routine without arguments", "SELECT pkg.f() x, f(  ) FROM DUAL",
        "SELECT call('pkg.f') x, call('f' ) FROM DUAL W"},
-      {"nested routines", "SELECT f(f(1), a.f) FROM a",
-       "SELECT call('f',call('f',?1), a.f) FROM a |1"},
-      {"unknown routine of a package", "SELECT pkg.g(1) FROM DUAL",
-       "!904 \"PKG\".\"G\": invalid identifier"},
-      {"unknown function", "SELECT g(1) FROM DUAL", "SELECT g(?1) FROM DUAL |1"},
       {"empty text", "SELECT NVL(a,'') FROM t WHERE b=''",
        "SELECT NVL(a,NULL) FROM t WHERE b=NULL"},
       {"date constants", "SELECT a FROM t WHERE d > DATE '2024-03-09'",
@@ -148,40 +149,32 @@ TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
 }
 
 TEST(Rewrite, KeepsTheMeaningOfArithmetic) {
-  const auto select = [](const char* expression) {
-    return "SELECT " + std::string(expression) + " FROM T";
-  };
-  struct Shape {
+  const auto select = [](std::string expression) { return "SELECT " + expression + " FROM T"; };
+  const struct {
     const char* expression;
     const char* with_functions;
     const char* with_operators;
+  } rows[] = {
+      {"a+b-c", "minus(plus(a,b),c)", "a+b-c"},
+      {"a-b-c+d+e", "plus(minus(a,b,c),d,e)", "a-b-c+d+e"},
+      {"a-(b-c)", "minus(a,(minus(b,c)))", "a-(b-c)"},
+      {"a+b*c-d", "minus(plus(a,b*c),d)", "a+b*c-d"},
+      {"SYSDATE-1/24", "minus(now(),1*1.0/24)", "now()-1*1.0/24"},
+      {"1+2-a", "minus(1+2,a)", "1+2-a"},
+      {"1E-5+a", "plus(1E-5,a)", "1E-5+a"},
+      {"-a+ -b", "plus(-a, -b)", "-a+ -b"},
+      {"a||b+c", "plus(a||b,c)", "a||b+c"},
+      {"1||2+3", "plus(1||2,3)", "1||2+3"},
+      {"a+b||c", "plus(a,b)||c", "(a+b)||c"},
+      {"a||b*c||d*e", "a||(b*c)||(d*e)", "a||(b*c)||(d*e)"},
+      {"a*b||c-d", "minus((a*b)||c,d)", "(a*b)||c-d"},
+      {"a/b/c", "a*1.0/b*1.0/c", "a*1.0/b*1.0/c"},
+      {"CASE WHEN a-b>c THEN d+e END+f", "plus(CASE WHEN minus(a,b)>c THEN plus(d,e) END,f)",
+       "CASE WHEN a-b>c THEN d+e END+f"},
+      {"f(a)-f(b)", "minus(call('f',a),call('f',b))", "call('f',a)-call('f',b)"},
+      {"a - /* b */ c", "minus(a , /* b */ c)", "a - /* b */ c"},
   };
-  for (const Shape& shape : {
-           Shape{"a+b-c", "minus(plus(a,b),c)", "a+b-c"},
-           Shape{"a+b+c+d", "plus(a,b,c,d)", "a+b+c+d"},
-           Shape{"a-b-c+d+e", "plus(minus(a,b,c),d,e)", "a-b-c+d+e"},
-           Shape{"a-(b-c)", "minus(a,(minus(b,c)))", "a-(b-c)"},
-           Shape{"a+b*c-d", "minus(plus(a,b*c),d)", "a+b*c-d"},
-           Shape{"SYSDATE-1/24", "minus(now(),1*1.0/24)", "now()-1*1.0/24"},
-           Shape{"1+2-a", "minus(1+2,a)", "1+2-a"},
-           Shape{"1E-5+2", "1E-5+2", "1E-5+2"},
-           Shape{"1E-5+a", "plus(1E-5,a)", "1E-5+a"},
-           Shape{"-a+ -b", "plus(-a, -b)", "-a+ -b"},
-           Shape{"- -a", "- -a", "- -a"},
-           Shape{"a||b+c", "plus(a||b,c)", "a||b+c"},
-           Shape{"1||2+3", "plus(1||2,3)", "1||2+3"},
-           Shape{"a+b||c", "plus(a,b)||c", "(a+b)||c"},
-           Shape{"a||b*c||d*e", "a||(b*c)||(d*e)", "a||(b*c)||(d*e)"},
-           Shape{"a*b||c-d", "minus((a*b)||c,d)", "(a*b)||c-d"},
-           Shape{"a/b/c", "a*1.0/b*1.0/c", "a*1.0/b*1.0/c"},
-           Shape{"MAX(a+b)", "MAX(plus(a,b))", "MAX(a+b)"},
-           Shape{"CASE WHEN a-b>c THEN d+e END+f",
-                 "plus(CASE WHEN minus(a,b)>c THEN plus(d,e) END,f)",
-                 "CASE WHEN a-b>c THEN d+e END+f"},
-           Shape{"q.NEXTVAL+(b)", "plus(next<q>,(b))", "next<q>+(b)"},
-           Shape{"f(a)-f(b)", "minus(call('f',a),call('f',b))", "call('f',a)-call('f',b)"},
-           Shape{"a - /* b */ c", "minus(a , /* b */ c)", "a - /* b */ c"},
-       }) {
+  for (const auto& shape : rows) {
     const auto outcome = [&](const TestEngine& engine) {
       std::string text = Rewrite(select(shape.expression), engine).text;
       if (const auto name = text.find(" AS "); name != std::string::npos) {
@@ -198,24 +191,16 @@ TEST(Rewrite, KeepsTheMeaningOfArithmetic) {
 }
 
 TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
-  const std::string once = "!900 NEXTVAL is supported only once per sequence in a statement ";
-  const std::string date = "!932 inconsistent datatypes: expected NUMBER got DATE ";
   CheckAll({
       {"order of nulls",
        "SELECT a FROM t ORDER BY a, b ASC, c DESC, d NULLS FIRST, e DESC NULLS LAST",
        "SELECT a FROM t ORDER BY a NULLS LAST, b ASC NULLS LAST, c DESC NULLS FIRST, d NULLS "
        "FIRST, "
        "e DESC NULLS LAST"},
-      {"drawn twice", "INSERT INTO t VALUES (q.NEXTVAL, Q.nextval)",
-       once + "near \")\" (character 43)"},
-      {"drawn and read", "SELECT q.CURRVAL, q.NEXTVAL FROM DUAL",
-       once + "near \"FROM\" (character 29)"},
-      {"two sequences", "SELECT q.NEXTVAL, r.NEXTVAL, s.CURRVAL, s.CURRVAL FROM DUAL",
-       "SELECT next<q>, next<r>, current<s>, current<s> FROM DUAL W"},
-      {"view that draws", "CREATE VIEW v AS SELECT q.NEXTVAL a FROM DUAL",
-       "!2287 sequence number not allowed here at the end of the statement"},
-      {"view that writes", "CREATE VIEW v AS SELECT pkg.f() a FROM DUAL",
-       "!14551 cannot perform a DML operation inside a query at the end of the statement"},
+      {"drawn twice", "INSERT INTO t VALUES (q.NEXTVAL, Q.nextval)", "!900 @43"},
+      {"drawn and read", "SELECT q.CURRVAL, q.NEXTVAL FROM DUAL", "!900 @29"},
+      {"view that draws", "CREATE VIEW v AS SELECT q.NEXTVAL a FROM DUAL", "!2287 @end"},
+      {"view that writes", "CREATE VIEW v AS SELECT pkg.f() a FROM DUAL", "!14551 @end"},
       {"decode", "SELECT DECODE(f(a), 1, 10/b, 2, 'x', 0) d FROM t",
        "SELECT CASE TO_NUMBER(call('f',a)) WHEN ?1 THEN ?2*1.0/b WHEN ?3 THEN ?4 ELSE ?5 END d "
        "FROM t |1 |10 |2 |'x' |0"},
@@ -224,28 +209,26 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
        "END AS \"DECODE(A,'x',1,NULL,2)\" FROM t |'x' |1 |2"},
       {"decode without a known type", "SELECT DECODE(a,b,1,2) FROM t",
        "SELECT DECODE(a,b,?1,?2) FROM t |1 |2"},
-      {"scalar sub-select", "SELECT a FROM t WHERE b=(SELECT c FROM u) AND d IN (SELECT e FROM u)",
-       "SELECT a FROM t WHERE b=(WITH sabrel_one(v) AS (SELECT c FROM u) SELECT single(v) FROM "
-       "sabrel_one) AND d IN (SELECT e FROM u)"},
-      {"sub-select of one row", "SELECT a FROM t WHERE b=(SELECT MAX(c) FROM u)",
-       "SELECT a FROM t WHERE b=(SELECT MAX(c) FROM u)"},
-      {"bare columns", "SELECT a FROM t WHERE id=5 AND t.b='x' AND UPPER(c)='X' AND LENGTH(c)=1",
-       "SELECT a FROM t WHERE id=?1 AND t.b=?2 AND UPPER(c)=?3 AND LENGTH(c)=?4 |5 |'x' |'X' |1"},
-      {"unlike types", "SELECT a FROM t WHERE LENGTH(b)!='1' OR NVL(a,0)>= '1' OR '10'=10",
-       "SELECT a FROM t WHERE compare(LENGTH(b),?1)<>0 OR compare(NVL(a,?2), ?3)>=0 OR "
-       "compare(?4,?5)=0 |'1' |0 |'1' |'10' |10"},
-      {"patterns",
-       "SELECT a FROM t WHERE b LIKE 'x!%' ESCAPE '!' OR (c LIKE '%y') OR d LIKE '' AND e=1",
-       "SELECT a FROM t WHERE b LIKE 'x!%' ESCAPE '!' OR (c LIKE +(?1)) OR d LIKE NULL AND e=?2 "
-       "|'%y' |1"},
-      {"patterns put together", "SELECT a FROM t WHERE b LIKE 'x' || c AND d LIKE UPPER('_y')",
-       "SELECT a FROM t WHERE b LIKE ?1 || c AND d LIKE UPPER(?2) |'x' |'_y'"},
-      {"any", "SELECT a FROM t WHERE a = ANY (1,2) OR a <> ALL (SELECT b FROM u)",
-       "SELECT a FROM t WHERE a IN (?1,?2) OR a NOT IN (SELECT b FROM u) |1 |2"},
-      {"any above", "SELECT a FROM t WHERE a > ANY (1,2)",
-       "!900 only = ANY and <> ALL are supported near \"ANY\" (character 27)"},
-      {"product of a date", "SELECT SYSDATE*2 FROM DUAL", date + "near \"FROM\" (character 18)"},
-      {"minus a date", "SELECT -TO_DATE(a) FROM DUAL", date + "near \"FROM\" (character 20)"},
+      {"product of a date", "SELECT SYSDATE*2 FROM DUAL", "!932 @18"},
+      {"minus a date", "SELECT -TO_DATE(a) FROM DUAL", "!932 @20"},
+  });
+  CheckConditions({
+      {"scalar sub-select", "b=(SELECT c FROM u) AND d IN (SELECT e FROM u)",
+       "b=(WITH sabrel_one(v) AS (SELECT c FROM u) SELECT single(v) FROM sabrel_one) AND d "
+       "IN (SELECT e FROM u)"},
+      {"sub-select of one row", "b=(SELECT MAX(c) FROM u)", "b=(SELECT MAX(c) FROM u)"},
+      {"bare columns", "id=5 AND t.b='x' AND UPPER(c)='X' AND LENGTH(c)=1",
+       "id=?1 AND t.b=?2 AND UPPER(c)=?3 AND LENGTH(c)=?4 |5 |'x' |'X' |1"},
+      {"unlike types", "LENGTH(b)!='1' OR NVL(a,0)>= '1' OR '10'=10",
+       "compare(LENGTH(b),?1)<>0 OR compare(NVL(a,?2), ?3)>=0 OR compare(?4,?5)=0 |'1' |0 "
+       "|'1' |'10' |10"},
+      {"patterns", "b LIKE 'x!%' ESCAPE '!' OR (c LIKE '%y') OR d LIKE '' AND e=1",
+       "b LIKE 'x!%' ESCAPE '!' OR (c LIKE +(?1)) OR d LIKE NULL AND e=?2 |'%y' |1"},
+      {"patterns put together", "b LIKE 'x' || c AND d LIKE UPPER('_y')",
+       "b LIKE ?1 || c AND d LIKE UPPER(?2) |'x' |'_y'"},
+      {"any", "a = ANY (1,2) OR a <> ALL (SELECT b FROM u)",
+       "a IN (?1,?2) OR a NOT IN (SELECT b FROM u) |1 |2"},
+      {"any above", "a > ANY (1,2)", "!900 @27"},
   });
 }
 
@@ -257,7 +240,7 @@ TEST(Rewrite, LiftsConstantsOnlyWhereTheirPlaceDoesNotMatter) {
       {"smallest", "DELETE FROM t WHERE a=-9223372036854775808 OR a=- 1",
        "DELETE FROM t WHERE a=?1 OR a= ?2 |-9223372036854775808 |-1 W"},
       {"tiny", "DELETE FROM t WHERE a=1e-999", "DELETE FROM t WHERE a=?1 |0 W"},
-      {"huge", "DELETE FROM t WHERE a=1e999", "!1426 numeric overflow in a constant"},
+      {"huge", "DELETE FROM t WHERE a=1e999", "!1426"},
       {"select list", "SELECT 5, -5, 'a', (6), f(7) FROM DUAL",
        "SELECT 5, -5, 'a', (6), call('f',?1) FROM DUAL |7"},
       {"positions", "SELECT f(1) FROM t GROUP BY f(1) HAVING COUNT(*)>2 ORDER BY 1, f(2)",
@@ -276,70 +259,59 @@ TEST(Rewrite, LiftsConstantsOnlyWhereTheirPlaceDoesNotMatter) {
 }
 
 TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
-  const std::string beside =
-      "!900 ROWNUM is not supported beside ORDER BY, GROUP BY, DISTINCT, aggregates, FETCH and set "
-      "operators; select from a query in parentheses near \"ROWNUM\" (character ";
-  const std::string elsewhere =
-      "!900 ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE clause "
-      "of an outermost SELECT near \"ROWNUM\" (character ";
   CheckAll({
       {"only", "SELECT a FROM t WHERE ROWNUM<=5", "SELECT a FROM t LIMIT 5"},
       {"first", "SELECT a FROM t WHERE rownum<5 AND b=1", "SELECT a FROM t WHERE b=?1 LIMIT 4 |1"},
       {"last", "SELECT a FROM t WHERE b=1 AND ROWNUM=1", "SELECT a FROM t WHERE b=?1 LIMIT 1 |1"},
-      {"middle", "SELECT a FROM t WHERE b=1 AND ROWNUM<=2 AND c BETWEEN 1 AND 2",
-       "SELECT a FROM t WHERE b=?1 AND c BETWEEN ?2 AND ?3 LIMIT 2 |1 |1 |2"},
       {"none", "SELECT a FROM t WHERE ROWNUM<0", "SELECT a FROM t LIMIT 0"},
       {"of a sorted query", "SELECT a FROM (SELECT a FROM t ORDER BY a) WHERE ROWNUM<=5",
        "SELECT a FROM (SELECT a FROM t ORDER BY a NULLS LAST) LIMIT 5"},
       {"aggregate inside", "SELECT (SELECT MAX(b) FROM u) FROM t WHERE ROWNUM<=5",
        "SELECT (SELECT MAX(b) FROM u) FROM t LIMIT 5"},
-      {"sorted", "SELECT a FROM t WHERE ROWNUM<=5 ORDER BY a", beside + "23)"},
-      {"counted", "SELECT NVL(COUNT(*),0) FROM t WHERE ROWNUM<=5", beside + "37)"},
-      {"distinct", "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", beside + "32)"},
-      {"set", "SELECT a FROM t WHERE ROWNUM<=5 UNION SELECT b FROM u", beside + "23)"},
-      {"or", "SELECT a FROM t WHERE ROWNUM<=5 OR b=1",
-       "!900 ROWNUM beside OR is not supported at the end of the statement"},
-      {"nested", "SELECT a FROM t WHERE b IN (SELECT c FROM u WHERE ROWNUM<=1)", elsewhere + "51)"},
-      {"above", "SELECT a FROM t WHERE ROWNUM>5", elsewhere + "23)"},
-      {"sum", "SELECT a FROM t WHERE ROWNUM<=5+1", elsewhere + "23)"},
-      {"selected", "SELECT ROWNUM FROM t", elsewhere + "8)"},
-      {"changed", "DELETE FROM t WHERE ROWNUM<=5", elsewhere + "21)"},
+      {"sorted", "SELECT a FROM t WHERE ROWNUM<=5 ORDER BY a", "!900 @23"},
+      {"counted", "SELECT NVL(COUNT(*),0) FROM t WHERE ROWNUM<=5", "!900 @37"},
+      {"distinct", "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", "!900 @32"},
+      {"set", "SELECT a FROM t WHERE ROWNUM<=5 UNION SELECT b FROM u", "!900 @23"},
+      {"or", "SELECT a FROM t WHERE ROWNUM<=5 OR b=1", "!900 @end"},
+      {"nested", "SELECT a FROM t WHERE b IN (SELECT c FROM u WHERE ROWNUM<=1)", "!900 @51"},
+      {"above", "SELECT a FROM t WHERE ROWNUM>5", "!900 @23"},
+      {"changed", "DELETE FROM t WHERE ROWNUM<=5", "!900 @21"},
   });
 }
 
 TEST(Rewrite, RefusesWhatItCannotRewriteAndNamesThePlace) {
   CheckAll({
-      {"no FROM", "SELECT 5",
-       "!923 FROM keyword not found where expected at the end of the statement"},
-      {"no expression", "SELECT  FROM t", "!936 missing expression near \"FROM\" (character 9)"},
-      {"no argument", "SELECT f(,7) FROM t", "!936 missing expression near \",\" (character 10)"},
-      {"characters, not bytes", "SELECT 'äö', FROM t",
-       "!936 missing expression near \"FROM\" (character 14)"},
-      {"secret", "SELECT a FROM t WHERE b = 'x' 'secret'",
-       "!933 SQL command not properly ended near a text constant (character 31)"},
-      {"outer join mark", "SELECT 1 FROM a,b WHERE a.x=b.x(+)",
-       "!900 the outer join mark (+) is not supported; write LEFT JOIN near \"(\" (character 32)"},
-      {"hierarchy", "SELECT a FROM t CONNECT BY PRIOR a=b",
-       "!900 CONNECT BY is not supported near \"CONNECT\" (character 17)"},
-      {"engine's own clause", "SELECT a FROM t WHERE b=1 LIMIT 5",
-       "!933 SQL command not properly ended near \"LIMIT\" (character 27)"},
-      {"unnamed parameter", "SELECT ? FROM t", "!911 invalid character near \"?\" (character 8)"},
-      {"brackets", "SELECT [a] FROM t", "!911 invalid character near \"[\" (character 8)"},
-      {"open parenthesis", "SELECT (a FROM t",
-       "!907 missing right parenthesis near \"FROM\" (character 11)"},
-      {"closing parenthesis", "SELECT a FROM t)",
-       "!933 a right parenthesis without its left one near \")\" (character 16)"},
-      {"case", "SELECT CASE WHEN a=1 THEN 2 FROM t",
-       "!905 missing keyword END near \"FROM\" (character 29)"},
-      {"date constant", "SELECT DATE '9.3.2024' FROM t",
-       "!1861 the constant does not have the form of a date near \"DATE\" (character 8)"},
-      {"cast to a date", "SELECT CAST(a AS DATE) FROM t",
-       "!900 CAST to a date is not supported; write TO_DATE near \"DATE\" (character 18)"},
-      {"returning", "DELETE FROM t RETURNING a INTO b",
-       "!900 RETURNING is not supported near \"RETURNING\" (character 15)"},
-      {"no statement", "FOO BAR", "!900 invalid SQL statement near \"FOO\" (character 1)"},
-      {"merge", "MERGE INTO t", "!900 invalid SQL statement near \"MERGE\" (character 1)"},
+      {"no expression", "SELECT  FROM t", "!936 @9"},
+      {"outer join mark", "SELECT 1 FROM a,b WHERE a.x=b.x(+)", "!900 @32"},
+      {"hierarchy", "SELECT a FROM t CONNECT BY PRIOR a=b", "!900 @17"},
+      {"engine's own clause", "SELECT a FROM t WHERE b=1 LIMIT 5", "!933 @27"},
+      {"unnamed parameter", "SELECT ? FROM t", "!911 @8"},
+      {"open parenthesis", "SELECT (a FROM t", "!907 @11"},
+      {"closing parenthesis", "SELECT a FROM t)", "!933 @16"},
+      {"case", "SELECT CASE WHEN a=1 THEN 2 FROM t", "!905 @29"},
+      {"date constant", "SELECT DATE '9.3.2024' FROM t", "!1861 @8"},
+      {"cast to a date", "SELECT CAST(a AS DATE) FROM t", "!900 @18"},
+      {"returning", "DELETE FROM t RETURNING a INTO b", "!900 @15"},
+      {"no statement", "FOO BAR", "!900 @1"},
   });
+}
+
+TEST(Rewrite, TellsWhatItRefusesAndWhereButNoConstant) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"SELECT a FROM t WHERE b = 'x' 'secret'",
+       "SQL command not properly ended near a text constant (character 31)"},
+      {"SELECT a FROM t WHERE b = 'x' 7",
+       "SQL command not properly ended near a number (character 31)"},
+      {"SELECT 'äö', FROM t", "missing expression near \"FROM\" (character 14)"},
+      {"SELECT 5", "FROM keyword not found where expected at the end of the statement"},
+      {"SELECT pkg.g(1) FROM DUAL", "\"PKG\".\"G\": invalid identifier"}};
+  for (const auto& [sql, told] : rows) {
+    try {
+      ADD_FAILURE() << Rewrite(sql, TestEngine()).text;
+    } catch (const SyntaxFailure& failure) {
+      EXPECT_EQ(failure.message, told);
+    }
+  }
 }
 
 TEST(Rewrite, WritesDefinitionsAsTheEngineTakesThem) {
@@ -357,19 +329,16 @@ TEST(Rewrite, WritesDefinitionsAsTheEngineTakesThem) {
        "CREATE TABLE t AS SELECT call('f',1) x FROM u WHERE a='b' W"},
       {"view", "CREATE OR REPLACE VIEW v (a) AS SELECT SYSDATE-1 FROM DUAL WHERE 1=1",
        "CREATE OR REPLACE VIEW v (a) AS SELECT minus(now(),1) FROM DUAL WHERE 1=1 W"},
-      {"index", "CREATE UNIQUE INDEX i ON t (limit, UPPER(b) DESC)",
-       "CREATE UNIQUE INDEX i ON t (\"limit\", UPPER(b) DESC) W"},
       {"new column", "ALTER TABLE t ADD (limit DATE)", "ALTER TABLE t ADD \"limit\" DATE W"},
       {"truncate", "TRUNCATE TABLE t", "DELETE FROM t W"},
       {"drop", "DROP TABLE t CASCADE CONSTRAINTS PURGE", "DROP TABLE t W"},
-      {"package", "CREATE PACKAGE p AS FUNCTION f RETURN NUMBER; END;",
-       "!900 a definition that holds statements is not supported near \";\" (character 45)"},
+      {"package", "CREATE PACKAGE p AS FUNCTION f RETURN NUMBER; END;", "!900 @45"},
   });
 }
 
 TEST(Rewrite, SurvivesLongAndDeepStatements) {
   const std::string deep(100'000, '(');
-  EXPECT_EQ(Outcome("SELECT " + deep).substr(0, 24), "!900 nested too deeply n");
+  EXPECT_EQ(Outcome("SELECT " + deep), "!900 @508");
   EXPECT_EQ(Outcome("SELECT " + std::string(400, '(') + "1" + std::string(400, ')') + " FROM t")
                 .substr(0, 8),
             "SELECT (");
@@ -431,34 +400,27 @@ TEST(Rewrite, AcceptsOrRefusesEveryShortText) {
 }
 
 TEST(RequireOneStatement, FindsTheEndOfOneStatementAndRefusesASecond) {
-  const std::string second = "!911 invalid character: a second statement after \";\" near ";
   const std::string body =
       "CREATE FUNCTION f RETURN NUMBER IS BEGIN SELECT CASE a WHEN 1 THEN 2 END "
       "FROM t; x.END; END f;";
-  for (const Row& row : std::vector<Row>{
-           {"closed", " \n SELECT a FROM t ; -- done; \n", "SELECT a FROM t"},
-           {"quoted", "SELECT ';' FROM \";\" /* ; */", "SELECT ';' FROM \";\""},
-           {"two", "SELECT a FROM t; DELETE FROM t", second + "\"DELETE\" (character 18)"},
-           {"closed twice", "SELECT a FROM t;;", second + "\";\" (character 17)"},
-           {"block", "BEGIN a; b(';'); END; ", "BEGIN a; b(';'); END;"},
-           {"behind a block", "BEGIN a; END; DROP TABLE t", second + "\"DROP\" (character 15)"},
-           {"routine", body + " ", body},
-           {"behind a routine", body + "x", second + "\"x\" (character 95)"},
-           {"open text", "SELECT 'a''", "!1756 quoted string not properly terminated"},
-           {"open name", "SELECT \"a", "!1756 quoted name not properly terminated"},
-           {"open alternative", "SELECT q'[a'", "!1756 quoted string not properly terminated"},
-           {"alternative at the end", "q'", "!1756 quoted string not properly terminated"},
-           {"open comment", "SELECT /* a", "!900 a comment is not closed"},
-           {"empty", " -- nothing", "!900 invalid SQL statement: it is empty"},
-           {"closed nothing", ";", "!900 invalid SQL statement: it is empty"},
-           {"not UTF-8", "SELECT '\xC3' FROM t",
-            "!911 invalid character: the statement is not UTF-8 text without NUL"},
-           {"NUL", std::string("SELECT a\0 FROM t", 16),
-            "!911 invalid character: the statement is not UTF-8 text without NUL"},
-       }) {
-    EXPECT_EQ(Attempt([&] { return std::string(RequireOneStatement(row.sql)); }), row.outcome)
-        << row.name;
-  }
+  const std::vector<Row> rows = {
+      {"quoted", "SELECT ';' FROM \";\" /* ; */", "SELECT ';' FROM \";\""},
+      {"two", "SELECT a FROM t; DELETE FROM t", "!911 @18"},
+      {"block", "BEGIN a; b(';'); END; ", "BEGIN a; b(';'); END;"},
+      {"behind a block", "BEGIN a; END; DROP TABLE t", "!911 @15"},
+      {"routine", body + " ", body},
+      {"behind a routine", body + "x", "!911 @95"},
+      {"open text", "SELECT 'a''", "!1756"},
+      {"open alternative", "SELECT q'[a'", "!1756"},
+      {"alternative at the end", "q'", "!1756"},
+      {"open comment", "SELECT /* a", "!900"},
+      {"closed nothing", ";", "!900"},
+      {"not UTF-8", "SELECT '\xC3' FROM t", "!911"},
+      {"NUL", std::string("SELECT a\0 FROM t", 16), "!911"},
+  };
+  CheckAll(rows, [](std::string_view sql) {
+    return Attempt([&] { return std::string(RequireOneStatement(sql)); });
+  });
 }
 
 // Calls as name[arguments], statements in braces.
@@ -478,40 +440,24 @@ std::string Steps(std::string_view block) {
 }
 
 TEST(ParseBlock, TakesCallsAndStatementsAndRefusesControlFlow) {
-  const std::string refused = "!6550 blocks hold calls and statements only near ";
-  for (const Row& row : std::vector<Row>{
-           {"texts", "BEGIN PKG.P( 5,'O''Hara, (;' ); END;", "PKG.P[5|'O''Hara, (;']"},
-           {"no arguments", "BEGIN P(  ); q ; END;", "P[]q[]"},
-           {"nested", "begin p(f(1,2), (3)) ; end p;", "p[f(1,2)|(3)]"},
-           {"named", "BEGIN p(1, b => 2+3); END;", "p[1|b=2+3]"},
-           {"statements", "BEGIN NULL; UPDATE t SET a=';' WHERE b=1; COMMIT; END;",
-            "{UPDATE t SET a=';' WHERE b=1}{COMMIT}"},
-           {"error", "BEGIN RAISE_APPLICATION_ERROR(-20011,'text'); END;",
-            "RAISE_APPLICATION_ERROR[-20011|'text']"},
-           {"lost argument", "BEGIN P( 5,,7 ); END;",
-            "!6550 an argument is missing near \",\" (character 12)"},
-           {"lost first", "BEGIN P( ,7 ); END;",
-            "!6550 an argument is missing near \",\" (character 10)"},
-           {"lost last", "BEGIN P(7,); END;",
-            "!6550 an argument is missing near \")\" (character 11)"},
-           {"named first", "BEGIN p(a => 1, 2); END;",
-            "!6550 a positional argument may not follow a named one near a number (character 17)"},
-           {"open", "BEGIN p(1; END;",
-            "!6550 the list of arguments is not closed near \";\" (character 10)"},
-           {"no end", "BEGIN p;",
-            "!6550 a call or a statement is missing at the end of the statement"},
-           {"no semicolon", "BEGIN p; END", "!6550 \";\" is missing at the end of the statement"},
-           {"assignment", "BEGIN x := 1; END;",
-            "!6550 assignments are not supported: blocks hold calls and statements only near "
-            "\":=\" "
-            "(character 9)"},
-           {"declare", "DECLARE x NUMBER; BEGIN p; END;", refused + "\"DECLARE\" (character 1)"},
-           {"if", "BEGIN IF a THEN b; END IF; END;", refused + "\"IF\" (character 7)"},
-           {"handler", "BEGIN p; EXCEPTION WHEN x THEN NULL; END;",
-            refused + "\"EXCEPTION\" (character 10)"},
-       }) {
-    EXPECT_EQ(Steps(row.sql), row.outcome) << row.name;
-  }
+  const std::vector<Row> rows = {
+      {"texts", "BEGIN PKG.P( 5,'O''Hara, (;' ); END;", "PKG.P[5|'O''Hara, (;']"},
+      {"no arguments", "BEGIN P(  ); q ; END;", "P[]q[]"},
+      {"nested", "begin p(f(1,2), (3)) ; end p;", "p[f(1,2)|(3)]"},
+      {"named", "BEGIN p(1, b => 2+3); END;", "p[1|b=2+3]"},
+      {"statements", "BEGIN NULL; UPDATE t SET a=';' WHERE b=1; COMMIT; END;",
+       "{UPDATE t SET a=';' WHERE b=1}{COMMIT}"},
+      {"error", "BEGIN RAISE_APPLICATION_ERROR(-20011,'text'); END;",
+       "RAISE_APPLICATION_ERROR[-20011|'text']"},
+      {"lost argument", "BEGIN P( 5,,7 ); END;", "!6550 @12"},
+      {"named first", "BEGIN p(a => 1, 2); END;", "!6550 @17"},
+      {"open", "BEGIN p(1; END;", "!6550 @10"},
+      {"no end", "BEGIN p;", "!6550 @end"},
+      {"no semicolon", "BEGIN p; END", "!6550 @end"},
+      {"assignment", "BEGIN x := 1; END;", "!6550 @9"},
+      {"if", "BEGIN IF a THEN b; END IF; END;", "!6550 @7"},
+  };
+  CheckAll(rows, Steps);
 }
 
 std::string Routine(std::string_view sql) {
@@ -532,47 +478,46 @@ std::string Routine(std::string_view sql) {
 }
 
 TEST(ParseCreateRoutine, ReadsHeadAndBody) {
-  for (const Row& row : std::vector<Row>{
-           {"function",
-            "CREATE OR REPLACE FUNCTION pkg.f (a IN NUMBER, b varchar2(20)) RETURN Varchar2 IS "
-            "BEGIN "
-            "SELECT ':x;' || :a FROM DUAL; END f;",
-            "replace PKG.F(a:NUMBER,b:VARCHAR2,)=VARCHAR2{SELECT ':x;' || :a FROM DUAL}"},
-           {"procedure",
-            "CREATE PROCEDURE p(x OUT DATE, y IN OUT NUMBER) AS BEGIN "
-            "DELETE FROM t /* ; */ ; q(1); END;",
-            ".P(x:DATE<,y:NUMBER<>,){DELETE FROM t}{q(1)}"},
-           {"empty body", "CREATE PROCEDURE p IS BEGIN NULL; END;", ".P()"},
-           {"declarations", "CREATE PROCEDURE p IS x NUMBER; BEGIN NULL; END;",
-            "!6550 BEGIN is missing: declarations are not supported near \"x\" (character 23)"},
-           {"no result", "CREATE FUNCTION f IS BEGIN NULL; END;",
-            "!6550 RETURN is missing near \"IS\" (character 19)"},
-           {"control flow", "CREATE PROCEDURE p IS BEGIN LOOP NULL; END LOOP; END;",
-            "!6550 blocks hold calls and statements only near \"LOOP\" (character 29)"},
-           {"no end", "CREATE PROCEDURE p IS BEGIN q(1);",
-            "!6550 a statement is missing at the end of the statement"},
-       }) {
-    EXPECT_EQ(Routine(row.sql), row.outcome) << row.name;
-  }
+  const std::vector<Row> rows = {
+      {"function",
+       "CREATE OR REPLACE FUNCTION pkg.f (a IN NUMBER, b varchar2(20)) RETURN Varchar2 IS "
+       "BEGIN "
+       "SELECT ':x;' || :a FROM DUAL; END f;",
+       "replace PKG.F(a:NUMBER,b:VARCHAR2,)=VARCHAR2{SELECT ':x;' || :a FROM DUAL}"},
+      {"procedure",
+       "CREATE PROCEDURE p(x OUT DATE, y IN OUT NUMBER) AS BEGIN "
+       "DELETE FROM t /* ; */ ; q(1); END;",
+       ".P(x:DATE<,y:NUMBER<>,){DELETE FROM t}{q(1)}"},
+      {"empty body", "CREATE PROCEDURE p IS BEGIN NULL; END;", ".P()"},
+      {"declarations", "CREATE PROCEDURE p IS x NUMBER; BEGIN NULL; END;", "!6550 @23"},
+      {"no result", "CREATE FUNCTION f IS BEGIN NULL; END;", "!6550 @19"},
+      {"control flow", "CREATE PROCEDURE p IS BEGIN LOOP NULL; END LOOP; END;", "!6550 @29"},
+      {"no statement", "CREATE PROCEDURE p IS BEGIN ; END;", "!6550 @29"},
+      {"no end", "CREATE PROCEDURE p IS BEGIN q(1);", "!6550 @end"},
+  };
+  CheckAll(rows, Routine);
 }
 
 TEST(Definitions, AreReadIntoStructures) {
-  const auto sequence = [](const char* options) {
-    return Attempt([&] {
-      const SequenceDefinition made =
-          ParseCreateSequence("CREATE SEQUENCE s.My_Sq " + std::string(options));
-      return made.name + " " + std::to_string(made.start) + " " + std::to_string(made.increment);
-    });
-  };
-  EXPECT_EQ(sequence(""), "S.MY_SQ 1 1");
-  EXPECT_EQ(sequence("START WITH -5 INCREMENT BY 10 NOCACHE ORDER"), "S.MY_SQ -5 10");
-  EXPECT_EQ(sequence("MINVALUE 1 MAXVALUE 9999999999999999999999999999 CACHE 20"), "S.MY_SQ 1 1");
-  EXPECT_EQ(sequence("MAXVALUE 10").substr(0, 5), "!900 ");
-  EXPECT_EQ(sequence("CYCLE").substr(0, 5), "!900 ");
-  EXPECT_EQ(sequence("INCREMENT BY 0").substr(0, 5), "!4002");
-  EXPECT_EQ(DroppedName("DROP FUNCTION pkg.f"), "PKG.F");
-  EXPECT_EQ(DroppedName("drop sequence \"a B\""), "a B");
-  EXPECT_EQ(DroppedName("DROP PACKAGE BODY p"), "P");
+  CheckAll(
+      {{"nothing said", "", "S.MY_SQ 1 1"},
+       {"start and step", "START WITH -5 INCREMENT BY 10 NOCACHE ORDER", "S.MY_SQ -5 10"},
+       {"no limit", "MINVALUE 1 MAXVALUE 9999999999999999999999999999 CACHE 20", "S.MY_SQ 1 1"},
+       {"limit", "MAXVALUE 10", "!900 @end"},
+       {"cycle", "CYCLE", "!900 @25"},
+       {"no step", "INCREMENT BY 0", "!4002"}},
+      [](std::string_view options) {
+        const std::string outcome = Attempt([&] {
+          const auto made = ParseCreateSequence("CREATE SEQUENCE s.My_Sq " + std::string(options));
+          return made.name + " " + std::to_string(made.start) + " " +
+                 std::to_string(made.increment);
+        });
+        return outcome;
+      });
+  CheckAll({{"routine", "DROP FUNCTION pkg.f", "PKG.F"},
+            {"quoted", "drop sequence \"a B\"", "a B"},
+            {"body", "DROP PACKAGE BODY p", "P"}},
+           DroppedName);
 
   const std::string table =
       "CREATE TABLE s.t (a NUMBER(10,2) DEFAULT f(1,2), \"b c\" varchar2(20 CHAR), d DATE NOT "

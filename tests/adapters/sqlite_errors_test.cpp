@@ -7,93 +7,73 @@ namespace {
 class SqliteErrors : public SiteTest {
  protected:
   void SetUp() override {
-    for (const char* sql : {
-             "CREATE TABLE P (ID INTEGER PRIMARY KEY, NAME VARCHAR2(5))",
-             "CREATE TABLE C (ID NUMBER(10) PRIMARY KEY, P_ID NUMBER(10) REFERENCES P(ID),"
-             " TXT VARCHAR2(5) NOT NULL, N NUMBER(5,2), D DATE,"
-             " YN CHAR(1) CHECK (YN IN ('Y','N')))",
-             "CREATE VIEW V AS SELECT ID FROM P",
-             "CREATE SEQUENCE S",
-             "CREATE SEQUENCE LAST_S START WITH 9223372036854775807",
-             "CREATE FUNCTION WRITING(a NUMBER) RETURN NUMBER IS BEGIN"
-             " INSERT INTO P (ID) VALUES (:a + 1000); SELECT :a AS return_value FROM DUAL; END;",
-             "INSERT INTO P VALUES (1,'one')",
-             "INSERT INTO C (ID, P_ID, TXT) VALUES (1,1,'c')",
-             "CREATE PROCEDURE DELETE_P(a NUMBER) IS BEGIN DELETE FROM P WHERE ID = :a; END;",
-             "CREATE PROCEDURE OUT_P(a OUT NUMBER) IS BEGIN SELECT 1 AS a FROM DUAL; END;",
-             "CREATE FUNCTION OUT_F(a OUT NUMBER) RETURN NUMBER IS BEGIN"
-             " SELECT 1 AS a, 2 AS return_value FROM DUAL; END;",
-             "CREATE FUNCTION DEEPER(a NUMBER) RETURN NUMBER IS BEGIN"
-             " SELECT DEEPER(:a) AS return_value FROM DUAL; END;",
-             "CREATE FUNCTION CHECKED(a NUMBER) RETURN NUMBER IS BEGIN"
-             " SELECT RAISE_APPLICATION_ERROR(-20011,'User Not Found') FROM DUAL"
-             " WHERE NOT EXISTS (SELECT 1 FROM P WHERE ID = :a);"
-             " SELECT :a AS return_value FROM DUAL; END;",
-         }) {
-      ASSERT_EQ(Do(sql), "") << sql << link->LastDatabaseError().message;
-    }
+    Make({
+        "CREATE TABLE P (ID INTEGER PRIMARY KEY, NAME VARCHAR2(5))",
+        "CREATE TABLE C (ID NUMBER(10) PRIMARY KEY, P_ID NUMBER(10) REFERENCES P(ID),"
+        " TXT VARCHAR2(5) NOT NULL, N NUMBER(5,2), D DATE,"
+        " YN CHAR(1) CHECK (YN IN ('Y','N')))",
+        "CREATE VIEW V AS SELECT ID FROM P",
+        "CREATE SEQUENCE S",
+        "CREATE SEQUENCE LAST_S START WITH 9223372036854775807",
+        "CREATE FUNCTION WRITING(a NUMBER) RETURN NUMBER IS BEGIN"
+        " INSERT INTO P (ID) VALUES (:a + 1000); SELECT :a AS return_value FROM DUAL; END;",
+        "INSERT INTO P VALUES (1,'one')",
+        "INSERT INTO C (ID, P_ID, TXT) VALUES (1,1,'c')",
+        "CREATE PROCEDURE DELETE_P(a NUMBER) IS BEGIN DELETE FROM P WHERE ID = :a; END;",
+        "CREATE PROCEDURE OUT_P(a OUT NUMBER) IS BEGIN SELECT 1 AS a FROM DUAL; END;",
+        "CREATE FUNCTION OUT_F(a OUT NUMBER) RETURN NUMBER IS BEGIN"
+        " SELECT 1 AS a, 2 AS return_value FROM DUAL; END;",
+        "CREATE FUNCTION DEEPER(a NUMBER) RETURN NUMBER IS BEGIN"
+        " SELECT DEEPER(:a) AS return_value FROM DUAL; END;",
+        "CREATE FUNCTION CHECKED(a NUMBER) RETURN NUMBER IS BEGIN"
+        " SELECT RAISE_APPLICATION_ERROR(-20011,'User Not Found') FROM DUAL"
+        " WHERE NOT EXISTS (SELECT 1 FROM P WHERE ID = :a);"
+        " SELECT :a AS return_value FROM DUAL; END;",
+    });
   }
 };
 
 TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
-  struct Row {
+  constexpr struct {
     const char* name;
     int number;
     const char* sql;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"primary key", 1, "INSERT INTO P VALUES (1,'x')"},
       {"calls nested too deep", 36, "SELECT DEEPER(1) FROM DUAL"},
-      {"no statement", 900, "NONSENSE"},
       {"settings of the engine", 900, "PRAGMA foreign_keys=OFF"},
-      {"missing column", 904, "SELECT NOPE FROM P"},
-      {"missing column to insert", 904, "INSERT INTO P (NOPE) VALUES (1)"},
       {"quoted name is no text", 904, "SELECT \"nope\" FROM P"},
       {"missing function", 904, "SELECT NOPE(1) FROM DUAL"},
-      {"missing packaged function", 904, "SELECT NOPE.NOPE(1) FROM DUAL"},
       {"procedure as a function", 904, "SELECT DELETE_P(1) FROM DUAL"},
       {"open parenthesis", 907, "SELECT (1 FROM DUAL"},
       {"arguments of a function", 909, "SELECT UPPER('a','b') FROM DUAL"},
-      {"second statement", 911, "SELECT 1 FROM DUAL; SELECT 2 FROM DUAL"},
-      {"invalid UTF-8", 911, "SELECT '\xC3' FROM DUAL"},
       {"too many values", 913, "INSERT INTO P VALUES (2,'x',3)"},
       {"too many values for a list", 913, "INSERT INTO P (ID) VALUES (2,'x')"},
       {"ambiguous column", 918, "SELECT ID FROM P, C"},
       {"group function", 934, "SELECT ID FROM P WHERE MAX(ID) = 1"},
       {"missing expression", 936, "SELECT * FROM P WHERE"},
-      {"missing table", 942, "SELECT * FROM NOPE"},
-      {"missing table to insert", 942, "INSERT INTO NOPE VALUES (1)"},
       {"missing table to drop", 942, "DROP TABLE NOPE"},
       {"the server's own table", 942, "DELETE FROM \"SABREL_ROUTINE\""},
-      {"own table behind a comment", 942, "DELETE /* ' */ FROM sabrel_body"},
       {"own table behind a name", 942, "SELECT 1 FROM \"x'y\", sabrel_body"},
       {"own function in a block", 942, "BEGIN DELETE_P(sabrel_nextval('S')); END;"},
       {"the engine's own table", 942, "SELECT * FROM sqlite_schema"},
       {"reference to no table", 942, "CREATE TABLE Q (ID NUMBER REFERENCES NOPE(ID))"},
       {"qualified name to drop", 942, "DROP TABLE main.C"},
       {"too few values", 947, "INSERT INTO P VALUES (2)"},
-      {"table exists", 955, "CREATE TABLE P (ID NUMBER)"},
       {"routine exists", 955, "CREATE PROCEDURE OUT_P IS BEGIN DELETE FROM P; END;"},
-      {"sequence exists", 955, "CREATE SEQUENCE S"},
       {"table of a sequence's name", 955, "CREATE TABLE S (ID NUMBER)"},
-      {"view of a routine's name", 955, "CREATE VIEW CHECKED AS SELECT ID FROM P"},
-      {"routine of a table's name", 955, "CREATE PROCEDURE P IS BEGIN DELETE FROM C; END;"},
       {"date and date", 975, "SELECT SYSDATE + SYSDATE FROM DUAL"},
       {"unbound variable", 1008, "SELECT :x FROM DUAL"},
-      {"null to insert", 1400, "INSERT INTO C (ID, TXT) VALUES (2, NULL)"},
       {"empty text is null", 1400, "INSERT INTO C (ID, TXT) VALUES (2, '')"},
       {"null in a key", 1400, "INSERT INTO P (NAME) VALUES ('x')"},
       {"null to update", 1407, "UPDATE C SET TXT = NULL"},
       {"precision", 1438, "UPDATE C SET N = 1000"},
       {"escape of two characters", 1425, "SELECT 1 FROM DUAL WHERE 'x' LIKE 'x' ESCAPE 'ab'"},
-      {"root of a negative", 1428, "SELECT SQRT(-1) FROM DUAL"},
       {"logarithm of nothing", 1428, "SELECT LN(0) FROM DUAL"},
       {"value beyond all bounds", 1489,
        "SELECT REPLACE(LPAD('a',32767,'a'),'a',LPAD('b',32767,'b')) FROM DUAL"},
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
       {"text for a number", 1722, "INSERT INTO C (ID, TXT, N) VALUES (2, 'x', 'abc')"},
-      {"text for a key", 1722, "INSERT INTO P VALUES ('x','x')"},
-      {"TO_NUMBER", 1722, "SELECT TO_NUMBER('1,234') FROM DUAL"},
       {"sum of texts", 1722, "SELECT SUM(NAME) FROM P"},
       {"sum of dates", 932, "SELECT SUM(SYSDATE) FROM P"},
       {"amount of a date", 932, "SELECT ABS(SYSDATE) FROM DUAL"},
@@ -107,20 +87,14 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"format too short", 1830, "SELECT TO_DATE('2024-01-01x','YYYY-MM-DD') FROM DUAL"},
       {"30 February", 1839, "SELECT TO_DATE('2024-02-30','YYYY-MM-DD') FROM DUAL"},
       {"text too short", 1840, "SELECT TO_DATE('2024','YYYY-MM-DD') FROM DUAL"},
-      {"month 13", 1843, "SELECT TO_DATE('2024-13-01','YYYY-MM-DD') FROM DUAL"},
       {"hour 24", 1850, "SELECT TO_DATE('24','HH24') FROM DUAL"},
       {"letter for a digit", 1858, "SELECT TO_DATE('2024-01-xx','YYYY-MM-DD') FROM DUAL"},
       {"text for a date", 1861, "UPDATE C SET D = '2024-01-01'"},
       {"unit of TRUNC", 1898, "SELECT TRUNC(SYSDATE,'X') FROM DUAL"},
       {"missing sequence", 2289, "SELECT NOPE.NEXTVAL FROM DUAL"},
-      {"check", 2290, "UPDATE C SET YN = 'X'"},
-      {"child without parent", 2291, "INSERT INTO C (ID, P_ID, TXT) VALUES (2, 9, 'x')"},
       {"child moved away", 2291, "UPDATE C SET P_ID = 9"},
-      {"parent deleted", 2292, "DELETE FROM P"},
-      {"parent moved away", 2292, "UPDATE P SET ID = 9"},
-      {"parent deleted by a routine", 2292, "BEGIN DELETE_P( 1 ); END;"},
+      {"parent deleted in a block", 2292, "BEGIN INSERT INTO P VALUES (5,'x'); DELETE_P(1); END;"},
       {"missing routine to drop", 4043, "DROP PROCEDURE NOPE"},
-      {"missing procedure", 6550, "BEGIN NOPE( 5 ); END;"},
       {"wrong count in a block", 6550, "BEGIN DELETE_P( 1,2 ); END;"},
       {"expression for an out argument", 6550, "BEGIN OUT_P( 5 ); END;"},
       {"function as a procedure", 6550, "BEGIN CHECKED( 1 ); END;"},
@@ -132,17 +106,17 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"writing while reading", 14551, "SELECT WRITING(ID) FROM P"},
       {"writing while reading behind DUAL", 14551,
        "INSERT INTO P (ID) SELECT WRITING(P.ID) FROM DUAL d, P"},
-      {"writing in a query of a query", 14551, "SELECT (SELECT WRITING(1) FROM DUAL), ID FROM P"},
       {"current value too early", 8002, "SELECT S.CURRVAL FROM DUAL"},
       {"width in characters", 12899, "UPDATE P SET NAME = 'sechsä'"},
       {"raised by a routine", 20011, "SELECT CHECKED(7) FROM DUAL"},
       {"raised by a block", 20999, "BEGIN RAISE_APPLICATION_ERROR(-20999,'x'); END;"},
       {"raised out of range", 21000, "SELECT RAISE_APPLICATION_ERROR(-1,'x') FROM DUAL"},
   };
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     EXPECT_EQ(Ask(row.sql), "ORA-" + std::to_string(row.number))
         << row.name << ": " << link->LastDatabaseError().message;
   }
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM P, C"), "1") << "what was refused left nothing behind";
 }
 
 TEST_F(SqliteErrors, NamesThatOnlyLookReservedAreTaken) {
@@ -152,11 +126,6 @@ TEST_F(SqliteErrors, NamesThatOnlyLookReservedAreTaken) {
   EXPECT_EQ(Do("CREATE TABLE Q (USING NUMBER, COLLATE NUMBER, FOREIGN NUMBER)"), "");
   EXPECT_EQ(Do("INSERT INTO Q (USING, COLLATE, FOREIGN) VALUES (1,2,3)"), "");
   EXPECT_EQ(Ask("SELECT USING, COLLATE, FOREIGN FROM Q WHERE FOREIGN = 3"), "1|2|3");
-}
-
-TEST_F(SqliteErrors, ARefusedBlockLeavesNothingBehind) {
-  EXPECT_EQ(Do("BEGIN INSERT INTO P VALUES (5,'x'); DELETE_P(1); END;"), "ORA-2292");
-  EXPECT_EQ(Ask("SELECT COUNT(*) FROM P WHERE ID = 5"), "0");
 }
 
 TEST_F(SqliteErrors, TheErrorTellsWhatAndWhereButNoConstant) {

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <csignal>
@@ -38,21 +37,17 @@ TEST_F(SqliteFiles, AFileThatCannotBeOpenedIsADatabaseErrorNamingItAndLeavesNoJo
       .write(std::string(4000, '\x55').data(), 4000);
   ::mkfifo(Folder().File("pipe").c_str(), 0600);
   const std::vector<std::string> before = FilesIn(Folder().File(""));
-  struct Row {
-    const char* name;
-    const char* outcome;
-  };
-  constexpr Row kRows[] = {
+  constexpr std::pair<const char*, const char*> kRows[] = {
       {"missing", "ORA-1157"},   {"folder", "ORA-1157"},    {"empty", "ORA-1157"},
       {"pipe", "ORA-1157"},      {"text", "ORA-1578"},      {"truncated", "ORA-1578"},
       {"scribbled", "ORA-1578"}, {"no/folder", "ORA-1157"},
   };
-  for (const Row& row : kRows) {
-    Asking asking(Folder().File(row.name));
-    EXPECT_EQ(asking.Ask("SELECT COUNT(*) FROM user_tables"), row.outcome) << row.name;
+  for (const auto& [name, outcome] : kRows) {
+    Asking asking(Folder().File(name));
+    EXPECT_EQ(asking.Ask("SELECT COUNT(*) FROM user_tables"), outcome) << name;
     EXPECT_THAT(asking.link->LastDatabaseError().message,
-                ::testing::HasSubstr(Folder().File(row.name)));
-    EXPECT_EQ(asking.link->LastDatabaseError().originator, Folder().File(row.name));
+                ::testing::HasSubstr(Folder().File(name)));
+    EXPECT_EQ(asking.link->LastDatabaseError().originator, Folder().File(name));
   }
   EXPECT_EQ(FilesIn(Folder().File("")), before);
 }
@@ -81,25 +76,20 @@ TEST_F(SqliteFiles, AReadOnlySiteIsReadAndRefusesWrites) {
   link->ShutDown();
   ::chmod(File().c_str(), 0444);
   // Nothing is read-only for root.
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const pid_t child = InChild([&] {
     std::filesystem::permissions(Folder().File(""), std::filesystem::perms::all);
-    if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(9);
+    if (::geteuid() == 0 && ::setuid(65534) != 0) return 9;
     Asking asking(File());
-    const bool reads = asking.Ask("SELECT COUNT(*) FROM T") == "0";
-    const bool refuses = asking.Do("INSERT INTO T VALUES (1)") == "ORA-16000";
-    ::_exit((reads ? 0 : 1) + (refuses ? 0 : 2));
-  }
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  EXPECT_EQ(WEXITSTATUS(status), 0);
+    if (asking.Ask("SELECT COUNT(*) FROM T") != "0") return 1;
+    return asking.Do("INSERT INTO T VALUES (1)") == "ORA-16000" ? 0 : 2;
+  });
+  EXPECT_EQ(ResultOf(child), 0);
 }
 
 TEST_F(SqliteFiles, AFullDiskIsReportedAndTheStatementTakenBack) {
   ASSERT_EQ(Do("CREATE TABLE T (X VARCHAR2(4000))"), "");
   link->ShutDown();
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const pid_t child = InChild([&] {
     ::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{1U << 20U, 1U << 20U};
     ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -107,20 +97,17 @@ TEST_F(SqliteFiles, AFullDiskIsReportedAndTheStatementTakenBack) {
     const std::string outcome = asking.Do(
         "INSERT INTO T WITH R(N) AS (SELECT 1 FROM DUAL UNION ALL SELECT N+1 FROM R WHERE"
         " N < 5000) SELECT LPAD('x',4000) FROM R");
-    const bool told = outcome == "ORA-1653" &&
-                      asking.link->LastDatabaseError().message.ends_with("File too large");
-    ::_exit((told ? 0 : 1) + (asking.Ask("SELECT COUNT(*) FROM T") == "0" ? 0 : 2));
-  }
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  EXPECT_EQ(WEXITSTATUS(status), 0);
+    if (outcome != "ORA-1653") return 1;
+    if (!asking.link->LastDatabaseError().message.ends_with("File too large")) return 2;
+    return asking.Ask("SELECT COUNT(*) FROM T") == "0" ? 0 : 3;
+  });
+  EXPECT_EQ(ResultOf(child), 0);
 }
 
 TEST_F(SqliteFiles, ASiteIsMadeWholeOrNotAtAll) {
   const std::string path = Folder().File("new");
-  const pid_t dead = ::fork();
-  if (dead == 0) ::_exit(0);
-  ::waitpid(dead, nullptr, 0);
+  const pid_t dead = InChild([] { return 0; });
+  EXPECT_EQ(ResultOf(dead), 0);
   const std::vector<std::string> before = FilesIn(Folder().File(""));
   {
     const std::string leftover = path + ".unfinished-" + std::to_string(dead);
@@ -140,7 +127,6 @@ TEST_F(SqliteFiles, ASiteIsMadeWholeOrNotAtAll) {
     EXPECT_FALSE(std::filesystem::exists(path));
     site.Finish();
   }
-  EXPECT_EQ(Asking(path).Ask("SELECT table_name FROM user_tables"), "'T'");
   EXPECT_THROW(sqlite::CreateDatabase(path), RuntimeError);
   EXPECT_THROW(sqlite::CreateDatabase(Folder().File("no/folder")), RuntimeError);
   EXPECT_EQ(Asking(path).Ask("SELECT table_name FROM user_tables"), "'T'");

@@ -1,11 +1,9 @@
 // Requests beside each other: open rows, time-outs, cancelling, many processes, crashes.
 #include <sqlite3.h>
-#include <sys/wait.h>
 
 #include <atomic>
 #include <csignal>
 #include <fstream>
-#include <functional>
 #include <random>
 #include <set>
 #include <thread>
@@ -24,12 +22,6 @@ constexpr const char* kWide =
     "WITH R(N) AS (SELECT 1 FROM DUAL UNION ALL SELECT N+1 FROM R WHERE N < 100000)"
     " SELECT N, LPAD('x',100,'x') AS X FROM R";
 
-pid_t InChild(const std::function<int()>& work) {
-  const pid_t child = ::fork();
-  if (child == 0) ::_exit(work());
-  return child;
-}
-
 TEST_F(SqliteRequests, OpenRowsStandInNobodysWayAndStayAsTheyWere) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER, X VARCHAR2(200))"), "");
   ASSERT_EQ(Do("INSERT INTO T " + std::string(kWide)), "") << link->LastDatabaseError().message;
@@ -46,25 +38,17 @@ TEST_F(SqliteRequests, OpenRowsStandInNobodysWayAndStayAsTheyWere) {
   EXPECT_EQ(rows->RecordCount(), 100000);
 }
 
-TEST_F(SqliteRequests, ATimeOutStopsARunningStatementAndTheSessionGoesOn) {
-  ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
-  EXPECT_EQ(Ask(kEndless, 1), "connection 24");
-  EXPECT_EQ(Do("INSERT INTO T " + std::string(kEndless), 1), "connection 24");
-  EXPECT_EQ(Ask("SELECT COUNT(*) FROM T", 1), "0");
-}
-
 TEST_F(SqliteRequests, AFailureBehindTheFirstRowsReachesWhoeverMovesOn) {
-  struct Row {
+  constexpr struct {
     const char* name;
     const char* last_column;
     const char* condition;
     const char* outcome;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"time-out", "0", "N < 60000", "connection 24"},
       {"refused", "TO_NUMBER(DECODE(N, 60000, 'x', '1'))", "N > 0", "ORA-1722"},
   };
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     const auto rows = link->MakeRecordset();
     rows->Open(
         "WITH R(N) AS (SELECT 1 FROM DUAL UNION ALL SELECT N+1 FROM R)"
@@ -105,26 +89,28 @@ TEST_F(SqliteRequests, PreparedStatementsAreKeptUpToALimit) {
 }
 
 TEST_F(SqliteRequests, ThreadsWithRowlinksOfTheirOwnShareAFile) {
-  ASSERT_EQ(Do("CREATE TABLE T (ID NUMBER PRIMARY KEY)"), "");
-  ASSERT_EQ(Do("CREATE SEQUENCE S"), "");
-  std::vector<std::thread> threads;
+  ASSERT_EQ(Do("CREATE TABLE T (ID NUMBER PRIMARY KEY)") + Do("CREATE SEQUENCE S"), "");
   std::atomic<int> failures = 0;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      Asking asking(File());
-      for (int n = 0; n < 10; ++n) {
-        if (!asking.Do("INSERT INTO T VALUES (S.NEXTVAL)").empty()) ++failures;
-        if (asking.Ask("SELECT ID FROM T WHERE ID = S.CURRVAL").starts_with("ORA")) ++failures;
-      }
-    });
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i) {
+      threads.emplace_back([&] {
+        Asking asking(File());
+        for (int n = 0; n < 10; ++n) {
+          if (!asking.Do("INSERT INTO T VALUES (S.NEXTVAL)").empty()) ++failures;
+          if (asking.Ask("SELECT ID FROM T WHERE ID = S.CURRVAL").starts_with("ORA")) ++failures;
+        }
+      });
+    }
   }
-  for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(failures, 0);
   EXPECT_EQ(Ask("SELECT COUNT(*), MAX(ID) FROM T"), "40|40");
 }
 
-TEST_F(SqliteRequests, WaitingForTheWriteLockCountsTowardsTheTimeOut) {
+TEST_F(SqliteRequests, ATimeOutStopsAStatementOrItsWaitForTheWriteLockAndTheSessionGoesOn) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
+  EXPECT_EQ(Ask(kEndless, 1), "connection 24");
+  EXPECT_EQ(Do("INSERT INTO T " + std::string(kEndless), 1), "connection 24");
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(File().c_str(), &other), SQLITE_OK);
   ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
@@ -139,16 +125,12 @@ TEST_F(SqliteRequests, CancelStopsWhatRunsAndNothingElse) {
   link->Cancel();
   EXPECT_EQ(Ask("SELECT 1 FROM DUAL"), "1");
   for (const char* start : {"", "INSERT INTO T "}) {
-    std::atomic<bool> stopped = false;
-    std::thread canceller([&] {
-      while (!stopped) {
-        link->Cancel();
-        std::this_thread::yield();
-      }
-    });
-    EXPECT_EQ(Do(start + std::string(kEndless)), "ORA-1013");
-    stopped = true;
-    canceller.join();
+    {
+      const std::jthread canceller([&](const std::stop_token& stopped) {
+        for (; !stopped.stop_requested(); std::this_thread::yield()) link->Cancel();
+      });
+      EXPECT_EQ(Do(start + std::string(kEndless)), "ORA-1013");
+    }
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
   }
 }
@@ -156,27 +138,23 @@ TEST_F(SqliteRequests, CancelStopsWhatRunsAndNothingElse) {
 TEST_F(SqliteRequests, EightProcessesDrawOneSequenceWithoutFailureOrRepetition) {
   ASSERT_EQ(Do("CREATE SEQUENCE S"), "");
   link->ShutDown();
-  constexpr int kProcesses = 8;
-  constexpr int kDraws = 25;
   std::vector<pid_t> children;
-  for (int i = 0; i < kProcesses; ++i) {
+  for (int i = 0; i < 8; ++i) {
     children.push_back(InChild([&] {
       Asking asking(File());
       std::ofstream drawn(Folder().File("drawn" + std::to_string(i)));
-      for (int n = 0; n < kDraws; ++n) drawn << asking.Ask("SELECT S.NEXTVAL FROM DUAL") << "\n";
+      for (int n = 0; n < 25; ++n) drawn << asking.Ask("SELECT S.NEXTVAL FROM DUAL") << "\n";
       return 0;
     }));
   }
+  for (const pid_t child : children) EXPECT_EQ(ResultOf(child), 0);
   std::set<std::string> values;
-  for (int i = 0; i < kProcesses; ++i) {
-    ::waitpid(children[static_cast<std::size_t>(i)], nullptr, 0);
+  for (int i = 0; i < 8; ++i) {
     std::ifstream drawn(Folder().File("drawn" + std::to_string(i)));
-    for (std::string line; std::getline(drawn, line);) {
-      EXPECT_TRUE(values.insert(line).second) << line;
-    }
+    for (std::string line; std::getline(drawn, line);) values.insert(line);
   }
-  EXPECT_EQ(values.size(), std::size_t{kProcesses * kDraws});
-  EXPECT_EQ(Ask("SELECT S.NEXTVAL FROM DUAL"), std::to_string(kProcesses * kDraws + 1));
+  EXPECT_EQ(values.size(), 200U);
+  EXPECT_EQ(Ask("SELECT S.NEXTVAL FROM DUAL"), "201");
 }
 
 TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
@@ -201,22 +179,14 @@ TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
     ASSERT_EQ(::read(ready[0], &byte, 1), 1);
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 15000));
     ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(ResultOf(child), -1);
     ::close(ready[0]);
     ::close(ready[1]);
     EXPECT_EQ(Ask("SELECT MOD(COUNT(*), 2) FROM T"), "0");
-    sqlite3* file = nullptr;
-    sqlite3_open(File().c_str(), &file);
-    std::string verdict;
-    sqlite3_exec(
-        file, "PRAGMA integrity_check",
-        [](void* to, int, char** cells, char**) {
-          *static_cast<std::string*>(to) += cells[0];
-          return 0;
-        },
-        &verdict, nullptr);
-    sqlite3_close(file);
-    ASSERT_EQ(verdict, "ok");
+    sqlite::Connection file(File(), std::make_shared<sqlite::StopSwitch>());
+    sqlite::Statement check = file.Prepare("PRAGMA integrity_check");
+    ASSERT_TRUE(check.Step());
+    ASSERT_EQ(check.Column(0).text, "ok");
   }
 }
 

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include "adapters/sqlite/sqlite_rowlink.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/locale_facts.h"
+#include "tests/adapters/temporary_folder.h"
 
 namespace sabrel::testing {
 
@@ -24,30 +26,12 @@ inline ConnectionProfile ProfileOf(const std::string& file) {
   return profile;
 }
 
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = ::testing::TempDir() + "sabrel-XXXXXX";
-    path_ = ::mkdtemp(name.data());
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  [[nodiscard]] std::string File(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
-
 /// A value as text that tells its kind: 5, 2.5, 'text', date 2024-03-09 17:05:00, null.
 inline std::string Shown(const Variant& value) {
   switch (value.kind()) {
     case VariantKind::kNull: return "null";
     case VariantKind::kString: return "'" + value.Get<std::string>() + "'";
-    case VariantKind::kDate: {
-      LocaleFacts locale;
-      return "date " + FormatDateTime(value.Get<Date>(), locale);
-    }
+    case VariantKind::kDate: return "date " + FormatDateTime(value.Get<Date>(), LocaleFacts{});
     case VariantKind::kDecimal: return "decimal " + value.Get<Decimal>().Text();
     case VariantKind::kDouble: return "double " + NumberText(value.Get<double>(), 15, ".");
     default: return ToText(value, LocaleFacts{});
@@ -81,6 +65,12 @@ class Asking {
       return std::string();
     });
   }
+  /// Statements that make what a test works on.
+  void Make(std::initializer_list<const char*> statements) {
+    for (const char* sql : statements) {
+      ASSERT_EQ(Do(sql), "") << sql << ": " << link->LastDatabaseError().message;
+    }
+  }
   template <class Work>
   std::string Tried(Work&& work) {
     try {
@@ -95,6 +85,20 @@ class Asking {
 
   std::shared_ptr<Rowlink> link;
 };
+
+/// A child process that ends with the result of `work`.
+template <class Work>
+pid_t InChild(Work work) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(work());
+  return child;
+}
+/// What a child process came to.
+inline int ResultOf(pid_t child) {
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 /// A fresh site per test.
 class SiteTest : public ::testing::Test, public Asking {

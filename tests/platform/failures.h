@@ -1,0 +1,40 @@
+// What a call came to, as a number or text that a table can hold.
+#pragma once
+
+#include <string>
+
+#include "sabrel/platform/runtime_error.h"
+
+namespace sabrel::testing {
+
+/// The failure of `action`; number 0 when there is none.
+template <class Action>
+RuntimeError FailureIn(Action action) {
+  try {
+    static_cast<void>(action());
+  } catch (const RuntimeError& failure) {
+    return failure;
+  }
+  return {0, {}, {}};
+}
+
+template <class Action>
+std::int32_t NumberOf(Action action) {
+  return FailureIn(action).Number();
+}
+
+inline const std::string& Shown(const std::string& text) { return text; }
+template <class Number>
+std::string Shown(Number number) {
+  return std::to_string(number);
+}
+
+/// The text or number that `make` gives, "!n" for failure n.
+template <class Make>
+std::string Outcome(Make make) {
+  std::string shown;
+  const std::int32_t number = NumberOf([&] { return shown = Shown(make()); });
+  return number == 0 ? shown : "!" + std::to_string(number);
+}
+
+}  // namespace sabrel::testing
