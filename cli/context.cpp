@@ -31,8 +31,11 @@ std::string NumberedText(const CErrorObject& failure) {
 // not tell why.
 bool MissesRows(const CErrorObject& end) {
   if (end.IsDBError() || end.IsConnectionError()) return false;
-  return CarriedCode(end.Number()) != 0 ||
-         end.Number() == static_cast<std::int32_t>(RuntimeErrorNumber::kObjectNotSet);
+  const auto is = [&end](RuntimeErrorNumber number) {
+    return end.Number() == static_cast<std::int32_t>(number);
+  };
+  return CarriedCode(end.Number()) != 0 || is(RuntimeErrorNumber::kObjectNotSet) ||
+         is(RuntimeErrorNumber::kDivisionByZero);
 }
 
 }  // namespace
@@ -68,7 +71,7 @@ void Context::StartSession() {
   console.log.path = options.log;
   auto services = std::make_shared<AttentiveServices>(std::make_shared<ConsoleServices>(console),
                                                       [this] { StopProgress(); });
-  InstallSession(options, services, conversation_, interrupts_, [this] {
+  profile_ = InstallSession(options, services, conversation_, interrupts_, [this] {
     if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
   });
   services_ = std::move(services);
@@ -203,6 +206,10 @@ void Context::PrintRows(Recordset& rows) {
   rows.Close();
   progress_.reset();
   Note(std::to_string(count) + (count == 1 ? " row" : " rows"));
+}
+
+void Context::Advance(const char* what, std::size_t done, std::size_t total) {
+  if (progress_) progress_->Bytes(what, done, total);
 }
 
 void Context::StopProgress() {

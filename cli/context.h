@@ -21,6 +21,7 @@
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "sabrel/core/error_object.h"
+#include "sabrel/platform/connection_profile.h"
 #include "sabrel/platform/recordset.h"
 
 namespace sabrel::cli {
@@ -70,6 +71,8 @@ class Context {
   int PrintTruth(bool truth);
   /// Prints all rows, closes the recordset and tells their number.
   void PrintRows(Recordset& rows);
+  /// How far a long work is, see Progress::Bytes.
+  void Advance(const char* what, std::size_t done, std::size_t total);
   /// Before anything else is written to the terminal.
   void StopProgress();
   /// A line for the person, on standard error.
@@ -81,6 +84,9 @@ class Context {
   /// Keeps a password out of --show-sql and --record; for one that travels as an argument. Inside
   /// an action only.
   void Hide(std::string_view secret);
+
+  /// Of the server that serves what names no other one; inside an action only.
+  [[nodiscard]] const ConnectionProfile& SessionProfile() const noexcept { return profile_; }
 
   [[nodiscard]] Output& Out() noexcept { return out_; }
   [[nodiscard]] Interrupts& Signals() noexcept { return interrupts_; }
@@ -104,6 +110,7 @@ class Context {
   std::shared_ptr<AttentiveServices> services_;
   std::shared_ptr<ConversationLog> conversation_;
   std::unique_ptr<Progress> progress_;
+  ConnectionProfile profile_;
   std::optional<CErrorObject> failed_query_;
 };
 

@@ -27,8 +27,9 @@ bool WantsNoStyles() {
 
 }  // namespace
 
-Output::Output(int descriptor)
+Output::Output(int descriptor, std::string name)
     : descriptor_(descriptor),
+      name_(std::move(name)),
       is_terminal_(::isatty(descriptor) == 1),
       uses_styles_(is_terminal_ && !WantsNoStyles()) {}
 
@@ -47,7 +48,7 @@ void Output::Flush() {
     } else if (errno == EPIPE) {
       throw OutputClosed();
     } else if (errno != EINTR) {
-      throw AccessFailure("Standard output cannot be written", errno);
+      throw AccessFailure(name_ + " cannot be written", errno);
     }
   }
 }

@@ -1,4 +1,4 @@
-// Standard output: buffered, every failure noticed.
+// Standard output or a file: buffered, every failure noticed.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,8 @@ namespace sabrel::cli {
 
 class Output {
  public:
-  explicit Output(int descriptor);
+  /// `name` is for failures.
+  explicit Output(int descriptor, std::string name = "Standard output");
 
   /// Errors: OutputClosed when the reader has gone, 75 when it cannot be written (a full disk)
   void Write(std::string_view text);
@@ -27,6 +28,7 @@ class Output {
 
  private:
   int descriptor_;
+  std::string name_;
   bool is_terminal_;
   bool uses_styles_;
   std::string buffer_;

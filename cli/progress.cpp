@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <string>
@@ -41,14 +42,32 @@ void Progress::Stop() {
   if (shown_) Put(kClearLine);
 }
 
+void Progress::Bytes(const char* what, std::size_t done, std::size_t total) noexcept {
+  what_ = what;
+  done_ = done;
+  total_ = total;
+}
+
+std::string Progress::Amount() const {
+  constexpr std::size_t kBarWidth = 20;
+  constexpr std::size_t kKilobyte = 1024;
+  if (rows_ > 0) return ", " + std::to_string(rows_) + " rows";
+  const std::size_t total = total_;
+  const std::size_t done = done_;
+  if (total == 0) return done == 0 ? "" : ", " + std::to_string(done / kKilobyte) + " KB";
+  const std::size_t filled = kBarWidth * std::min(done, total) / total;
+  return " [" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] of " +
+         std::to_string(total / kKilobyte) + " KB";
+}
+
 void Progress::Show() {
   const auto start = std::chrono::steady_clock::now();
   std::unique_lock lock(mutex_);
   while (!changed_.wait_for(lock, std::chrono::seconds(1), [this] { return stopping_; })) {
     const auto lasted = std::chrono::steady_clock::now() - start;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(lasted).count();
-    std::string line = std::string(kClearLine) + "running, " + std::to_string(seconds) + " s";
-    if (rows_ > 0) line += ", " + std::to_string(rows_) + " rows";
+    std::string line = std::string(kClearLine) + what_.load() + ", ";
+    line += std::to_string(seconds) + " s" + Amount();
     Put(line + " (Ctrl-C cancels)");
     shown_ = true;
   }

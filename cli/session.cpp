@@ -34,9 +34,10 @@ ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings
 
 }  // namespace
 
-void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> services,
-                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
-                    std::function<void()> on_failed_query) {
+ConnectionProfile InstallSession(const Options& options,
+                                 std::shared_ptr<AttentiveServices> services,
+                                 std::shared_ptr<ConversationLog> conversation,
+                                 Interrupts& interrupts, std::function<void()> on_failed_query) {
   std::vector<std::string> warnings;
   ProfileSet profiles = ProfilesOf(options, warnings);
   for (const std::string& warning : warnings) {
@@ -62,6 +63,7 @@ void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> s
     interrupts.Watch(platform.rowlink);
     return platform;
   });
+  return profiles.Session();
 }
 
 }  // namespace sabrel::cli

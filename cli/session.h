@@ -8,12 +8,13 @@
 
 namespace sabrel::cli {
 
-/// Installs the platform for this thread; `conversation` may be null. `on_failed_query` is
-/// told after each query that failed, when the error object tells why.
+/// Installs the platform for this thread and returns the session's profile; `conversation` may be
+/// null. `on_failed_query` is told after each query that failed, when the error object tells why.
 /// Errors: 75 or 321 for a profile or registry file that cannot be used; UsageError for an unknown
 /// profile name
-void InstallSession(const Options& options, std::shared_ptr<AttentiveServices> services,
-                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
-                    std::function<void()> on_failed_query);
+ConnectionProfile InstallSession(const Options& options,
+                                 std::shared_ptr<AttentiveServices> services,
+                                 std::shared_ptr<ConversationLog> conversation,
+                                 Interrupts& interrupts, std::function<void()> on_failed_query);
 
 }  // namespace sabrel::cli

@@ -54,6 +54,8 @@ void AddSessionCommands(CLI::App& parent, Context& context) {
   AddValueCommands(parent, context);
   AddSchemaCommands(parent, context);
   AddSettingCommands(parent, context);
+  AddFeatureCommands(parent, context);
+  AddCompatibilityCommands(parent, context);
   AddEntityCommands(parent, context);
   AddReportCommands(parent, context);
   AddValidationCommands(parent, context);

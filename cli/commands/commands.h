@@ -22,8 +22,10 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
 /// option. Errors: CLI::ParseError
 void ParseWords(CLI::App& parser, std::vector<std::string> words);
 
+void AddCompatibilityCommands(CLI::App& parent, Context& context);
 void AddConversionCommand(CLI::App& parent, Context& context);
 void AddEntityCommands(CLI::App& parent, Context& context);
+void AddFeatureCommands(CLI::App& parent, Context& context);
 void AddLiteralCommand(CLI::App& parent, Context& context);
 void AddQueryCommands(CLI::App& parent, Context& context);
 void AddReportCommands(CLI::App& parent, Context& context);

@@ -13,8 +13,10 @@ namespace {
 constexpr std::string_view kHelp =
     "A line is a command as on the command line (login, registry, query, request, call, function,\n"
     "proc, literal, convert, sequence, now, range, probe, length, reset, value, week, email, "
-    "entity,\n"
-    "report, validate, text, slices), with its words parted by blanks and quoted with ' or \";\n"
+    "features,\n"
+    "connection, compat, network-release, module-version, entity, report, validate, text, "
+    "slices),\n"
+    "with its words parted by blanks and quoted with ' or \";\n"
     "`COMMAND --help` tells its arguments. Also:\n"
     "  SELECT ... or WITH ...      is a query; the rest of the line is SQL, no quoting needed\n"
     "  INSERT, UPDATE, BEGIN ...   is a request; `query` and `request` take SQL that way too\n"

@@ -1,0 +1,57 @@
+// `compat`, `network-release` and `module-version`: which releases fit, which there are.
+#include <memory>
+
+#include "cli/commands/commands.h"
+#include "cli/commands/outcome.h"
+#include "sabrel/core/gsabrel.h"
+
+namespace sabrel::cli {
+namespace {
+
+int Compatible(Context& context) {
+  context.RequireServer();
+  const bool compatible = GSabrel::IsClientServerCompatible();
+  RequireNotCancelled(context);
+  return PrintTruthAnswer(context, compatible);
+}
+
+int NetworkRelease(Context& context, const std::string& key) {
+  context.RequireServer();
+  const bool supported = GSabrel::IsLucentVersionSupported(key);
+  RequireNotCancelled(context);
+  return PrintTruthAnswer(context, supported);
+}
+
+struct ModuleVersion {
+  std::int32_t module = 0;
+  std::int32_t version = 0;
+};
+
+}  // namespace
+
+void AddCompatibilityCommands(CLI::App& parent, Context& context) {
+  AddCommand(parent, context, "compat",
+             "Do this client and the server fit together? Asks when they may not",
+             "  sabrel --answer yes compat", Compatible);
+
+  const auto key = std::make_shared<std::string>();
+  CLI::App& release = AddCommand(
+      parent, context, "network-release",
+      "Does the installed system support a network release? (a shell remembers the "
+      "releases)",
+      "  sabrel network-release R17", [key](Context& c) { return NetworkRelease(c, *key); });
+  release.add_option("KEY", *key, "R and the number, in any case")->required();
+
+  const auto arguments = std::make_shared<ModuleVersion>();
+  CLI::App& module = AddCommand(
+      parent, context, "module-version", "Print the name of a module's version",
+      "  sabrel module-version 1 2", [arguments](Context& c) {
+        c.RequireServer();
+        return PrintAnswer(
+            c, Variant(GSabrel::GetModuleVersionName(arguments->module, arguments->version)));
+      });
+  module.add_option("MODULE", arguments->module, "Id of the module")->required();
+  module.add_option("VERSION", arguments->version, "Id of its version")->required();
+}
+
+}  // namespace sabrel::cli
