@@ -63,7 +63,7 @@ std::string Described(const ConversationEntry& entry) {
   for (const RowSet::Column& column : entry.row_set.columns) {
     text += "     column " + column.name + " " + column.type_word + "\n";
   }
-  for (const std::string& row : entry.row_set.rows) {
+  for (const std::string_view row : entry.row_set.rows) {
     text += "     row " + VisibleText(row, kContinuation) + "\n";
   }
   return VisibleText(text, "\n");

@@ -223,7 +223,7 @@ class OverheardRowlink::Link final : public DataLink {
       const auto inner = ear_->Inner().MakeRowSetWriter();
       Deref(inner).Table(rows.table);
       for (const auto& column : rows.columns) inner->DeclareColumn(column.name, column.type_word);
-      for (const std::string& row : rows.rows) inner->AddRow(row);
+      for (const std::string_view row : rows.rows) inner->AddRow(row);
       inner->Submit();
     });
   }

@@ -100,7 +100,9 @@ Json RequestToJson(const Entry& entry) {
       json["sent_columns"].push_back(
           Json{{"name", TextToJson(column.name)}, {"type", TextToJson(column.type_word)}});
     }
-    for (const std::string& row : entry.row_set.rows) json["sent_rows"].push_back(TextToJson(row));
+    for (const std::string_view row : entry.row_set.rows) {
+      json["sent_rows"].push_back(TextToJson(row));
+    }
   }
   return json;
 }
@@ -153,7 +155,7 @@ void ReadRequest(const Json& json, Entry& entry) {
         {TextFromJson(column.at("name")), TextFromJson(column.at("type"))});
   }
   for (const Json& row : json.value("sent_rows", Json::array())) {
-    entry.row_set.rows.push_back(TextFromJson(row));
+    entry.row_set.rows.Add(TextFromJson(row));
   }
   for (const Json& column : json.value("columns", Json::array())) {
     entry.columns.push_back(TextFromJson(column));

@@ -254,7 +254,7 @@ void Server::Write(const RowSet& rows) {
   Transaction transaction(connection_, Transaction::Kind::kWrite);
   {
     Statement insert = connection_.Prepare(sql, Verb::kInsert);
-    for (const std::string& row : rows.rows) {
+    for (const std::string_view row : rows.rows) {
       const auto pieces = DecodeRow(row);
       if (pieces.size() != rows.columns.size()) throw ServerFailure(947, "not enough values");
       for (std::size_t i = 0; i < pieces.size(); ++i) {

@@ -131,7 +131,7 @@ void Fill(Releases& releases) {
 }  // namespace
 
 bool IsClientServerCompatible() {
-  static_cast<void>(CurrentPlatform());  // without a platform there is no server to fit
+  RequirePlatform();
   try {
     return FitTogether(ServerRelease());
   } catch (...) {
@@ -140,8 +140,7 @@ bool IsClientServerCompatible() {
 }
 
 bool IsLucentVersionSupported(std::string_view sVersion) {
-  static_cast<void>(
-      CurrentPlatform());               // without a platform nothing is read and nothing remembered
+  RequirePlatform();
   const std::string version(sVersion);  // a failed query's box may take the caller's text away
   auto releases = ModuleState<SupportedReleases>().releases;
   if (!releases) {

@@ -14,7 +14,7 @@ void CConnection::DestPath(const Variant& value) { dest_path_ = ToText(value); }
 void CConnection::MachineName(const Variant& value) { machine_name_ = ToText(value); }
 
 bool CConnection::InitializeConnectionFeatures() {
-  static_cast<void>(CurrentPlatform());  // without a platform there is no product to ask about
+  RequirePlatform();
   try {
     const TextString product_type(MSabrel::ProductProperty("ProductType"));
     constexpr bool kIgnoreCase = true;

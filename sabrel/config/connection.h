@@ -48,8 +48,10 @@ class CConnection {
   [[nodiscard]] bool AggregatorEnabled() const noexcept { return aggregator_enabled_; }
   [[nodiscard]] bool PCMDEnabled() const noexcept { return pcmd_enabled_; }
 
-  /// Reads the flags; false when that fails, the flags keeping what was set so far.
-  /// Errors: none. Cost: none once product and features are known
+  /// Reads the flags; false when that fails, the flags keeping what was set so far. A second try
+  /// answers with the features as the first left them: none when they could not be loaded.
+  /// Errors: none once a platform is installed. Cost: none once product and features are known, one
+  /// round trip for the product and those of CFeatureManager::Initialize before
   bool InitializeConnectionFeatures();
 
  private:

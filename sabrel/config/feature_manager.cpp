@@ -102,7 +102,7 @@ std::string_view ProbeTemplate(FeatureProbe probe) {
 
 bool HasRows(const std::string& sQuery) {
   try {
-    const MSabrel::RecordsetRef rows = MSabrel::ExecuteQuery(sQuery);
+    const RecordsetRef rows = MSabrel::ExecuteQuery(sQuery);
     const CloseAtEnd closing(rows);
     return rows && rows->RecordCount() > 0;
   } catch (...) {
@@ -142,17 +142,18 @@ void CFeatureManager::Initialize() {
 }
 
 void CFeatureManager::LoadFeatures(NamedValues& sts) const {
-  const MSabrel::RecordsetRef rows = MSabrel::ExecuteQuery(kFeatureQuery);
-  const CloseAtEnd closing(rows);
-  for (Recordset& row = Deref(rows); !row.EndOfFile(); row.MoveNext()) {
-    sts.Add(ToText(row.Fields().Item("Feature").Value()));
-  }
+  RaisingRuntimeErrors([&] {
+    const RecordsetRef rows = MSabrel::ExecuteQuery(kFeatureQuery);
+    const CloseAtEnd closing(rows);
+    for (Recordset& row = Deref(rows); !row.EndOfFile(); row.MoveNext()) {
+      sts.Add(ToText(row.Fields().Item("Feature").Value()));
+    }
+  });
 }
 
 std::shared_ptr<CFeatureManager> GFeatureManager::FeatureManager() {
   if (auto known = ModuleState<SharedManager>().manager) return known;
-  static_cast<void>(
-      CurrentPlatform());  // without a platform nothing is read and nothing remembered
+  RequirePlatform();
   const auto manager = std::make_shared<CFeatureManager>();
   // Remembered before it is initialized: that is done once, also when it fails.
   ModuleState<SharedManager>().manager = manager;

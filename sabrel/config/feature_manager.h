@@ -43,8 +43,8 @@ class CFeatureManager {
   /// the switch table, else at most 22 round trips and 3 probes
   void Initialize();
 
-  /// Adds the features that are switched on in the switch table. Errors: 91 when the query fails,
-  /// which was shown already; 94 for a null name. Cost: one round trip
+  /// Adds the features that are switched on in the switch table, up to a failure. Errors: 91 when
+  /// the query fails, which was shown already; 94 for a null name. Cost: one round trip
   void LoadFeatures(NamedValues& sts) const;
 
  private:

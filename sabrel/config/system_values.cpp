@@ -1,8 +1,7 @@
 #include "sabrel/config/system_values.h"
 
-#include <charconv>
-
 #include "sabrel/core/query_execution.h"
+#include "sabrel/core/trace.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/module_state.h"
 #include "sabrel/platform/platform.h"
@@ -10,19 +9,41 @@
 
 namespace sabrel {
 
-void CSystemValues::MakeKey(std::string& key, std::string_view name, std::string_view value,
-                            std::string_view host, std::int32_t port) {
-  key.assign(name);
-  key += '.';
-  key += value;
-  if (host.empty()) return;
-  char digits[12];
-  const auto end = std::to_chars(std::begin(digits), std::end(digits), port).ptr;
-  key += ':';
-  key += host;
-  key += ':';
-  key.append(digits, end);
+namespace {
+
+void MakeKey(std::string& key, std::string_view name, std::string_view value, std::string_view host,
+             std::int32_t port) {
+  key.assign(name).append(1, '.').append(value);
+  internal::AppendServer(key, host, port);
 }
+
+CSystemValues::Entry AskFor(std::string_view sName, std::string_view sValue,
+                            std::string_view sHostName, std::int32_t nPortNumber,
+                            std::string_view sUserName, std::string_view sPassword,
+                            std::int32_t nTimeOut) {
+  // Made before the query: a box that is shown for it may take the caller's strings away.
+  auto entry = std::make_shared<CSystemValue>();
+  entry->PortId(nPortNumber);
+  entry->ServerName(sHostName);
+  entry->TimeOut(nTimeOut);
+  entry->Value(sValue);
+  entry->Name(sName);
+  std::string key;
+  MakeKey(key, sName, sValue, sHostName, nPortNumber);
+  entry->Key(key);
+  const auto rows =
+      MSabrel::ExecuteQuery("SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = '" +
+                                std::string(sName) + "' AND value = '" + std::string(sValue) + "'",
+                            false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  const CloseAtEnd closing(rows);
+  if (rows && !rows->EndOfFile()) {
+    const Variant count = rows->Fields().Item(0).Value();
+    entry->Exists(!count.IsNull() && ToDouble(count) > 0.0);
+  }
+  return entry;
+}
+
+}  // namespace
 
 std::shared_ptr<CSystemValues> CSystemValues::Values(const Variant& sName, std::int32_t nPortId,
                                                      std::string_view sServerName) const {
@@ -46,46 +67,16 @@ CSystemValues::Entry CSystemValues::AddNew(std::string_view sName, std::string_v
                                            std::string_view sHostName, std::int32_t nPortNumber,
                                            std::string_view sUserName, std::string_view sPassword,
                                            std::int32_t nTimeOut) {
-  // Made before the query: a box that is shown for it may take the caller's strings away.
-  auto entry = std::make_shared<CSystemValue>();
-  entry->PortId(nPortNumber);
-  entry->ServerName(sHostName);
-  entry->TimeOut(nTimeOut);
-  entry->Value(sValue);
-  entry->Name(sName);
-  const auto rows =
-      MSabrel::ExecuteQuery("SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = '" +
-                                std::string(sName) + "' AND value = '" + std::string(sValue) + "'",
-                            false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
-  const CloseAtEnd closing(rows);
-  bool exists = false;
-  if (rows && !rows->EndOfFile()) {
-    const Variant count = rows->Fields().Item(0).Value();
-    exists = !count.IsNull() && ToDouble(count) > 0.0;
-  }
-  entry->Exists(exists);
-  std::string key;
-  MakeKey(key, entry->Name(), entry->Value(), entry->ServerName(), nPortNumber);
-  entry->Key(key);
-  entries_.Add(entry, key);
+  auto entry = AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  entries_.Add(entry, entry->Key());
   return entry;
-}
-
-CSystemValues::Entry CSystemValues::Item(std::string_view vntIndexKey) const noexcept {
-  const Entry* entry = entries_.Find(vntIndexKey);
-  return entry == nullptr ? nullptr : *entry;
-}
-
-CSystemValues::Entry CSystemValues::Item(std::int32_t vntIndexKey) const noexcept {
-  if (vntIndexKey < 1 || vntIndexKey > Count()) return nullptr;
-  return entries_.Item(vntIndexKey);
 }
 
 namespace MSabrel {
 namespace {
 
 struct SystemSettings {
-  std::shared_ptr<CSystemValues> values;
+  std::shared_ptr<CSystemValues> values = std::make_shared<CSystemValues>();
   std::string key;  // kept between calls, so that a hit allocates nothing
   std::string high_attempts;
   bool mail_client_configured = false;
@@ -112,18 +103,17 @@ void ReadHighAttempts() {
       State().high_attempts = ToText(rows->Fields().Item("Value").Value());
     }
   }
-  const auto services = CurrentPlatform().services;
-  if (services->TraceSwitch()) {
-    services->WriteTrace("GetNHighAttemptsValue succeeded\r\nQuery: " + sql);
-  }
+  TraceWhenOn([&] { return "GetNHighAttemptsValue succeeded\r\n" + QueryLine(sql); });
 }
 
-void CheckMailClient() {
-  if (State().mail_client_checked) return;
+bool IsMailClientConfigured() {
+  if (State().mail_client_checked) return State().mail_client_configured;
   const auto registry = CurrentPlatform().registry;
   State().mail_client_checked = true;  // also when the registry fails: it is read at most once
   const auto key = registry->OpenKey("\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Clients\\Mail");
-  if (key) State().mail_client_configured = !key->ReadString("", "").empty();
+  const bool configured = key && !key->ReadString("", "").empty();
+  State().mail_client_configured = configured;
+  return configured;
 }
 
 }  // namespace
@@ -131,19 +121,13 @@ void CheckMailClient() {
 bool SystemValueExists(std::string_view sName, std::string_view sValue, std::string_view sHostName,
                        std::int32_t nPortNumber, std::string_view sUserName,
                        std::string_view sPassword, std::int32_t nTimeOut) {
-  if (!State().values) State().values = std::make_shared<CSystemValues>();
   const auto values = State().values;
-  CSystemValues::MakeKey(State().key, sName, sValue, sHostName, nPortNumber);
+  MakeKey(State().key, sName, sValue, sHostName, nPortNumber);
   if (const auto known = values->Item(State().key)) return known->Exists();
-  const std::string key = State().key;
-  try {
-    return values->AddNew(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut)
-        ->Exists();
-  } catch (const RuntimeError&) {
-    // The host may have asked the same from within the query's box: then its answer stands.
-    if (const auto known = values->Item(key)) return known->Exists();
-    throw;
-  }
+  const auto asked = AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  // The host may have asked the same from within the query's box: then its answer stands.
+  values->AddValue(asked);
+  return values->Item(asked->Key())->Exists();
 }
 
 std::string SystemFirstDayOfWeek() {
@@ -157,33 +141,28 @@ std::string SystemFirstDayOfWeek() {
   return std::to_string(State().start_of_week);
 }
 
-void GetNHighAttemptsValue() noexcept {
+void GetNHighAttemptsValue() {
+  RequirePlatform();
+  State().high_attempts = "False";
   try {
-    State().high_attempts = "False";
     ReadHighAttempts();
   } catch (...) {
     // The setting stays as far as it got.
   }
 }
 
-void LoadOtherInfo() noexcept { GetNHighAttemptsValue(); }
+void LoadOtherInfo() { GetNHighAttemptsValue(); }
 
 std::string NHighAttemptsEnabled() { return State().high_attempts; }
 
-bool EmailEnabled() noexcept {
-  bool failed = false;
+bool EmailEnabled() {
+  RequirePlatform();
+  // What fails leaves its answer false, and the probe is made in any case.
+  bool client_configured = false;
+  static_cast<void>(FailureIn([&] { client_configured = IsMailClientConfigured(); }));
   bool table_present = false;
-  try {
-    CheckMailClient();
-  } catch (...) {
-    failed = true;
-  }
-  try {
-    table_present = DoesTableExist("PM_EMAIL");
-    return !failed && table_present && State().mail_client_configured;
-  } catch (...) {
-    return false;
-  }
+  static_cast<void>(FailureIn([&] { table_present = DoesTableExist("PM_EMAIL"); }));
+  return client_configured && table_present;
 }
 
 }  // namespace MSabrel

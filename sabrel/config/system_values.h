@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "sabrel/platform/keyed_collection.h"
 #include "sabrel/platform/variant.h"
+#include "sabrel/sql/answer_cache.h"
 
 namespace sabrel {
 
@@ -49,18 +49,11 @@ class CSystemValue {
   std::string key_;
 };
 
-/// Remembered answers in the order of asking, under keys `name.value[:server:port]` that ignore
-/// case.
-class CSystemValues {
+/// Remembered answers under keys `name.value[:server:port]`.
+class CSystemValues : public AnswerCache<CSystemValue> {
  public:
-  using Entry = std::shared_ptr<CSystemValue>;
-
-  /// Writes the key of an answer over `key`.
-  static void MakeKey(std::string& key, std::string_view name, std::string_view value,
-                      std::string_view host, std::int32_t port);
-
   /// Copies of the entries with that name (exactly); with a server name only those of that server
-  /// and port.
+  /// and port. Errors: 13 for a name that is no text
   [[nodiscard]] std::shared_ptr<CSystemValues> Values(const Variant& sName,
                                                       std::int32_t nPortId = 0,
                                                       std::string_view sServerName = {}) const;
@@ -68,48 +61,38 @@ class CSystemValues {
   void AddValue(const Entry& sv);
   [[nodiscard]] bool Exists(std::string_view sKey) const noexcept { return Item(sKey) != nullptr; }
   /// Asks the database, remembers and returns the answer; false when the query fails.
-  /// Cost: one round trip. Errors: 457 when there is an entry under that key, after the query
+  /// Cost: one round trip. Errors: 457 when there is an entry under that key, after the query; 6 or
+  /// 13 for a count that is no number
   Entry AddNew(std::string_view sName, std::string_view sValue, std::string_view sHostName = {},
                std::int32_t nPortNumber = 0, std::string_view sUserName = {},
                std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
-  /// Null when there is none. Cost: O(1), no allocation
-  [[nodiscard]] Entry Item(std::string_view vntIndexKey) const noexcept;
-  [[nodiscard]] Entry Item(std::int32_t vntIndexKey) const noexcept;
-  [[nodiscard]] std::int32_t Count() const noexcept { return entries_.Count(); }
-  /// Errors: 5 for a missing key, 9 for a position out of range
-  void Remove(std::string_view vntIndexKey) { entries_.Remove(vntIndexKey); }
-  void Remove(std::int32_t vntIndexKey) { entries_.Remove(vntIndexKey); }
-  [[nodiscard]] auto begin() const noexcept { return entries_.begin(); }
-  [[nodiscard]] auto end() const noexcept { return entries_.end(); }
-
- private:
-  KeyedCollection<Entry> entries_;
 };
 
 namespace MSabrel {
 
 /// Whether the system variable `sName` has the value `sValue`. Cost: none once asked, without
-/// allocation; else one round trip
+/// allocation; else one round trip. Errors: 6 or 13 for a count that is no number
 [[nodiscard]] bool SystemValueExists(std::string_view sName, std::string_view sValue,
                                      std::string_view sHostName = {}, std::int32_t nPortNumber = 0,
                                      std::string_view sUserName = {},
                                      std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
 
-/// "1" to "7"; "0" when the query fails. Cost: none once known, else one round trip
+/// "1" to "7"; "0" when the query fails. A negative stored day gives "0" or below and is not kept.
+/// Cost: none once known, else one round trip
 /// Errors: 3021 without such a variable, 94 for null, 6 or 13 for no weekday
 [[nodiscard]] std::string SystemFirstDayOfWeek();
 
 /// Reads the N-high-attempts setting anew; "False" when it cannot be read. Cost: one round trip.
-/// Errors: none
-void GetNHighAttemptsValue() noexcept;
+/// Errors: 91 without a platform
+void GetNHighAttemptsValue();
 /// The same.
-void LoadOtherInfo() noexcept;
+void LoadOtherInfo();
 /// The setting as last read, "" before that.
 [[nodiscard]] std::string NHighAttemptsEnabled();
 
 /// Whether there is an e-mail table and a configured mail client; the client is looked for once.
-/// Cost: none, or one round trip on first use. Errors: none
-[[nodiscard]] bool EmailEnabled() noexcept;
+/// Cost: none, or one round trip on first use. Errors: 91 without a platform
+[[nodiscard]] bool EmailEnabled();
 
 }  // namespace MSabrel
 }  // namespace sabrel

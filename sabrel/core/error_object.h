@@ -5,8 +5,7 @@
 // a database or a connection error is asked of the platform at every question. One such object per
 // thread holds the last failure of the component.
 //
-//   if (SabrelErrorObject()->IsConnectionError())
-//   Show(SabrelErrorObject()->ConnectionErrorDescription());
+//   if (CheckConnectionError()) Show(SabrelErrorObject()->ConnectionErrorDescription());
 #pragma once
 
 #include <cstdint>

@@ -23,10 +23,12 @@
 #include "sabrel/domain/object_initializers.h"
 #include "sabrel/platform/date.h"
 #include "sabrel/platform/flag_array.h"
+#include "sabrel/platform/identified_object.h"
 #include "sabrel/platform/platform.h"
 #include "sabrel/platform/recordset.h"
 #include "sabrel/platform/variant.h"
 #include "sabrel/sql/db_literal.h"
+#include "sabrel/sql/schema_cache.h"
 #include "sabrel/sql/stored_text.h"
 
 namespace sabrel::GSabrel {
@@ -37,11 +39,11 @@ void ClearConnectionError();
 [[nodiscard]] std::shared_ptr<CErrorObject> SabrelErrorObject();
 [[nodiscard]] std::shared_ptr<ErrorHandler> SabrelErrorHandler();
 void LoadMachineId();
+void InitializeProductInfo();
 void LoadMachineInfo();
 [[nodiscard]] bool IncludeDSMonitor();
 [[nodiscard]] bool IncludeAddInManager();
 [[nodiscard]] bool IsSubclassingOn();
-void LoadOtherInfo();
 void ShutdownDBConnection();
 [[nodiscard]] std::string DBConnectionName();
 void DBConnectionName(std::string_view value);
@@ -93,7 +95,6 @@ void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs);
 [[nodiscard]] std::string ExecuteQueryReturningString(std::string_view sQuery,
                                                       std::string_view sDefault = "");
 [[nodiscard]] Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault = {});
-[[nodiscard]] std::int32_t DBColumnLength(std::string_view sTable, std::string_view sColumn);
 [[nodiscard]] std::string PadStr(std::string_view s);
 [[nodiscard]] std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst);
 
@@ -170,10 +171,19 @@ Variant GetStartEndHour(std::int32_t lFirsHr, std::int32_t lLastHr, std::int32_t
 [[nodiscard]] std::shared_ptr<CDBObjectInitializers> DBObjectInitializers();
 void RegisterDBObjectInitializer(const std::shared_ptr<IDBObjectInitializer>& dboi);
 
-// Settings of the site: system_values.h. What the schema has: schema_probes.h. Product: session.h.
+// Settings of the site: system_values.h.
+void LoadOtherInfo();
 [[nodiscard]] std::string NHighAttemptsEnabled();
 void GetNHighAttemptsValue();
 [[nodiscard]] bool EmailEnabled();
+[[nodiscard]] std::string SystemFirstDayOfWeek();
+[[nodiscard]] bool SystemValueExists(std::string_view sName, std::string_view sValue,
+                                     std::string_view sHostName = "", std::int32_t nPortNumber = 0,
+                                     std::string_view sUserName = "",
+                                     std::string_view sPassword = "", std::int32_t nTimeOut = 0);
+
+// What the schema has: schema_probes.h.
+[[nodiscard]] std::int32_t DBColumnLength(std::string_view sTable, std::string_view sColumn);
 void ResetExistingTables();
 [[nodiscard]] std::int32_t ModuleNameMaxLength();
 [[nodiscard]] std::int16_t GetProcedureLength(std::string_view sPackage,
@@ -192,11 +202,5 @@ void ResetExistingTables();
                                      std::string_view sPasswordA = "", std::int32_t nTimeOutA = 0);
 [[nodiscard]] bool DoesThisProcedureExist(std::string_view sPackageName,
                                           std::string_view sProcedureName);
-[[nodiscard]] std::string SystemFirstDayOfWeek();
-void InitializeProductInfo();
-[[nodiscard]] bool SystemValueExists(std::string_view sName, std::string_view sValue,
-                                     std::string_view sHostName = "", std::int32_t nPortNumber = 0,
-                                     std::string_view sUserName = "",
-                                     std::string_view sPassword = "", std::int32_t nTimeOut = 0);
 
 }  // namespace sabrel::GSabrel

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "sabrel/core/error_object.h"
+#include "sabrel/core/trace.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/module_state.h"
 #include "sabrel/platform/platform.h"
@@ -16,32 +17,28 @@ struct RequestChannel {
   RecordsetRef channel;
 };
 
-constexpr std::string_view kQueryLabel = "Query: ";
-// Functions that yield text run as long as the server lets them.
-constexpr std::int32_t kFunctionTextTimeOut_s = 0;
-
-std::string QueryLine(std::string_view sSql) { return std::string(kQueryLabel).append(sSql); }
-
-std::string_view StatementOf(const std::string& query_line) {
-  return std::string_view(query_line).substr(kQueryLabel.size());
+// The first field of the first row, null without one; nothing when the query failed.
+std::optional<Variant> AskForValue(std::string_view sQuery, std::string_view sHostName = {},
+                                   std::int32_t nPortNumber = 0, std::string_view sUserName = {},
+                                   std::string_view sPassword = {},
+                                   std::int32_t nTimeOut = kQueryTimeOut_s) {
+  const RecordsetRef rows =
+      ExecuteQuery(sQuery, false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  if (!rows) return std::nullopt;
+  const CloseAtEnd closing(rows);
+  return rows->EndOfFile() ? Variant(Null{}) : rows->Fields().Item(0).Value();
 }
 
-// The first field of the first row; nothing when there is no recordset, no row or no value.
-std::optional<Variant> FirstValue(const RecordsetRef& rows) {
-  if (!rows || rows->EndOfFile()) return std::nullopt;
-  Variant value = rows->Fields().Item(0).Value();
-  if (value.IsNull()) return std::nullopt;
-  return value;
-}
+bool HasValue(const std::optional<Variant>& answer) { return answer && !answer->IsNull(); }
 
 void ReportFailedQuery(const Platform& platform, const RuntimeError& failure,
-                       const std::string& query_line) {
+                       const std::string& sql) {
   const auto error = SabrelErrorObject();
   error->Reset(failure);
   platform.application->Notify();
   platform.services->ShowMessage("Error ExecuteQuery:" + error->Text(), kBoxCritical,
                                  platform.application->ProductName());
-  platform.services->WriteLog(query_line);
+  platform.services->WriteLog(QueryLine(sql));
 }
 
 std::string FunctionSelect(std::string_view sProc, std::string_view sArgs) {
@@ -56,85 +53,68 @@ RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired, std::string
   // Copies: a box or a notification may run anything in the host, an UnloadThread or a change of
   // its text included.
   const Platform platform = CurrentPlatform();
-  const std::string query_line = QueryLine(sSql);
+  const std::string sql(sSql);
   RecordsetRef rows;
-  std::optional<RuntimeError> failure;
-  try {
+  const auto failure = FailureIn([&] {
     rows = platform.rowlink->MakeRecordset();
-    Deref(rows).Open(StatementOf(query_line), sHostName, nPortNumber, sUserName, sPassword,
-                     nTimeOut);
+    Deref(rows).Open(sql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
     if (rows->EndOfFile() && fDataRequired) {
       rows->Close();
       SabrelErrorHandler()->Raise(sabNoDataError, "MSabrel", "ExecuteQuery", {});
     }
-    if (platform.services->TraceSwitch()) {
-      platform.services->WriteTrace("ExecuteQuery returned " + std::to_string(rows->RecordCount()) +
-                                    " row(s).\r\n" + query_line);
-    }
-    return rows;
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  // Outside the catch: with the failure dealt with, there is no current error any more.
+    TraceWhenOn(*platform.services, [&] {
+      return "ExecuteQuery returned " + std::to_string(rows->RecordCount()) + " row(s).\r\n" +
+             QueryLine(sql);
+    });
+  });
+  if (!failure) return rows;
   if (rows) rows->Close();
-  RaisingRuntimeErrors([&] { ReportFailedQuery(platform, *failure, query_line); });
+  ReportFailedQuery(platform, *failure, sql);
   return nullptr;
 }
 
 void ExecuteRequest(std::string_view sSql, std::string_view sHostName, std::int32_t nPortNumber,
                     std::string_view sUserName, std::string_view sPassword, std::int32_t nTimeOut) {
   const Platform platform = CurrentPlatform();
-  const std::string query_line = QueryLine(sSql);
-  std::optional<RuntimeError> failure;
-  try {
+  const std::string sql(sSql);
+  const auto failure = FailureIn([&] {
     RecordsetRef channel = ModuleState<RequestChannel>().channel;
     if (!channel) {
       channel = platform.rowlink->MakeRecordset();
       ModuleState<RequestChannel>().channel = channel;
     }
-    Deref(channel).Execute(StatementOf(query_line), sHostName, nPortNumber, sUserName, sPassword,
-                           nTimeOut);
-    if (platform.services->TraceSwitch()) {
-      platform.services->WriteTrace("ExecuteRequest succeeded.\r\n" + query_line);
-    }
-    return;
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  const auto error = SabrelErrorObject();
-  error->Reset(*failure);
-  if (platform.services->TraceSwitch()) {
-    platform.services->WriteTrace("ExecuteRequest failed.\r\n" + error->Text() + "\r\n" +
-                                  query_line);
-  }
-  error->Raise();
+    Deref(channel).Execute(sql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+    TraceWhenOn(*platform.services,
+                [&] { return "ExecuteRequest succeeded.\r\n" + QueryLine(sql); });
+  });
+  if (!failure) return;
+  const auto shared = SabrelErrorObject();
+  shared->Reset(*failure);
+  const CErrorObject error = *shared;  // the trace may change the shared one
+  TraceWhenOn(*platform.services, [&] {
+    return "ExecuteRequest failed.\r\n" + error.Text() + "\r\n" + QueryLine(sql);
+  });
+  error.Raise();
 }
 
 std::int32_t ExecuteQueryReturningLong(std::string_view sQuery, std::int32_t iDefault) {
-  const RecordsetRef rows = ExecuteQuery(sQuery);
-  const CloseAtEnd closing(rows);
-  const auto value = FirstValue(rows);
-  return value ? ToInt32(*value) : iDefault;
+  const auto answer = AskForValue(sQuery);
+  return HasValue(answer) ? ToInt32(*answer) : iDefault;
 }
 
 std::string ExecuteQueryReturningString(std::string_view sQuery, std::string_view sDefault,
                                         std::string_view sHostName, std::int32_t nPortNumber,
                                         std::string_view sUserName, std::string_view sPassword,
                                         std::int32_t nTimeOut) {
-  std::string otherwise(sDefault);  // a failed query's box may take the caller's away
-  const RecordsetRef rows =
-      ExecuteQuery(sQuery, false, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
-  const CloseAtEnd closing(rows);
-  const auto value = FirstValue(rows);
-  return value ? ToText(*value) : otherwise;
+  const std::string otherwise(sDefault);
+  const auto answer = AskForValue(sQuery, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  return HasValue(answer) ? ToText(*answer) : otherwise;
 }
 
 Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault) {
   const Date otherwise = dateDefault;
-  const RecordsetRef rows = ExecuteQuery(sQuery);
-  const CloseAtEnd closing(rows);
-  const auto value = FirstValue(rows);
-  return value ? ToDate(*value) : otherwise;
+  const auto answer = AskForValue(sQuery);
+  return HasValue(answer) ? ToDate(*answer) : otherwise;
 }
 
 std::int32_t ExecuteFunctionReturningLong(std::string_view sProc, std::string_view sArgs) {
@@ -146,12 +126,11 @@ std::string ExecuteFunctionReturningString(std::string_view sProc, std::string_v
 }
 
 std::optional<std::string> AskFunctionForString(std::string_view sProc, std::string_view sArgs) {
-  const RecordsetRef rows =
-      ExecuteQuery(FunctionSelect(sProc, sArgs), false, {}, 0, {}, {}, kFunctionTextTimeOut_s);
-  if (!rows) return std::nullopt;
-  const CloseAtEnd closing(rows);
-  const auto value = FirstValue(rows);
-  return value ? ToText(*value) : std::string();
+  // Functions that yield text run as long as the server lets them.
+  constexpr std::int32_t kServersLimit = 0;
+  const auto answer = AskForValue(FunctionSelect(sProc, sArgs), {}, 0, {}, {}, kServersLimit);
+  if (!answer) return std::nullopt;
+  return HasValue(answer) ? ToText(*answer) : std::string();
 }
 
 void ExecuteProcedure(std::string_view sProc, std::span<const Variant> vArgs) {

@@ -1,9 +1,10 @@
 // Running statements: queries, requests, single values, stored functions and procedures.
 //
 // A failed query is told to the user at once (message box and log line) and comes back as nothing;
-// a failed request is raised to the caller. Either way the thread's error object holds the failure.
-// Addresses are handed on as they are: an empty host is the session's own server, time-outs are
-// seconds, 0 is that server's own setting.
+// a failed request is raised to the caller. The box may run anything in the host: texts and state
+// that are needed after a query are copied before it. Either way the thread's error object holds
+// the failure. Addresses are handed on as they are: an empty host is the session's own server,
+// time-outs are seconds, 0 is that server's own setting.
 //
 //   if (auto rows = ExecuteQuery("SELECT Id FROM T")) { ...; rows->Close(); }
 #pragma once
@@ -21,13 +22,11 @@
 
 namespace sabrel::MSabrel {
 
-using RecordsetRef = std::shared_ptr<Recordset>;
-
 inline constexpr std::int32_t kQueryTimeOut_s = 60;
 
 /// Sends a query. The receiver closes the recordset; null after a failure, which was shown already.
-/// Errors: none of the query's own; what the message box, the log or the trace switch raise on a
-/// failure Cost: one round trip; with tracing on the rows are read in whole to be counted
+/// Errors: none of the query's own; what the notification, the message box or the log raise on a
+/// failure. Cost: one round trip; with tracing on the rows are read in whole to be counted
 [[nodiscard]] RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired = false,
                                         std::string_view sHostName = {},
                                         std::int32_t nPortNumber = 0,
@@ -54,7 +53,8 @@ void ExecuteRequest(std::string_view sSql, std::string_view sHostName = {},
 [[nodiscard]] Date ExecuteQueryReturningDate(std::string_view sQuery, const Date& dateDefault = {});
 
 /// The result of a stored function; 0 or "" when the call fails or yields null. `sArgs` is a list
-/// of SQL literals and stands between the parentheses as it is. Cost: one round trip
+/// of SQL literals and stands between the parentheses as it is. Errors: 6 or 13 when the result
+/// cannot be converted. Cost: one round trip
 [[nodiscard]] std::int32_t ExecuteFunctionReturningLong(std::string_view sProc,
                                                         std::string_view sArgs);
 [[nodiscard]] std::string ExecuteFunctionReturningString(std::string_view sProc,

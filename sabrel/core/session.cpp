@@ -129,8 +129,7 @@ bool IncludeAddInManager() { return State().include_add_in_manager; }
 std::string ProductProperty(std::string_view name) {
   const std::string wanted(name);  // a failed query's box may take the caller's text away
   if (!State().product_info) {
-    static_cast<void>(
-        CurrentPlatform());  // without a platform nothing is read and nothing remembered
+    RequirePlatform();
     // Set before the query: a failing one is not sent again for each property.
     const auto properties = std::make_shared<NamedValues>();
     State().product_info = properties;

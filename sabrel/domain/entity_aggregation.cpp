@@ -1,7 +1,6 @@
 #include "sabrel/domain/entity_aggregation.h"
 
 #include <array>
-#include <optional>
 #include <string>
 
 #include "sabrel/core/error_object.h"
@@ -21,8 +20,8 @@ std::string PackageTime(const Date& date) {
   return FormatDateTime(date, services->Locale());
 }
 
-// A removal raises nothing, so a failure of the telling is dropped.
-void TellNotRemoved(Services& services, const RuntimeError& failure) noexcept try {
+// A removal raises nothing, so a failure of showing it is dropped.
+void ShowNotRemoved(Services& services, const RuntimeError& failure) noexcept try {
   constexpr std::string_view kCaption = "EA_Remove_Common_Entity";
   const CErrorObject error(failure);
   if (error.Number() == 0) return;
@@ -87,20 +86,16 @@ bool EA_Add_EntityEQV(std::int32_t ordVersion, std::string_view sCommonName,
 
 bool EA_Remove_Common_Entity(std::int32_t ordEntity) {
   const auto services = CurrentPlatform().services;
-  std::optional<RuntimeError> failure;
-  try {
+  const auto failure = FailureIn([&] {
     PackageCall call("EA_Client.Remove_Common_Entity");
     call.Integer(ordEntity);
     TraceCall("Delete Common Entity Ready.", [&] {
       return "EA_Client.remove_common_entity ( " + std::to_string(ordEntity) + ")";
     });
     call.Execute();
-    return true;
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  TellNotRemoved(*services, *failure);
-  return false;
+  });
+  if (failure) ShowNotRemoved(*services, *failure);
+  return !failure;
 }
 
 bool EntityHasEQV(std::int32_t ordID) {
@@ -127,9 +122,8 @@ std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
 }
 
 Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime) {
-  static_cast<void>(CurrentPlatform());  // without a platform there is nothing to clear
-  std::optional<RuntimeError> failure;
-  try {
+  RequirePlatform();
+  const auto failure = FailureIn([&] {
     PackageCall call("EA_EXP.Clear_EXP_Required");
     const std::string time = PackageTime(dtTime);
     call.Integer(ordUser).String(time);
@@ -138,11 +132,8 @@ Variant ClearEATempRecords(std::int32_t ordUser, const Date& dtTime) {
              ")";
     });
     call.Execute();
-    return Variant("");
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  return Variant(TextOf(*failure));
+  });
+  return Variant(failure ? TextOf(*failure) : std::string());
 }
 
 }  // namespace sabrel::MSabrel

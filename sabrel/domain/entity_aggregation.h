@@ -38,7 +38,8 @@ bool EA_Remove_Common_Entity(std::int32_t ordEntity);
 [[nodiscard]] bool EntityHasEQV(std::int32_t ordID);
 
 /// How many documents of a group wait for an export to `ordServerID`, 0 for any server.
-/// Errors: 94 for a null time; 6 beyond 16 bits; the call's. Cost: one call
+/// Errors: 94 for a null time, 13 for a text that is none; 6 beyond 16 bits; the call's. Cost: one
+/// call
 [[nodiscard]] std::int32_t IsEADocumentReady(std::int32_t ordGrpID, std::int32_t OrdUserID,
                                              const Variant& dtTimeStamp, std::int32_t ordServerID);
 

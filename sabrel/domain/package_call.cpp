@@ -6,7 +6,7 @@ namespace sabrel::MSabrel {
 
 PackageCall::PackageCall(std::string_view sProcedure) {
   const auto rowlink = CurrentPlatform().rowlink;
-  call_ = RaisingRuntimeErrors([&] { return rowlink->MakeProcedureCall(); });
+  call_ = rowlink->MakeProcedureCall();
   Deref(call_).ProcedureName(sProcedure);
 }
 
@@ -35,26 +35,21 @@ PackageCall& PackageCall::Empty(std::string_view type_word) {
   return *this;
 }
 
-Variant PackageCall::Execute() {
-  return RaisingRuntimeErrors([&] { return call_->Execute(); });
-}
+Variant PackageCall::Execute() { return call_->Execute(); }
 
 Variant PackageCall::Parameter(std::int32_t index) const { return call_->ParameterValue(index); }
 
-bool IsTracing() {
-  const auto services = CurrentPlatform().services;
-  return services->TraceSwitch();
+std::string CallLines(std::string_view caption, std::string_view call_text) {
+  return std::string(caption) + "\r\n" + QueryLine("BEGIN " + std::string(call_text) + " ; END;");
 }
 
-void WriteCallTrace(std::string_view caption, std::string_view call_text) {
-  const auto services = CurrentPlatform().services;
-  services->WriteTrace(std::string(caption) + "\r\n" + "Query: " + "BEGIN " +
-                       std::string(call_text) + " ; END;");
+std::string ReturnedLine(std::int32_t value) {
+  return "Function returned: " + std::to_string(value);
 }
 
 void TraceReturned(std::int32_t value) {
   const auto services = CurrentPlatform().services;
-  services->WriteTrace("Function returned: " + std::to_string(value));
+  services->WriteTrace(ReturnedLine(value));
 }
 
 }  // namespace sabrel::MSabrel

@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 
+#include "sabrel/core/trace.h"
 #include "sabrel/platform/procedure_call.h"
 #include "sabrel/platform/variant.h"
 
@@ -46,18 +47,16 @@ class PackageCall {
   std::shared_ptr<ProcedureCall> call_;
 };
 
-/// Whether trace lines are wanted.
-[[nodiscard]] bool IsTracing();
+/// The caption, and the call as the trace shows it: "BEGIN call ; END;".
+[[nodiscard]] std::string CallLines(std::string_view caption, std::string_view call_text);
 
-/// Writes the caption and "BEGIN call ; END;" whatever the trace switch says.
-void WriteCallTrace(std::string_view caption, std::string_view call_text);
-
-/// Traces a call whose text `make_text` makes, which is asked for only when tracing is on.
+/// Traces a call, whose text `make_text` makes, when tracing is on.
 template <class MakeText>
 void TraceCall(std::string_view caption, MakeText make_text) {
-  if (IsTracing()) WriteCallTrace(caption, make_text());
+  TraceWhenOn([&] { return CallLines(caption, make_text()); });
 }
 
+[[nodiscard]] std::string ReturnedLine(std::int32_t value);
 /// Hands "Function returned: value" to the trace without asking the switch.
 void TraceReturned(std::int32_t value);
 

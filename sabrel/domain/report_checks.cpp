@@ -44,7 +44,7 @@ bool UserDeclines(const std::string& reasons, std::string_view question) {
 // The answer of a check that never fails: what goes wrong means no.
 template <class Check>
 bool HoldsWithoutFailing(Check check) {
-  static_cast<void>(CurrentPlatform());  // without a platform there is no answer
+  RequirePlatform();
   try {
     return check();
   } catch (...) {

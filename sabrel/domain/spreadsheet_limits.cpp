@@ -1,6 +1,5 @@
 #include "sabrel/domain/spreadsheet_limits.h"
 
-#include <optional>
 #include <string>
 
 #include "sabrel/core/error_object.h"
@@ -31,13 +30,9 @@ double VersionNumber(const std::string& version) {
 }
 
 [[noreturn]] void RaiseUnknownReport(const std::string& task) {
-  std::optional<CErrorObject> error;
-  try {
-    SabrelErrorHandler()->Raise(sabNoDataError, "MSabrel", "ReportTooBigForXL", {});
-  } catch (const RuntimeError& failure) {
-    error.emplace(failure);
-  }
-  error->Raise("Report does not exists, Report Id:" + task);
+  const auto failure = FailureIn(
+      [] { SabrelErrorHandler()->Raise(sabNoDataError, "MSabrel", "ReportTooBigForXL", {}); });
+  CErrorObject(failure.value()).Raise("Report does not exists, Report Id:" + task);
 }
 
 bool ExceedsRowLimit(std::int32_t rows) { return TestRowLimit(rows).Get<bool>(); }
@@ -52,8 +47,9 @@ bool IsTooBig(const std::string& task) {
   if (!rows || rows->EndOfFile()) RaiseUnknownReport(task);
   const Variant stored = rows->Fields().Item("LIMIT").Value();
   const LocaleFacts locale = CurrentPlatform().services->Locale();
-  const std::int32_t limit = IsNumeric(stored, locale) ? ToInt32(stored, locale) : 0;
-  if (!sizes_known) return limit != 0;
+  const bool has_limit = IsNumeric(stored, locale);
+  const std::int32_t limit = has_limit ? ToInt32(stored, locale) : 0;
+  if (!sizes_known) return has_limit && ToDouble(stored, locale) != 0.0;
   // Without an alias the second column's name is the server's choice.
   const std::int32_t size = CVInt(rows->Fields().Item(1).Value());
   return ExceedsRowLimit(size == 0 ? limit : size);
@@ -75,36 +71,32 @@ std::int32_t CountTooBig(Recordset& tasks) {
 
 Variant TestRowLimit(std::int32_t lngRowCount) {
   const auto spreadsheet = CurrentPlatform().spreadsheet;
-  const std::string version = RaisingRuntimeErrors(
-      [&] { return Deref(spreadsheet->CreateInstance("excel.application")).Version(); });
+  const auto instance = spreadsheet->CreateInstance("excel.application");
+  const std::string version = Deref(instance).Version();
   const bool is_old = VersionNumber(version) < 12.0;
   return Variant(lngRowCount > (is_old ? kRowLimit : kRowLimitFromVersion12));
 }
 
 bool ReportTooBigForXL(std::string_view sTaskID) {
-  const std::string task(sTaskID);  // a failed query's box may take the caller's text away
-  std::optional<RuntimeError> failure;
-  try {
-    return IsTooBig(task);
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  RaiseUnexpected(*failure, "Unexpected error, Task Id:" + task);
+  const std::string task(sTaskID);
+  bool too_big = false;
+  const auto failure = FailureIn([&] { too_big = IsTooBig(task); });
+  if (failure) RaiseUnexpected(*failure, "Unexpected error, Task Id:" + task);
+  return too_big;
 }
 
 std::int32_t JobReportsTooBigForXL(std::string_view sJobId) {
   const std::string job(sJobId);
-  std::optional<RuntimeError> failure;
-  try {
+  std::int32_t count = 0;
+  const auto failure = FailureIn([&] {
     const RecordsetRef tasks =
         ExecuteQuery("select task_id FROM Report_Status_V where Job_ID=" + job +
                      " and Spool_Filename IS NOT NULL and status_word='Done' order by task_id");
     const CloseAtEnd closing(tasks);
-    return tasks ? CountTooBig(*tasks) : 0;
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  RaiseUnexpected(*failure, "Unexpected error, Job Id:" + job);
+    if (tasks) count = CountTooBig(*tasks);
+  });
+  if (failure) RaiseUnexpected(*failure, "Unexpected error, Job Id:" + job);
+  return count;
 }
 
 }  // namespace sabrel::MSabrel

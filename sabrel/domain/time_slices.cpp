@@ -98,7 +98,7 @@ void GetSecondsRange(std::int32_t iStart, std::int32_t& lFirstSec, std::int32_t&
 Variant GetStartEndHour(std::int32_t /*lFirsHr*/, std::int32_t /*lLastHr*/, std::int32_t lFirstSec,
                         std::int32_t lLastSec, std::int32_t& BeginHour, std::int32_t& EndingHour,
                         bool UseBusyhourTimeSlices) {
-  static_cast<void>(CurrentPlatform());  // without a platform there are no slices to speak of
+  RequirePlatform();
   try {
     const double seconds = GetTimeSliceSecondsValue(UseBusyhourTimeSlices);
     const bool is_first_slice = lFirstSec == 0 && lLastSec == seconds - 1;

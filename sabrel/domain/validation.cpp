@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "sabrel/core/error_object.h"
 #include "sabrel/core/query_execution.h"
@@ -132,8 +131,8 @@ std::string FindOrCreateUser(std::string_view sHost, std::int32_t nPort, std::st
   const std::string user(sUser);
   const std::string password(sPwd);
   const std::string create(bCreate);
-  std::optional<RuntimeError> failure;
-  try {
+  std::string answer;
+  const auto failure = FailureIn([&] {
     TraceCall("Checking expression.", [&] {
       return "EA_FindOrCreateUser(" +
              DBArgs(std::array{Variant(host), Variant(nPort), Variant(user), Variant(password),
@@ -143,11 +142,9 @@ std::string FindOrCreateUser(std::string_view sHost, std::int32_t nPort, std::st
     PackageCall call("EA_FindOrCreateUser");
     // The login there is always this account's; the user travels as an argument.
     call.Server(host, nPort, "system", "", nTOut).String(user).String(password).String(create);
-    return ToJoinedText(call.Execute());
-  } catch (...) {
-    failure = CurrentFailure();
-  }
-  return RaisingRuntimeErrors([&] { return AnswerOfFailure(platform, *failure); });
+    answer = ToJoinedText(call.Execute());
+  });
+  return failure ? AnswerOfFailure(platform, *failure) : answer;
 }
 
 bool Is_SMTP_Ready(std::int32_t& nErrCode, std::string& sErrMsg) {
@@ -157,7 +154,7 @@ bool Is_SMTP_Ready(std::int32_t& nErrCode, std::string& sErrMsg) {
   const std::int32_t status = ToInt16(Variant(CVInt(call.Execute())));
   nErrCode = CVInt(call.Parameter(0));
   sErrMsg = CVString(call.Parameter(1));
-  if (IsTracing()) TraceReturned(status);
+  TraceWhenOn([&] { return ReturnedLine(status); });
   return status == 0;
 }
 

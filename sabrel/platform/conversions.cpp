@@ -5,13 +5,11 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <variant>
 
 #include "sabrel/platform/platform.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/text_to_number.h"
-#include "sabrel/platform/utf8.h"
 
 namespace sabrel {
 namespace {
@@ -79,13 +77,11 @@ double DoubleOf(const Number& number) {
   return std::get<NumberParts>(number).ToDouble();
 }
 
-/// `decimals` is what the caller rounds to, which text must not do twice.
-Decimal DecimalOf(const Number& number, std::optional<std::int64_t> decimals) {
-  if (const auto* whole = std::get_if<std::int64_t>(&number)) return Decimal(*whole);
-  if (const auto* real = std::get_if<double>(&number)) return Decimal::FromDouble(*real);
-  if (const auto* decimal = std::get_if<Decimal>(&number)) return *decimal;
-  const auto& parts = std::get<NumberParts>(number);
-  return Decimal::Parse(decimals ? parts.CutForRounding(*decimals).Text() : parts.Text());
+/// Text is rounded once, from all its digits.
+std::int64_t ExactWhole(const Number& number) {
+  if (const auto* whole = std::get_if<std::int64_t>(&number)) return *whole;
+  if (const auto* decimal = std::get_if<Decimal>(&number)) return decimal->ToInt64();
+  return Decimal::Parse(std::get<NumberParts>(number).CutForRounding(0).Text()).ToInt64();
 }
 
 template <class Whole>
@@ -95,8 +91,7 @@ Whole WholeOf(const Number& number) {
   if (const auto* real = std::get_if<double>(&number)) {
     return static_cast<Whole>(RoundHalfEven(*real, kLow, kHigh));
   }
-  const auto* exact = std::get_if<std::int64_t>(&number);
-  const std::int64_t whole = exact != nullptr ? *exact : DecimalOf(number, 0).ToInt64();
+  const std::int64_t whole = ExactWhole(number);
   if (whole < kLow || whole > kHigh) Overflow();
   return static_cast<Whole>(whole);
 }
@@ -106,13 +101,6 @@ std::string WithSeparator(std::string text, const LocaleFacts& locale) {
     if (!locale.decimal_separator.empty()) text.replace(point, 1, locale.decimal_separator);
   }
   return text;
-}
-
-bool BooleanOfText(const std::string& text, const LocaleFacts& locale) {
-  const std::string_view word = TrimBlanks(text);
-  if (EqualIgnoringCase(word, "True")) return true;
-  if (EqualIgnoringCase(word, "False")) return false;
-  return DoubleOf(NumberOfText(text, locale)) != 0.0;
 }
 
 }  // namespace
@@ -194,12 +182,6 @@ std::string ToText(const Variant& value, const LocaleFacts& locale) {
   Mismatch();
 }
 
-std::uint8_t ToByte(const Variant& value, const LocaleFacts& locale) {
-  // All bits of a true value are set, whatever its width.
-  if (const auto* flag = value.GetIf<bool>()) return *flag ? std::uint8_t{0xFF} : std::uint8_t{0};
-  return WholeOf<std::uint8_t>(NumberOf(value, locale));
-}
-
 std::int16_t ToInt16(const Variant& value, const LocaleFacts& locale) {
   return WholeOf<std::int16_t>(NumberOf(value, locale));
 }
@@ -209,36 +191,9 @@ std::int32_t ToInt32(const Variant& value, const LocaleFacts& locale) {
   return WholeOf<std::int32_t>(NumberOf(value, locale));
 }
 
-float ToSingle(const Variant& value, const LocaleFacts& locale) {
-  if (const auto* same = value.GetIf<float>()) return *same;
-  const double number = DoubleOf(NumberOf(value, locale));
-  if (std::isfinite(number) && std::abs(number) > double{std::numeric_limits<float>::max()}) {
-    Overflow();
-  }
-  return static_cast<float>(number);
-}
-
 double ToDouble(const Variant& value, const LocaleFacts& locale) {
   if (const auto* same = value.GetIf<double>()) return *same;
   return DoubleOf(NumberOf(value, locale));
-}
-
-Currency ToCurrency(const Variant& value, const LocaleFacts& locale) {
-  const Number number = NumberOf(value, locale);
-  if (const auto* real = std::get_if<double>(&number)) {
-    // Not by way of Decimal, whose 15 digits are fewer than a large amount has.
-    return {RoundHalfEven(*real * 10000.0, std::numeric_limits<std::int64_t>::min(),
-                          std::numeric_limits<std::int64_t>::max())};
-  }
-  return DecimalOf(number, 4).ToCurrency();
-}
-
-Decimal ToDecimal(const Variant& value, const LocaleFacts& locale) {
-  if (const auto* single = value.GetIf<float>()) {
-    if (!std::isfinite(*single)) Overflow();
-    return Decimal::Parse(NumberText(double{*single}, kSingleDigits, "."));
-  }
-  return DecimalOf(NumberOf(value, locale), std::nullopt);
 }
 
 Date ToDate(const Variant& value, const LocaleFacts& locale) {
@@ -255,14 +210,6 @@ Date ToDate(const Variant& value, const LocaleFacts& locale) {
   return Date(serial);
 }
 
-bool ToBoolean(const Variant& value, const LocaleFacts& locale) {
-  Variant holder;
-  const Variant& plain = Plain(value, holder);
-  if (const auto* same = plain.GetIf<bool>()) return *same;
-  if (const auto* text = plain.GetIf<std::string>()) return BooleanOfText(*text, locale);
-  return DoubleOf(NumberOf(plain, locale)) != 0.0;
-}
-
 std::string ToText(const Variant& value) {
   if (const auto* same = value.GetIf<std::string>()) return *same;
   return ToText(value, CurrentLocale());
@@ -274,7 +221,6 @@ std::int32_t ToInt32(const Variant& value) {
 }
 double ToDouble(const Variant& value) { return ToDouble(value, CurrentLocale()); }
 Date ToDate(const Variant& value) { return ToDate(value, CurrentLocale()); }
-bool ToBoolean(const Variant& value) { return ToBoolean(value, CurrentLocale()); }
 
 std::string ToJoinedText(const Variant& value) {
   Variant holder;

@@ -23,22 +23,16 @@
 namespace sabrel {
 
 [[nodiscard]] std::string ToText(const Variant& value, const LocaleFacts& locale);
-[[nodiscard]] std::uint8_t ToByte(const Variant& value, const LocaleFacts& locale);
 [[nodiscard]] std::int16_t ToInt16(const Variant& value, const LocaleFacts& locale);
 [[nodiscard]] std::int32_t ToInt32(const Variant& value, const LocaleFacts& locale);
-[[nodiscard]] float ToSingle(const Variant& value, const LocaleFacts& locale);
 [[nodiscard]] double ToDouble(const Variant& value, const LocaleFacts& locale);
-[[nodiscard]] Currency ToCurrency(const Variant& value, const LocaleFacts& locale);
-[[nodiscard]] Decimal ToDecimal(const Variant& value, const LocaleFacts& locale);
 [[nodiscard]] Date ToDate(const Variant& value, const LocaleFacts& locale);
-[[nodiscard]] bool ToBoolean(const Variant& value, const LocaleFacts& locale);
 
 [[nodiscard]] std::string ToText(const Variant& value);
 [[nodiscard]] std::int16_t ToInt16(const Variant& value);
 [[nodiscard]] std::int32_t ToInt32(const Variant& value);
 [[nodiscard]] double ToDouble(const Variant& value);
 [[nodiscard]] Date ToDate(const Variant& value);
-[[nodiscard]] bool ToBoolean(const Variant& value);
 
 /// As ToText, but null gives "": the rule of joining texts.
 [[nodiscard]] std::string ToJoinedText(const Variant& value);

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "sabrel/platform/row_block.h"
+#include "sabrel/platform/row_text.h"
 #include "sabrel/platform/variant.h"
 
 namespace sabrel {
@@ -67,7 +68,7 @@ struct RoutineOutcome {
   std::vector<std::optional<Variant>> outputs;
 };
 
-/// Rows for one table in one request; `rows` holds row texts as row_text.h encodes them.
+/// Rows for one table in one request.
 struct RowSet {
   struct Column {
     std::string name;
@@ -75,7 +76,7 @@ struct RowSet {
   };
   std::string table;
   std::vector<Column> columns;
-  std::vector<std::string> rows;
+  RowTexts rows;
 };
 
 class DataLink {

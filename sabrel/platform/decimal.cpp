@@ -144,13 +144,4 @@ std::int64_t Decimal::ToInt64() const {
   return Signed(DivideHalfEven(Joined(high_, low_), PowerOfTen(scale_)), negative_);
 }
 
-Currency Decimal::ToCurrency() const {
-  const Wide value = Joined(high_, low_);
-  const std::int64_t decimals = scale_;
-  const Wide units = decimals <= kCurrencyDecimals
-                         ? value * PowerOfTen(kCurrencyDecimals - decimals)
-                         : DivideHalfEven(value, PowerOfTen(decimals - kCurrencyDecimals));
-  return {Signed(units, negative_)};
-}
-
 }  // namespace sabrel

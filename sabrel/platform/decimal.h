@@ -41,8 +41,6 @@ class Decimal {
   [[nodiscard]] double ToDouble() const;
   /// Rounded to a whole number, halves to even. Errors: 6 outside 64 bits
   [[nodiscard]] std::int64_t ToInt64() const;
-  /// Rounded to four decimals, halves to even. Errors: 6 outside the range of currency
-  [[nodiscard]] Currency ToCurrency() const;
   [[nodiscard]] bool IsZero() const noexcept { return low_ == 0 && high_ == 0; }
 
   friend bool operator==(const Decimal&, const Decimal&) = default;

@@ -12,8 +12,7 @@ namespace sabrel {
 namespace internal {
 
 using StateDeleter = void (*)(void*) noexcept;
-/// Address of this thread's slot for the state with identity `key`; null content when it was not
-/// made yet.
+/// This thread's state with identity `key`; null when it was not made yet.
 void* FindState(const void* key) noexcept;
 void AddState(const void* key, void* state, StateDeleter destroy);
 

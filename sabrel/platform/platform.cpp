@@ -116,12 +116,7 @@ void InstallPlatform(PlatformFactory factory) {
   // The old factory ends here, outside the lock: what it holds may use the component.
 }
 
-bool IsPlatformInstalled() noexcept {
-  if (own_holder != nullptr && own_holder->platform) return true;
-  Process& process = TheProcess();
-  const std::scoped_lock lock(process.mutex);
-  return static_cast<bool>(process.factory);
-}
+void RequirePlatform() { static_cast<void>(CurrentPlatform()); }
 
 const Platform& CurrentPlatform() {
   ThreadHolder& holder = internal::OwnThreadHolder();
@@ -136,7 +131,7 @@ const Platform& CurrentPlatform() {
       throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
                          "Sabrel has no platform: call sabrel::InstallPlatform before first use");
     }
-    Platform made = factory();
+    Platform made = RaisingRuntimeErrors(factory);
     if (!IsComplete(made)) {
       throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
                          "The platform given to sabrel::InstallPlatform leaves a member out");

@@ -5,8 +5,7 @@
 // `UnloadThread`. Members that serve the whole process are shared between the platforms that the
 // factory makes; the Rowlink is the thread's own.
 //
-//   sabrel::InstallPlatform([&] { return sabrel::Platform{rowlink(), services, application,
-//   registry, sheets}; });
+//   InstallPlatform([&] { return Platform{link(), services, application, registry, sheets}; });
 #pragma once
 
 #include <functional>
@@ -37,8 +36,9 @@ void InstallPlatform(PlatformFactory factory);
 /// Errors: 91 naming InstallPlatform when no factory is installed or it leaves a member out
 [[nodiscard]] const Platform& CurrentPlatform();
 
-/// Whether this thread could have a platform: nothing is made.
-[[nodiscard]] bool IsPlatformInstalled() noexcept;
+/// For operations that answer a failure themselves: without a platform there is nothing to answer
+/// with, and nothing to remember. Errors: as CurrentPlatform
+void RequirePlatform();
 
 /// Ends this thread's use of the component: shuts its connections down, destroys its module state,
 /// last made first, its platform last. The next use starts afresh. A thread that exits without it

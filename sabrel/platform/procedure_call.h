@@ -5,8 +5,7 @@
 // parameter and the result position can be read by 0-based index; an in-argument reads as it was
 // appended.
 //
-//   call.ProcedureName("PKG.F"); call.AppendParameter("", "integer", ""); call.AppendParameter("7",
-//   "integer", ""); call.Execute();  Use(call.ParameterValue(0));
+//   call.ProcedureName("PKG.F"); call.AppendParameter("", "integer", ""); Use(call.Execute());
 #pragma once
 
 #include <cstdint>

@@ -145,14 +145,4 @@ Variant Field::Value() const {
   return recordset_->CurrentBlock().Cell(recordset_->row_in_block_, Ordinal());
 }
 
-bool Field::IsNull() const { return Kind() == VariantKind::kNull; }
-
-VariantKind Field::Kind() const {
-  return recordset_->CurrentBlock().CellKind(recordset_->row_in_block_, Ordinal());
-}
-
-std::string_view Field::Text() const {
-  return recordset_->CurrentBlock().CellText(recordset_->row_in_block_, Ordinal());
-}
-
 }  // namespace sabrel

@@ -37,11 +37,6 @@ class Field {
   [[nodiscard]] const std::string& Name() const;
   /// Errors: 3021 when there is no current row, 3704 when the recordset is closed
   [[nodiscard]] Variant Value() const;
-  [[nodiscard]] bool IsNull() const;
-  [[nodiscard]] VariantKind Kind() const;
-  /// The text of a text column without a copy; empty for any other kind; valid until the recordset
-  /// moves.
-  [[nodiscard]] std::string_view Text() const;
 
  private:
   [[nodiscard]] std::size_t Ordinal() const;
@@ -83,10 +78,12 @@ class Recordset {
   [[nodiscard]] std::int32_t RecordCount();
   /// Errors: 3704 when not open
   [[nodiscard]] bool EndOfFile() const;
+  /// A failure to read on leaves the reader where it was, and every later move fails with it again.
+  /// It is then described by the platform's last database error of that time, which may be of
+  /// another statement.
   /// Errors: 3021 at the end, 3704 when not open, the statement's. Cost: none, or one round trip a
   /// block
   void MoveNext();
-  [[nodiscard]] bool IsOpen() const noexcept { return open_; }
   /// Errors: 3704 when not open
   [[nodiscard]] FieldList Fields() const;
   /// Ends the statement and drops the rows. Errors: none
@@ -108,6 +105,8 @@ class Recordset {
   std::size_t rows_read_ = 0;
   bool open_ = false;
 };
+
+using RecordsetRef = std::shared_ptr<Recordset>;
 
 /// Closes a recordset, if there is one, when the scope is left.
 class CloseAtEnd {

@@ -72,10 +72,6 @@ Variant ValueIn(std::string_view raw) {
 
 }  // namespace
 
-VariantKind RowBlock::CellKind(std::size_t row, std::size_t column) const {
-  return static_cast<VariantKind>(Raw(row, column).front());
-}
-
 Variant RowBlock::Cell(std::size_t row, std::size_t column) const {
   const std::string_view raw = Raw(row, column);
   switch (static_cast<VariantKind>(raw.front())) {
@@ -86,12 +82,6 @@ Variant RowBlock::Cell(std::size_t row, std::size_t column) const {
     case VariantKind::kString: return Variant(raw.substr(1));
     default: return Variant(Null{});
   }
-}
-
-std::string_view RowBlock::CellText(std::size_t row, std::size_t column) const {
-  const std::string_view raw = Raw(row, column);
-  return static_cast<VariantKind>(raw.front()) == VariantKind::kString ? raw.substr(1)
-                                                                       : std::string_view();
 }
 
 }  // namespace sabrel

@@ -41,11 +41,7 @@ class RowBlock {
   /// Gives spare capacity back.
   void Pack();
 
-  /// kNull, kInt32, kDouble, kDecimal, kDate or kString.
-  [[nodiscard]] VariantKind CellKind(std::size_t row, std::size_t column) const;
   [[nodiscard]] Variant Cell(std::size_t row, std::size_t column) const;
-  /// The bytes of a text cell; empty for any other kind. Valid while the block lives unchanged.
-  [[nodiscard]] std::string_view CellText(std::size_t row, std::size_t column) const;
 
  private:
   void Start(VariantKind kind);

@@ -11,7 +11,7 @@ void RowSetWriter::DeclareColumn(std::string_view name, std::string_view type_wo
 }
 
 void RowSetWriter::Submit() {
-  for (const std::string& row : rows_.rows) {
+  for (const std::string_view row : rows_.rows) {
     const auto pieces = static_cast<std::size_t>(std::count(row.begin(), row.end(), '|')) + 1;
     if (pieces != rows_.columns.size()) {
       throw RuntimeError(RuntimeErrorNumber::kInvalidCall,

@@ -20,7 +20,7 @@ class RowSetWriter {
   /// `type_word` is "INT" or "STRING".
   void DeclareColumn(std::string_view name, std::string_view type_word);
   /// Takes a row as row_text.h encodes it.
-  void AddRow(std::string row_text) { rows_.rows.push_back(std::move(row_text)); }
+  void AddRow(std::string_view row_text) { rows_.rows.Add(row_text); }
   /// Writes every row or none, also when there is no row. Cost: one round trip
   /// Errors: 5 when a row's number of pieces is not the number of columns, else the server's
   void Submit();

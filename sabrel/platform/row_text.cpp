@@ -1,11 +1,20 @@
 #include "sabrel/platform/row_text.h"
 
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
 #include "sabrel/platform/runtime_error.h"
 
 namespace sabrel {
 namespace {
 
 constexpr std::string_view kNull = "\\N";
+
+/// What a block of rows holds; a longer row has a block of its own.
+constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
+/// Stands before each row's bytes.
+using RowLength = std::uint32_t;
 
 // What follows the backslash in an escape; 0 for a character that needs none.
 char EscapeOf(char c) {
@@ -50,7 +59,9 @@ std::optional<std::string> DecodePiece(std::string_view encoded) {
 
 std::string EncodePiece(std::string_view piece) {
   std::string encoded;
-  encoded.reserve(piece.size());
+  // Exactly: a long text becomes millions of rows.
+  const auto escapes = std::count_if(piece.begin(), piece.end(), EscapeOf);
+  encoded.reserve(piece.size() + static_cast<std::size_t>(escapes));
   for (const char c : piece) {
     if (const char escape = EscapeOf(c)) {
       encoded.push_back('\\');
@@ -72,6 +83,44 @@ std::vector<std::optional<std::string>> DecodeRow(std::string_view row) {
     if (bar == std::string_view::npos) return pieces;
     row.remove_prefix(bar + 1);
   }
+}
+
+void RowTexts::Add(std::string_view row) {
+  if (row.size() > std::numeric_limits<RowLength>::max()) {
+    throw RuntimeError(RuntimeErrorNumber::kOutOfMemory, "A row exceeds 4 GB");
+  }
+  const std::size_t bytes = sizeof(RowLength) + row.size();
+  if (blocks_.empty() || blocks_.back().capacity() - blocks_.back().size() < bytes) {
+    std::string block;
+    block.reserve(std::max(bytes, kBlockBytes));
+    blocks_.push_back(std::move(block));
+  }
+  const auto length = static_cast<RowLength>(row.size());
+  char raw[sizeof(length)];
+  std::memcpy(raw, &length, sizeof(length));
+  blocks_.back().append(raw, sizeof(raw)).append(row);
+  ++size_;
+}
+
+std::string_view RowTexts::const_iterator::operator*() const {
+  RowLength length = 0;
+  std::memcpy(&length, block_->data() + offset_, sizeof(length));
+  return {block_->data() + offset_ + sizeof(length), length};
+}
+
+RowTexts::const_iterator& RowTexts::const_iterator::operator++() {
+  offset_ += sizeof(RowLength) + (**this).size();
+  if (offset_ == block_->size()) {
+    ++block_;
+    offset_ = 0;
+  }
+  return *this;
+}
+
+RowTexts::const_iterator RowTexts::const_iterator::operator++(int) {
+  const const_iterator before = *this;
+  ++*this;
+  return before;
 }
 
 }  // namespace sabrel

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -87,6 +88,18 @@ class RuntimeError : public std::exception {
 
 /// The failure now being handled; to be called inside a `catch` only.
 [[nodiscard]] RuntimeError CurrentFailure();
+
+/// What `work` fails with; nothing when it does not. Callers deal with a failure after it was caught,
+/// so that to host code that runs meanwhile (a message box) there is no current error any more.
+template <class Work>
+[[nodiscard]] std::optional<RuntimeError> FailureIn(Work&& work) {
+  try {
+    std::forward<Work>(work)();
+    return std::nullopt;
+  } catch (...) {
+    return CurrentFailure();
+  }
+}
 
 /// Runs `work`, of which the host's own code is a part: whatever that throws reaches the caller as
 /// a RuntimeError.

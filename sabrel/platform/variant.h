@@ -125,7 +125,4 @@ class Variant {
 
 static_assert(sizeof(Variant) <= 40);
 
-/// English name of a kind, for messages: "32-bit integer", "string".
-[[nodiscard]] std::string_view KindName(VariantKind kind) noexcept;
-
 }  // namespace sabrel

@@ -26,7 +26,7 @@ std::string Quoted(std::string_view s) {
 }
 
 // The number as the locale writes it, then the point in place of the locale's separator.
-std::string PointedNumber(double number, int digits) {
+std::string InvariantNumberText(double number, int digits) {
   const std::string separator = CurrentPlatform().services->Locale().decimal_separator;
   return ReplaceAll(NumberText(number, digits, separator), separator, ".");
 }
@@ -53,7 +53,7 @@ CDBLiteral DBInt(std::int32_t i, std::int32_t iNull) {
 CDBLiteral DBFloat(double i, std::int32_t iNull) {
   const auto sentinel = static_cast<double>(iNull);
   if (!(i < sentinel) && !(i > sentinel)) return CDBLiteral("NULL");
-  return CDBLiteral(PointedNumber(i, kDoubleDigits));
+  return CDBLiteral(InvariantNumberText(i, kDoubleDigits));
 }
 
 CDBLiteral DBDateString(std::string_view sDate, std::string_view sFormat) {
@@ -92,8 +92,8 @@ std::string DBArg(const Variant& v) {
     case VariantKind::kObject: return ObjectArg(v);
     case VariantKind::kNull: return "NULL";
     case VariantKind::kSingle:
-      return PointedNumber(static_cast<double>(v.Get<float>()), kSingleDigits);
-    case VariantKind::kDouble: return PointedNumber(v.Get<double>(), kDoubleDigits);
+      return InvariantNumberText(static_cast<double>(v.Get<float>()), kSingleDigits);
+    case VariantKind::kDouble: return InvariantNumberText(v.Get<double>(), kDoubleDigits);
     case VariantKind::kDate: return DateToDBString(v.Get<Date>()).Value();
     case VariantKind::kString: return DBStr(v.Get<std::string>()).Value();
     case VariantKind::kBoolean: return DBStr(v.Get<bool>() ? "Y" : "N").Value();

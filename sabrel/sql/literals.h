@@ -52,12 +52,12 @@ namespace sabrel::MSabrel {
 /// `sSequence` + ".NEXTVAL"
 [[nodiscard]] CDBLiteral NextInSequence(std::string_view sSequence);
 
-/// The database server's time, to the minute; the zero date when the query fails. Cost: one round
-/// trip
+/// The database server's time, to the minute; the zero date when the query fails.
+/// Errors: 6 or 13 for an answer that is no date. Cost: one round trip
 [[nodiscard]] Date GetCurrentDateTime();
 
 /// The sequence's next value; 0, reported through the assertion service, when the query fails.
-/// Cost: one round trip
+/// Errors: 6 for a value beyond 32 bits; of the assertion. Cost: one round trip
 [[nodiscard]] std::int32_t GetNextInSequence(std::string_view sSequence);
 
 /// One blank before and one after.
@@ -70,8 +70,8 @@ namespace sabrel::MSabrel {
 [[nodiscard]] std::string DBArg(const Variant& v);
 
 /// The values as a comma list, padded. A value whose text is empty vanishes without a comma while
-/// the list is still empty and leaves its comma later: (empty, 7) gives " 7 ", (5, empty) gives "
-/// 5, ". Errors: as DBArg
+/// the list is still empty and leaves its comma later: (empty, 7) gives " 7 " and (5, empty)
+/// gives " 5, ". Errors: as DBArg
 [[nodiscard]] std::string DBArgs(std::span<const Variant> vArgs);
 
 /// Pairs of column name and value as an assignment list, padded: " NAME = 'abc',AGE = 5 ". An odd

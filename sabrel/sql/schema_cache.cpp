@@ -1,27 +1,16 @@
 #include "sabrel/sql/schema_cache.h"
 
-#include <charconv>
-
 #include "sabrel/core/query_execution.h"
 #include "sabrel/platform/utf8.h"
 #include "sabrel/sql/literals.h"
 
 namespace sabrel {
 
-void CTablesExist::MakeKey(std::string& key, std::string_view table, std::string_view field,
-                           std::string_view server, std::int32_t port) {
+void internal::MakeKey(std::string& key, std::string_view table, std::string_view field,
+                       std::string_view server, std::int32_t port) {
   key.assign(table);
-  if (!field.empty()) {
-    key += '.';
-    key += field;
-  }
-  if (server.empty()) return;
-  char digits[12];
-  const auto end = std::to_chars(std::begin(digits), std::end(digits), port).ptr;
-  key += ':';
-  key += server;
-  key += ':';
-  key.append(digits, end);
+  if (!field.empty()) key.append(1, '.').append(field);
+  AppendServer(key, server, port);
 }
 
 CTablesExist::Entry CTablesExist::Add(std::string_view TableName, bool Exists,
@@ -35,14 +24,9 @@ CTablesExist::Entry CTablesExist::Add(std::string_view TableName, bool Exists,
   entry->PortId(PortId);
   entry->TimeOut(TimeOut);
   std::string key;
-  MakeKey(key, TableName, FieldName, ServerName, PortId);
+  internal::MakeKey(key, TableName, FieldName, ServerName, PortId);
   entries_.Add(entry, key);
   return entry;
-}
-
-CTablesExist::Entry CTablesExist::Item(std::string_view key) const noexcept {
-  const Entry* entry = entries_.Find(key);
-  return entry == nullptr ? nullptr : *entry;
 }
 
 std::int32_t CColumnLengthCache::ColumnLength(std::string_view sTable, std::string_view sColumn) {

@@ -1,4 +1,12 @@
 // Remembered answers about the schema: what exists, how wide columns are.
+//
+// For hosts that keep answers of their own. The caches behind DoesTableExist, DBColumnLength and
+// the like are each thread's and stay inside; an instance that a host makes starts empty and never
+// sees them, nor do they see it.
+//
+//   CTablesExist known;
+//   known.Add("PM_EMAIL", true, "", "hostA", 5001, 60);
+//   const bool exists = known.Item("pm_email:hosta:5001")->Exists();
 #pragma once
 
 #include <cstdint>
@@ -8,7 +16,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "sabrel/platform/keyed_collection.h"
+#include "sabrel/sql/answer_cache.h"
 
 namespace sabrel {
 
@@ -38,42 +46,30 @@ class CTableExists {
   bool exists_ = false;
 };
 
-/// Remembered answers in the order of asking, under keys that ignore case:
-/// `table[.field][:server:port]`, the server part only where there is a server. A procedure
-/// therefore shares the entry of a column with the same names.
-class CTablesExist {
+/// Remembered answers under keys `table[.field][:server:port]`, the server part only where there is
+/// a server. A procedure therefore shares the entry of a column with the same names.
+class CTablesExist : public AnswerCache<CTableExists> {
  public:
-  using Entry = std::shared_ptr<CTableExists>;
-
-  /// Writes the key of an answer over `key`.
-  static void MakeKey(std::string& key, std::string_view table, std::string_view field,
-                      std::string_view server, std::int32_t port);
-
   /// Errors: 457 when there is an entry under that key
   Entry Add(std::string_view TableName, bool Exists, std::string_view FieldName,
             std::string_view ServerName, std::int32_t PortId, std::int32_t TimeOut);
-  /// Null when there is none. Cost: O(1), no allocation
-  [[nodiscard]] Entry Item(std::string_view key) const noexcept;
-  /// Errors: 9
-  [[nodiscard]] Entry Item(std::int32_t position) const { return entries_.Item(position); }
-  [[nodiscard]] std::int32_t Count() const noexcept { return entries_.Count(); }
-  /// Errors: 5 for a missing key, 9 for a position out of range
-  void Remove(std::string_view key) { entries_.Remove(key); }
-  void Remove(std::int32_t position) { entries_.Remove(position); }
-  [[nodiscard]] auto begin() const noexcept { return entries_.begin(); }
-  [[nodiscard]] auto end() const noexcept { return entries_.end(); }
-
- private:
-  KeyedCollection<Entry> entries_;
 };
+
+namespace internal {
+
+/// Writes over `key` the key of an answer in a CTablesExist.
+void MakeKey(std::string& key, std::string_view table, std::string_view field,
+             std::string_view server, std::int32_t port);
+
+}  // namespace internal
 
 /// Lengths of columns by table and column, case ignored. A length is asked of the database until it
 /// is known.
 class CColumnLengthCache {
  public:
   /// 0 or less when the database does not know it either; that is not remembered.
-  /// Cost: none once known, without allocation; else one round trip. Errors: of converting the
-  /// answer
+  /// Cost: none once known, without allocation; else one round trip. Errors: 6 or
+  /// 13 for no length
   [[nodiscard]] std::int32_t ColumnLength(std::string_view sTable, std::string_view sColumn);
   void Clear() noexcept { lengths_.clear(); }
 

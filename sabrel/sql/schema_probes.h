@@ -2,9 +2,9 @@
 //
 // Answers about tables, columns and procedures are remembered per thread, false ones and those of
 // failed queries included, until ResetExistingTables; a general object is asked for every time.
-// Names go into the statements in upper case and unescaped; a name with a quote makes a failing
-// query and thus the answer false. Failures are captured in the error object and traced, never
-// raised.
+// Names go into the statements unescaped: a quote makes a failing query and thus the answer false.
+// The Does... probes send names in upper case, capture and trace a failure and raise none but 91
+// without a platform; the measures below them raise what their contracts say.
 #pragma once
 
 #include <cstdint>
@@ -33,16 +33,17 @@ namespace sabrel::MSabrel {
                                      std::string_view sPasswordA = {}, std::int32_t nTimeOutA = 0);
 
 /// Number of a procedure's arguments; names as the dictionary has them (upper case). 0 after any
-/// failure. Cost: one round trip. Errors: none
+/// failure, which is not captured. Cost: one round trip. Errors: 91 without a platform
 [[nodiscard]] std::int16_t GetProcedureLength(std::string_view sPackage,
                                               std::string_view sProcedure);
 
 /// A column's length in characters, remembered once it is greater than 0; 0 when the query fails.
+/// Names are sent in lower case, quotes doubled. Errors: 6 or 13 for no length
 /// Cost: none once known, without allocation; else one round trip
 [[nodiscard]] std::int32_t DBColumnLength(std::string_view sTable, std::string_view sColumn);
 
 /// Characters of the longest module name; 15 when the query fails. Cost: one round trip each time
-/// Errors: 94 when there is no module
+/// Errors: 94 when there is no module, 6 or 13 for no length
 [[nodiscard]] std::int32_t ModuleNameMaxLength();
 
 /// Forgets what exists; lengths stay.

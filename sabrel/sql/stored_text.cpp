@@ -1,6 +1,7 @@
 #include "sabrel/sql/stored_text.h"
 
 #include "sabrel/core/query_execution.h"
+#include "sabrel/core/trace.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/module_state.h"
 #include "sabrel/platform/platform.h"
@@ -86,8 +87,11 @@ std::string CDBString::SelectText() const {
 
 void CDBString::Load(std::int32_t ordString) {
   if (ordString > 0) id_ = ordString;
-  if (!IsValid()) return;
-  const MSabrel::RecordsetRef rows = MSabrel::ExecuteQuery(SelectText());
+  if (IsValid()) RaisingRuntimeErrors([&] { ReadRows(); });
+}
+
+void CDBString::ReadRows() {
+  const RecordsetRef rows = MSabrel::ExecuteQuery(SelectText());
   const CloseAtEnd closing(rows);
   text_->Clear();
   for (Recordset& row = Deref(rows); !row.EndOfFile(); row.MoveNext()) {
@@ -95,8 +99,7 @@ void CDBString::Load(std::int32_t ordString) {
     if (use_row_as_line_) text_->Append(row_delimiter_);
   }
   rows->Close();
-  const auto services = CurrentPlatform().services;
-  if (services->TraceSwitch()) services->WriteTrace(Text());
+  MSabrel::TraceWhenOn([&] { return Text(); });
 }
 
 void CDBString::Save(std::int32_t ordString) {
@@ -105,44 +108,52 @@ void CDBString::Save(std::int32_t ordString) {
 }
 
 void CDBString::Create() {
-  id_ = MSabrel::GetNextInSequence("PM_StringTable_SQ");
-  WriteRows();
+  RaisingRuntimeErrors([&] {
+    id_ = MSabrel::GetNextInSequence("PM_StringTable_SQ");
+    WriteRows(id_);
+  });
 }
 
 void CDBString::Update() {
   if (!IsValid()) return;
-  DeleteRows(id_);
-  WriteRows();
+  RaisingRuntimeErrors([&, id = id_] {
+    DeleteRows(id);
+    WriteRows(id);
+  });
 }
 
 void CDBString::Delete() {
-  if (IsValid()) DeleteRows(id_);
+  if (IsValid()) RaisingRuntimeErrors([&] { DeleteRows(id_); });
 }
 
-void CDBString::WriteRows() const {
-  const auto held = text_;  // a box on the way may give this object another text
-  const std::string_view text = held->Text();
-  const std::int64_t length = held->Length();
-  if (length == 0) return InsertRow(id_, 1, {});
+// The host's code runs while statements go out, and may give this object another text, Id or mode.
+void CDBString::WriteRows(std::int32_t id) const {
+  if (text_->Text().empty()) return InsertRow(id, 1, {});
   const std::int32_t chunk = ChunkSize();
-  if (use_row_as_line_) return WriteLines(text, chunk);
+  if (use_row_as_line_) return WriteLines(id, text_->Text(), row_delimiter_, chunk);
   if (chunk == 0) throw RuntimeError(RuntimeErrorNumber::kDivisionByZero);
+  const std::int64_t length = text_->Length();
   const std::int64_t pieces = (length - 1) / chunk + 1;
-  pieces <= kMostInserts ? InsertPieces(text, length, chunk) : WritePieces(text, chunk);
+  pieces <= kMostInserts ? InsertPieces(id, text_->Text(), length, chunk)
+                         : WritePieces(id, text_->Text(), chunk);
 }
 
-void CDBString::InsertPieces(std::string_view text, std::int64_t length, std::int32_t chunk) const {
+void CDBString::InsertPieces(std::int32_t id, const std::string& text, std::int64_t length,
+                             std::int32_t chunk) {
+  const std::string own = text;
+  std::string_view rest = own;
   std::int32_t ordinal = 1;
   for (; length > chunk; length -= chunk) {
-    const std::string_view piece = FirstCharacters(text, chunk);
-    InsertRow(id_, ordinal++, piece);
-    text.remove_prefix(piece.size());
+    const std::string_view piece = FirstCharacters(rest, chunk);
+    InsertRow(id, ordinal++, piece);
+    rest.remove_prefix(piece.size());
   }
-  InsertRow(id_, ordinal, text);
+  InsertRow(id, ordinal, rest);
 }
 
-void CDBString::WritePieces(std::string_view text, std::int32_t chunk) const {
-  RowSetOfText rows(id_);
+// Nothing of the host runs before all rows are gathered.
+void CDBString::WritePieces(std::int32_t id, std::string_view text, std::int32_t chunk) {
+  RowSetOfText rows(id);
   for (std::int32_t ordinal = 1; !text.empty(); ++ordinal) {
     const std::string_view piece = FirstCharacters(text, chunk);
     rows.Add(ordinal, piece);
@@ -151,18 +162,19 @@ void CDBString::WritePieces(std::string_view text, std::int32_t chunk) const {
   rows.Submit();
 }
 
-void CDBString::WriteLines(std::string_view text, std::int32_t chunk) const {
-  RowSetOfText rows(id_);
+void CDBString::WriteLines(std::int32_t id, std::string_view text, std::string_view delimiter,
+                           std::int32_t chunk) {
+  RowSetOfText rows(id);
   std::int32_t ordinal = 1;
   const auto add = [&](std::string_view line) {
     if (!line.empty()) rows.Add(ordinal, FirstCharacters(line, chunk));
   };
   const auto next = [&] {
-    return row_delimiter_.empty() ? std::string_view::npos : text.find(row_delimiter_);
+    return delimiter.empty() ? std::string_view::npos : text.find(delimiter);
   };
   for (std::size_t at = next(); at != std::string_view::npos; at = next()) {
     add(text.substr(0, at));
-    text.remove_prefix(at + row_delimiter_.size());
+    text.remove_prefix(at + delimiter.size());
     ++ordinal;
   }
   // A last line without a delimiter has always been stored one character short; hosts know.
@@ -187,10 +199,10 @@ std::string CDBString::ExecuteXMLQuery(std::int32_t ordString, const NamedValues
 namespace GDBString {
 namespace {
 
-CDBString WithSettings(bool fUseRowAsLine, std::string_view sRowDelimiter) {
-  CDBString text;
-  text.UseRowAsLine(fUseRowAsLine);
-  text.RowDelimiter(sRowDelimiter);
+std::shared_ptr<CDBString> WithSettings(bool fUseRowAsLine, std::string_view sRowDelimiter) {
+  auto text = std::make_shared<CDBString>();
+  text->UseRowAsLine(fUseRowAsLine);
+  text->RowDelimiter(sRowDelimiter);
   return text;
 }
 
@@ -198,31 +210,31 @@ CDBString WithSettings(bool fUseRowAsLine, std::string_view sRowDelimiter) {
 
 std::shared_ptr<CDBString> DBString(const TextStringRef& sText, std::int32_t ord,
                                     bool fUseRowAsLine, std::string_view sRowDelimiter) {
-  auto text = std::make_shared<CDBString>(WithSettings(fUseRowAsLine, sRowDelimiter));
+  auto text = WithSettings(fUseRowAsLine, sRowDelimiter);
   text->TextString(sText);
   text->Id(ord);
   return text;
 }
 
 std::int32_t CreateDBString(std::string sText, bool fUseRowAsLine, std::string_view sRowDelimiter) {
-  CDBString text = WithSettings(fUseRowAsLine, sRowDelimiter);
-  text.Text(std::move(sText));
-  text.Create();
-  return text.Id();
+  const auto text = WithSettings(fUseRowAsLine, sRowDelimiter);
+  text->Text(std::move(sText));
+  text->Create();
+  return text->Id();
 }
 
 void UpdateDBString(std::int32_t ordString, std::string sText, bool fUseRowAsLine,
                     std::string_view sRowDelimiter) {
-  CDBString text = WithSettings(fUseRowAsLine, sRowDelimiter);
-  text.Text(std::move(sText));
-  text.Save(ordString);
+  const auto text = WithSettings(fUseRowAsLine, sRowDelimiter);
+  text->Text(std::move(sText));
+  text->Save(ordString);
 }
 
 TextStringRef LoadDBString(std::int32_t ordString, bool fUseRowAsLine,
                            std::string_view sRowDelimiter) {
-  CDBString text = WithSettings(fUseRowAsLine, sRowDelimiter);
-  text.Load(ordString);
-  return text.TextString();
+  const auto text = WithSettings(fUseRowAsLine, sRowDelimiter);
+  text->Load(ordString);
+  return text->TextString();
 }
 
 }  // namespace GDBString

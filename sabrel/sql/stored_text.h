@@ -24,6 +24,10 @@ using TextStringRef = std::shared_ptr<TextString>;
 
 class CDBString {
  public:
+  CDBString() = default;
+  CDBString(const CDBString&) = delete;  // a copy would share the text
+  CDBString& operator=(const CDBString&) = delete;
+
   /// In PM_StringTable; below 1 there are no rows.
   [[nodiscard]] std::int32_t Id() const noexcept { return id_; }
   void Id(std::int32_t value) noexcept { id_ = value; }
@@ -49,28 +53,35 @@ class CDBString {
   // An `ordString` above 0 becomes the Id first.
 
   /// Reads the text; nothing happens below Id 1. Without rows the text is empty.
-  /// Errors: 91 when the query fails, the text being empty then. Cost: one round trip
+  /// Errors: 91 when the query fails, the text being empty then; the server's on the way, the text
+  /// holding what was read so far. Cost: one round trip
   void Load(std::int32_t ordString = 0);
-  /// Replaces the rows, or makes the text below Id 1. Errors: of the requests; 11 when the length
-  /// of the column cannot be learned. Cost: two to eleven round trips, one more once a thread
+  /// Replaces the rows, or makes the text below Id 1. When a later step fails the old rows are
+  /// gone. Errors: of the requests; 11 when the length of the column cannot be learned (in line
+  /// mode the lines are stored empty then). Cost: two to eleven round trips, one more once a thread
   void Save(std::int32_t ordString = 0);
-  /// Draws a new Id, 0 when that fails, and writes the rows.
+  /// Draws a new Id, 0 when that fails, and writes the rows. Errors and cost: as Save
   void Create();
-  /// Replaces the rows; nothing happens below Id 1.
+  /// Replaces the rows; nothing happens below Id 1. Errors and cost: as Save
   void Update();
-  /// Deletes the rows; nothing happens below Id 1. Id and text stay.
+  /// Deletes the rows; nothing happens below Id 1. Id and text stay. Errors: of the request. Cost:
+  /// one round trip
   void Delete();
 
   /// Asks for the text's select statement in an XML envelope: "" below Id 1. The envelope takes the
-  /// place of an Id, which it cannot be: fails for every other. Errors: 13. Cost: no round trip
+  /// place of an Id, which it cannot be: always fails from Id 1 on. Errors: 13; 91 for a value that
+  /// is no object. Cost: no round trip
   std::string ExecuteXMLQuery(std::int32_t ordString = 0,
                               const NamedValues* nmvsArguments = nullptr);
 
  private:
-  void WriteRows() const;
-  void InsertPieces(std::string_view text, std::int64_t length, std::int32_t chunk) const;
-  void WritePieces(std::string_view text, std::int32_t chunk) const;
-  void WriteLines(std::string_view text, std::int32_t chunk) const;
+  void ReadRows();
+  void WriteRows(std::int32_t id) const;
+  static void InsertPieces(std::int32_t id, const std::string& text, std::int64_t length,
+                           std::int32_t chunk);
+  static void WritePieces(std::int32_t id, std::string_view text, std::int32_t chunk);
+  static void WriteLines(std::int32_t id, std::string_view text, std::string_view delimiter,
+                         std::int32_t chunk);
   [[nodiscard]] std::string SelectText() const;
 
   std::int32_t id_ = 0;

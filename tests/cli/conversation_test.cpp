@@ -144,7 +144,7 @@ TEST(Record, OfTheProgramCanBeReplayed) {
   ASSERT_TRUE(rows);
   EXPECT_EQ(entries[0].statement, sql);
   EXPECT_EQ(rows->RecordCount(), std::count(outcome.out.begin(), outcome.out.end(), '\n') - 1);
-  EXPECT_EQ(rows->Fields().Item("CHANGED").Kind(), VariantKind::kDate);
+  EXPECT_EQ(rows->Fields().Item("CHANGED").Value().kind(), VariantKind::kDate);
   EXPECT_THROW(GSabrel::ExecuteRequest(entries[1].statement), RuntimeError);
   EXPECT_EQ(GSabrel::SabrelErrorObject()->DBErrorType(), dbeUniqueConstraintViolated);
 }

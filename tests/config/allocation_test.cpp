@@ -31,8 +31,9 @@ TEST(RememberedAnswers, AreFoundWithoutAllocation) {
     static_cast<void>(GSabrel::DoesThisProcedureExist(long_name, "P"));
     static_cast<void>(GSabrel::SystemValueExists(long_name, long_name, "host", 5000));
     static_cast<void>(GSabrel::DBColumnLength(long_name, long_name));
+    static_cast<void>(GFeatureManager::FeatureManager()->IsFeatureEnabled(long_name));
   };
-  for (int i = 0; i < 5; ++i) platform.Answer(testing::Rows{{"C"}, {{Variant(1)}}});
+  for (int i = 0; i < 6; ++i) platform.Answer(testing::Rows{{"C"}, {{Variant(1)}}});
   ask();
   static_cast<void>(platform.Conversation());
   const std::size_t before = allocations;

@@ -65,68 +65,91 @@ TEST_F(Features, TheSwitchTableDecidesWhereThereIsOne) {
 }
 
 TEST_F(Features, AnOlderSiteIsProbedRuleByRule) {
-  // Only the rule whose number is `found` finds what it looks for; 0 for none, -1 for all.
-  const auto derive = [&](int found) {
+  const std::string category =
+      "SELECT c.Category_Id FROM PM_GROUPS g, PM_GROUP_CATEGORIES gc, PM_CATEGORIES c WHERE "
+      "g.Group_Active = 'Y' AND g.Group_ID = gc.Group_ID AND c.Category_ID = gc.Category_ID AND "
+      "c.Category_Active = 'Y' AND c.CategoryFunction = ";
+  const std::string group =
+      "SELECT Group_Id FROM PM_Groups WHERE Group_Active = 'Y' AND Group_Name = ";
+  const std::string tool = "SELECT * FROM PM_Tools WHERE Tool_Name = ";
+  const std::string tab =
+      "SELECT a.TabName, a.TabLabel, c.App_Name, b.Control_Name FROM PM_APP_TABS a, PM_TABS b, "
+      "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID = "
+      "b.Tab_ID AND b.Control_Name = ";
+  const std::string job_type = "SELECT *  FROM Job_Type  WHERE Description = ";
+  const std::string table = "SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = ";
+  const struct {
+    const std::string& probe;
+    const char* argument;
+    const char* feature;
+  } rules[] = {
+      {table, "PM_FEATURE_CHANGES", ""},
+      {category, "ChanSetPlanCategory", "Channel_Set_Plans_Category"},
+      {category, "ConfidenceRptCategory", "Confidence_Reports_Category"},
+      {category, "CfgTemplateCategory", "Config_Reports_Categories"},
+      {category, "ASCIIDataSourcesCategory", "DataSources_Categories"},
+      {table, "PM_NOTE", "Notes_Category"},
+      {group, "CPFail", "CPFail_Group"},
+      {group, "EVDOPCMD", "EVDO_PCMD_Group"},
+      {group, "DOCPFail", "DOCPFail_Group"},
+      {group, "External", "External_Group"},
+      {group, "Graph", "Graph_Group"},
+      {group, "Map", "Map_Group"},
+      {group, "PCMD", "PCMD_Group"},
+      {group, "SES", "SES_Group"},
+      {group, "Soft Alarms", "Soft_Alarms_Group"},
+      {group, "UDR", "UDR_Group"},
+      {tool, "ServiceGradeKit.CToolEntry_ServiceGrade", "Grade_of_Service_Defaults_Tool"},
+      {tool, "FutureImpactKit.CToolEntry_FutureImpact", "Impact_of_Future_Features_Tool"},
+      {tool, "CapacityCalcKit.CToolEntry_CapacityCalc", "Engineered_Capacity_Calculator_Tool"},
+      {tool, "DailyNoticeKit.CToolEntry_DailyNotice", "Message_of_the_Day_Tool"},
+      {tab, "ReportPanes.XExpressReportPane", "Express_Reports"},
+      {tab, "EventPanes.XSnmpEventPane", "EN_SNMP_Support"},
+      {tab, "OptionPanes.XHelpFilesPane", "Help_Files_OptionsTab"},
+      {job_type, "Aggregator", "Aggregator_Job_Type"},
+      {table, "ZR_LOCALES", "Time_Zone_Scheduling"},
+  };
+  // Each time one rule alone finds what it looks for; at last all do.
+  std::string all;
+  for (std::size_t found = 1; found <= std::size(rules); ++found) {
     UnloadThread();
     static_cast<void>(platform.Conversation());
-    platform.Answer(Count(0));
-    for (int rule = 1; rule <= 24; ++rule) {
-      const bool finds = found == rule || found < 0;
-      const bool table =
-          kFeatureRules[static_cast<std::size_t>(rule) - 1].probe == FeatureProbe::kTable;
-      platform.Answer(table ? Count(finds ? 1 : 0) : finds ? Found() : Nothing());
+    std::string statements;
+    for (std::size_t i = 0; i < std::size(rules); ++i) {
+      const bool finds = i > 0 && (i == found || found == std::size(rules));
+      platform.Answer(&rules[i].probe == &table ? Count(finds ? 1 : 0)
+                      : finds                   ? Found()
+                                                : Nothing());
+      statements += "query [" + rules[i].probe + "'" + rules[i].argument +
+                    "'] host= port=0 user= "
+                    "password= timeout=" +
+                    (&rules[i].probe == &table ? "0" : "60") + "\n";
     }
-    return Enabled(*GFeatureManager::FeatureManager());
-  };
-  EXPECT_EQ(derive(0), "");
-  const std::string told = platform.Conversation();
-  std::size_t at = 0;
-  for (const char* statement :
-       {"'PM_FEATURE_CHANGES'",
-        "[SELECT c.Category_Id FROM PM_GROUPS g, PM_GROUP_CATEGORIES gc, PM_CATEGORIES c WHERE "
-        "g.Group_Active = 'Y' AND g.Group_ID = gc.Group_ID AND c.Category_ID = gc.Category_ID AND "
-        "c.Category_Active = 'Y' AND c.CategoryFunction = 'ChanSetPlanCategory'] host= port=0 "
-        "user= "
-        "password= timeout=60\n",
-        "= 'ConfidenceRptCategory']",
-        "= 'CfgTemplateCategory']",
-        "= 'ASCIIDataSourcesCategory']",
-        "'PM_NOTE'",
-        "[SELECT Group_Id FROM PM_Groups WHERE Group_Active = 'Y' AND Group_Name = 'CPFail']",
-        "'EVDOPCMD']",
-        "'DOCPFail']",
-        "'External']",
-        "'Graph']",
-        "'Map']",
-        "'PCMD']",
-        "'SES']",
-        "'Soft Alarms']",
-        "'UDR']",
-        "[SELECT * FROM PM_Tools WHERE Tool_Name = 'ServiceGradeKit.CToolEntry_ServiceGrade']",
-        "'FutureImpactKit.CToolEntry_FutureImpact']",
-        "'CapacityCalcKit.CToolEntry_CapacityCalc']",
-        "'DailyNoticeKit.CToolEntry_DailyNotice']",
-        "[SELECT a.TabName, a.TabLabel, c.App_Name, b.Control_Name FROM PM_APP_TABS a, PM_TABS b, "
-        "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID "
-        "= b.Tab_ID AND b.Control_Name = 'ReportPanes.XExpressReportPane']",
-        "'EventPanes.XSnmpEventPane']",
-        "'OptionPanes.XHelpFilesPane']",
-        "[SELECT *  FROM Job_Type  WHERE Description = 'Aggregator']",
-        "'ZR_LOCALES'"}) {
-    at = told.find(statement, at);
-    ASSERT_NE(at, std::string::npos) << statement;
+    const auto manager = GFeatureManager::FeatureManager();
+    std::string sent;
+    const std::string told = platform.Conversation();
+    for (std::size_t at = told.find("query ["); at != std::string::npos;) {
+      const std::size_t end = told.find("\n", told.find("timeout=", at)) + 1;
+      sent += told.substr(at, end - at);
+      at = told.find("query [", end);
+    }
+    EXPECT_EQ(sent, statements);
+    const std::string feature = found < std::size(rules) ? rules[found].feature : "";
+    all += feature.empty() ? "" : feature + " ";
+    EXPECT_EQ(Enabled(*manager), feature.empty() ? all : feature + " ");
   }
-  for (int rule = 1; rule <= 24; ++rule) {
-    EXPECT_EQ(derive(rule),
-              std::string(kFeatureRules[static_cast<std::size_t>(rule) - 1].feature) + " ");
-  }
-  EXPECT_EQ(derive(-1),
-            "Channel_Set_Plans_Category Confidence_Reports_Category Config_Reports_Categories "
-            "DataSources_Categories Notes_Category CPFail_Group EVDO_PCMD_Group DOCPFail_Group "
-            "External_Group Graph_Group Map_Group PCMD_Group SES_Group Soft_Alarms_Group UDR_Group "
-            "Grade_of_Service_Defaults_Tool Impact_of_Future_Features_Tool "
-            "Engineered_Capacity_Calculator_Tool Message_of_the_Day_Tool Express_Reports "
-            "EN_SNMP_Support Help_Files_OptionsTab Aggregator_Job_Type Time_Zone_Scheduling ");
+}
+
+TEST_F(Features, ThereAreTwentyNineToSwitchOn) {
+  const std::vector<std::string> without_rule = {"Flexible_Start_Of_Week", "FlexibleAggregation",
+                                                 "Show_Check_Data_Availability", "Html_Help",
+                                                 "ENABLE_SOFTALARM_ID"};
+  std::vector<Variant> names;
+  for (const std::string& name : without_rule) names.emplace_back(name);
+  AnswerSwitches(names);
+  const auto manager = GFeatureManager::FeatureManager();
+  for (const std::string& name : without_rule) EXPECT_TRUE(manager->IsFeatureEnabled(name)) << name;
+  EXPECT_EQ(kFeatureNames.size(), 29U);
 }
 
 TEST_F(Features, AProbeThatFailsDoesNotEndTheDerivation) {
@@ -146,6 +169,14 @@ TEST_F(Features, TheSharedManagerIsKeptWhenItCannotBeFilled) {
   EXPECT_EQ(platform.Conversation(), "");
 }
 
+// Only the component fills a descriptor.
+template <class Connection>
+concept Settable = requires(Connection c) {
+  c.SesEnabled(true);
+}
+|| requires(Connection c, ProfileRef p) { c.Profile(p); };
+static_assert(!Settable<CConnection>);
+
 std::string Flags(const CConnection& c) {
   return std::string(c.IsEnterpriseServer() ? "E" : "-") + (c.SesEnabled() ? "S" : "-") +
          (c.SoftAlarmsEnabled() ? "A" : "-") + (c.AggregatorEnabled() ? "G" : "-") +
@@ -163,19 +194,25 @@ TEST_F(Features, ADescriptorOwnsItsProfileAndReadsItsFlags) {
   EXPECT_EQ(Flags(*connection), "-----");
   EXPECT_EQ(platform.Conversation(), "");
 
-  platform.Answer(
-      Rows{{"Property", "Value"}, {{Variant("ProductType"), Variant("enterprise SERVER")}}});
-  AnswerSwitches({Variant("SES_Group"), Variant("PCMD_Group"), Variant("Soft_Alarms_Group"),
-                  Variant("Aggregator_Job_Type")});
-  EXPECT_TRUE(connection->InitializeConnectionFeatures());
-  EXPECT_EQ(Flags(*connection), "ESAGP");
-  static_cast<void>(platform.Conversation());
-  const auto copy = GSabrel::CopyConnection(connection);
-  EXPECT_EQ(Flags(*copy), "ESAGP");
-  EXPECT_EQ(copy->MachineName(), Variant("Zürich"));
-  EXPECT_EQ(*copy->Profile(), given);
-  EXPECT_NE(copy->Profile(), connection->Profile());
-  EXPECT_EQ(platform.Conversation(), "") << "copying asks nobody";
+  const std::pair<const char*, const char*> flags[] = {{"SES_Group", "ES---"},
+                                                       {"Soft_Alarms_Group", "E-A--"},
+                                                       {"Aggregator_Job_Type", "E--G-"},
+                                                       {"PCMD_Group", "E---P"}};
+  for (const auto& [feature, shown] : flags) {
+    UnloadThread();
+    platform.Answer(
+        Rows{{"Property", "Value"}, {{Variant("ProductType"), Variant("enterprise SERVER")}}});
+    AnswerSwitches({Variant(feature)});
+    EXPECT_TRUE(connection->InitializeConnectionFeatures());
+    static_cast<void>(platform.Conversation());
+    const auto copy = GSabrel::CopyConnection(connection);
+    EXPECT_EQ(Flags(*connection) + Flags(*copy), std::string(shown) + shown);
+    EXPECT_EQ(copy->MachineName(), Variant("Zürich"));
+    EXPECT_EQ(copy->DestPath(), Variant("C:\\path"));
+    EXPECT_EQ(*copy->Profile(), given);
+    EXPECT_NE(copy->Profile(), connection->Profile());
+    EXPECT_EQ(platform.Conversation(), "") << "copying asks nobody";
+  }
 
   const auto bare = std::make_shared<CConnection>();
   EXPECT_EQ(bare->Profile(), nullptr);

@@ -96,6 +96,34 @@ TEST_F(SystemValues, AHostMayMeddleWhileItIsAsked) {
   }
 }
 
+TEST_F(SystemValues, OnlyTheHostsOwnAnswerStandsForAQuestion) {
+  const auto ask = [] { return SystemValueExists("X", "1"); };
+  for (const std::int32_t failure : {0, 1234}) {
+    bool exists = false;
+    platform.on_box = [&] {
+      platform.Answer(Count(Variant(1)));
+      static_cast<void>(ask());
+      platform.FailAtCall(failure == 0 ? 0 : 1, failure);  // the log line after the box
+    };
+    platform.Answer(Refuse(942));
+    EXPECT_EQ(NumberOf([&] { return exists = ask(); }), failure);
+    EXPECT_EQ(exists, failure == 0);
+    UnloadThread();
+  }
+}
+
+TEST_F(SystemValues, NothingIsAnsweredWithoutAPlatform) {
+  UnloadThread();
+  InstallPlatform({});
+  const std::function<void()> operations[] = {
+      GetNHighAttemptsValue, LoadOtherInfo, [] { static_cast<void>(EmailEnabled()); },
+      [] { static_cast<void>(GetProcedureLength("P", "F")); }};
+  for (const auto& operation : operations) {
+    EXPECT_EQ(NumberOf([&] { return operation(), 0; }), 91) << &operation - operations;
+  }
+  EXPECT_EQ(NHighAttemptsEnabled(), "");
+}
+
 TEST_F(SystemValues, ACollectionFindsAndCopiesItsEntries) {
   CSystemValues values;
   for (const auto& [name, value, host, port] :
@@ -213,6 +241,11 @@ TEST_F(SystemValues, EmailNeedsATableAndAMailClient) {
   ResetExistingTables();
   platform.Answer(Count(Variant(1)));
   EXPECT_FALSE(EmailEnabled());
+  UnloadThread();
+  platform.trace = true;
+  platform.on_trace = UnloadThread;
+  platform.Answer(Count(Variant(1)));
+  EXPECT_TRUE(EmailEnabled()) << "the probe ends what is known";
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ TEST_P(Contract, ALargeResultIsReadInBlocksWhileOtherStatementsRun) {
       EXPECT_EQ(Execute("INSERT INTO NO_SUCH (X) VALUES (1)").native, 942);
       session->ShutDown();
     }
-    ASSERT_EQ(rows->Fields().Item("StringData").Text().size(), 3000U);
+    ASSERT_EQ(rows->Fields().Item("StringData").Value().Get<std::string>().size(), 3000U);
   }
   EXPECT_EQ(read, 3600);
   EXPECT_EQ(Value("SELECT COUNT(*) FROM PM_StringTable WHERE Id = 12"), Variant(1));

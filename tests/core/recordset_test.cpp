@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "sabrel/platform/row_text.h"
 #include "sabrel/platform/utf8.h"
 #include "tests/platform/failures.h"
@@ -44,7 +46,7 @@ TEST_F(Records, KeepEveryKindOfCell) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       EXPECT_EQ(records->Fields().Item(static_cast<std::int32_t>(i)).Value(), cells[i]) << i;
     }
-    EXPECT_EQ(records->Fields().Item("f").Text(), "\u00E4|'");
+    EXPECT_EQ(records->Fields().Item("f").Value(), cells[5]);
   }
 }
 
@@ -138,10 +140,34 @@ TEST_F(Records, PiecesOfARowSetComeOutAsTheyWentIn) {
     const std::vector<std::optional<std::string>> expected = {piece, std::nullopt, "x"};
     EXPECT_EQ(DecodeRow(row), expected) << piece;
     EXPECT_EQ(row.find_first_of("\r\n"), std::string::npos);
+    EXPECT_EQ(EncodePiece(std::string(100, 'x') + piece).capacity(),
+              100 + EncodePiece(piece).size())
+        << "millions of rows leave no room for spare capacity";
   }
   for (const char* broken : {"a\\", "\\x", "\\Nx"}) {
     EXPECT_EQ(NumberOf([&] { return DecodeRow(broken); }), 5) << broken;
   }
+}
+
+TEST_F(Records, RowTextsComeOutInOrderWhateverTheirLength) {
+  constexpr std::size_t kBlock = std::size_t{1} << 20U;
+  std::vector<std::string> rows;
+  for (const std::size_t length : {std::size_t{0}, std::size_t{3}, kBlock - 20, std::size_t{1},
+                                   kBlock - 4, kBlock, 3 * kBlock, std::size_t{0}}) {
+    rows.emplace_back(length, static_cast<char>('a' + rows.size()));
+  }
+  RowTexts texts;
+  EXPECT_TRUE(texts.empty() && texts.begin() == texts.end());
+  texts.Add(rows[0]);
+  const char* const first = (*texts.begin()).data();
+  for (std::size_t i = 1; i < rows.size(); ++i) texts.Add(rows[i]);
+  EXPECT_EQ((*texts.begin()).data(), first) << "a block that grows copies its rows";
+  RowTexts copied = texts;
+  copied.Add("more");
+  EXPECT_TRUE(std::equal(texts.begin(), texts.end(), rows.begin(), rows.end()));
+  rows.emplace_back("more");
+  EXPECT_TRUE(std::equal(copied.begin(), copied.end(), rows.begin(), rows.end()));
+  EXPECT_EQ(copied.size(), texts.size() + 1);
 }
 
 TEST_F(Records, ARowOfAnotherWidthIsRefusedBeforeSending) {

@@ -35,26 +35,20 @@ Variant ObjectOf(Arguments... arguments) {
   return Variant(ObjectRef(std::make_shared<T>(arguments...)));
 }
 
-/// Every conversion of `value`, in the order text, byte, 16, 32 bits, single, double, currency,
-/// decimal, date, boolean.
+/// Every conversion of `value`, in the order text, 16 bits, 32 bits, double, date.
 std::string Conversions(const Variant& value, const LocaleFacts& locale) {
   std::string all = "[" + Outcome([&] { return ToText(value, locale); }) + "]";
   const auto add = [&](auto convert) { all += " " + Outcome(convert); };
-  add([&] { return ToByte(value, locale); });
   add([&] { return ToInt16(value, locale); });
   add([&] { return ToInt32(value, locale); });
-  add([&] { return NumberText(double{ToSingle(value, locale)}, 7, "."); });
   add([&] { return NumberText(ToDouble(value, locale), 15, "."); });
-  add([&] { return ToCurrency(value, locale).ten_thousandths; });
-  add([&] { return ToDecimal(value, locale).Text(); });
   add([&] { return NumberText(ToDate(value, locale).Serial(), 15, "."); });
-  add([&] { return std::string(ToBoolean(value, locale) ? "True" : "False"); });
   return all;
 }
 
 std::string Everywhere(const std::string& text, const std::string& outcome) {
   std::string all = "[" + text + "]";
-  for (int i = 0; i < 9; ++i) all += " " + outcome;
+  for (int i = 0; i < 4; ++i) all += " " + outcome;
   return all;
 }
 
@@ -66,40 +60,31 @@ TEST(Conversions, EveryKindConvertsToEveryOther) {
     const LocaleFacts& locale;
     std::string expected;
   } rows[] = {
-      {"empty", Variant(), kDot, "[] 0 0 0 0 0 0 0 0 False"},
+      {"empty", Variant(), kDot, "[] 0 0 0 0"},
       {"null", Variant(Null()), kDot, Everywhere("!94", "!94")},
-      {"byte", Variant(std::uint8_t{200}), kDot, "[200] 200 200 200 200 200 2000000 200 200 True"},
-      {"int16", Variant(std::int16_t{-300}), kDot,
-       "[-300] !6 -300 -300 -300 -300 -3000000 -300 -300 True"},
-      {"int32", Variant(70000), kDot, "[70000] !6 !6 70000 70000 70000 700000000 70000 70000 True"},
-      {"single", Variant(0.1F), kDot,
-       "[0.1] 0 0 0 0.1 0.100000001490116 1000 0.1 0.100000001490116 True"},
-      {"double", Variant(2.5), kDot, "[2.5] 2 2 2 2.5 2.5 25000 2.5 2.5 True"},
-      {"huge", Variant(1e300), kDot, "[1E+300] !6 !6 !6 !6 1E+300 !6 !6 !6 True"},
-      {"nan", Variant(std::nan("")), kDot, "[NaN] !6 !6 !6 NaN NaN !6 !6 !6 True"},
-      {"infinity", Variant(-infinity), kDot,
-       "[-Infinity] !6 !6 !6 -Infinity -Infinity !6 !6 !6 True"},
+      {"byte", Variant(std::uint8_t{200}), kDot, "[200] 200 200 200 200"},
+      {"int16", Variant(std::int16_t{-300}), kDot, "[-300] -300 -300 -300 -300"},
+      {"int32", Variant(70000), kDot, "[70000] !6 70000 70000 70000"},
+      {"single", Variant(0.1F), kDot, "[0.1] 0 0 0.100000001490116 0.100000001490116"},
+      {"double", Variant(2.5), kDot, "[2.5] 2 2 2.5 2.5"},
+      {"huge", Variant(1e300), kDot, "[1E+300] !6 !6 1E+300 !6"},
+      {"nan", Variant(std::nan("")), kDot, "[NaN] !6 !6 NaN !6"},
+      {"infinity", Variant(-infinity), kDot, "[-Infinity] !6 !6 -Infinity !6"},
       {"past currency", Variant(922337203685477.5808), kDot,
-       "[922337203685478] !6 !6 !6 9.223372E+14 922337203685478 !6 922337203685478 !6 True"},
-      {"negative zero", Variant(-0.0), kDot, "[0] 0 0 0 0 0 0 0 0 False"},
-      {"currency", Variant(Currency{12345}), kComma,
-       "[1,2345] 1 1 1 1.2345 1.2345 12345 1.2345 1.2345 True"},
-      {"decimal", Variant(Decimal::Parse("-1.50")), kComma,
-       "[-1,5] !6 -2 -2 -1.5 -1.5 -15000 -1.5 -1.5 True"},
-      {"date", Variant(Date(45360.5)), kDot,
-       "[03/09/2024 12:00:00] !6 !6 45360 45360.5 45360.5 453605000 45360.5 45360.5 True"},
-      {"date comma", Variant(Date(5.0)), kComma, "[04.01.1900] 5 5 5 5 5 50000 5 5 True"},
+       "[922337203685478] !6 !6 922337203685478 !6"},
+      {"negative zero", Variant(-0.0), kDot, "[0] 0 0 0 0"},
+      {"currency", Variant(Currency{12345}), kComma, "[1,2345] 1 1 1.2345 1.2345"},
+      {"decimal", Variant(Decimal::Parse("-1.50")), kComma, "[-1,5] -2 -2 -1.5 -1.5"},
+      {"date", Variant(Date(45360.5)), kDot, "[03/09/2024 12:00:00] !6 45360 45360.5 45360.5"},
+      {"date comma", Variant(Date(5.0)), kComma, "[04.01.1900] 5 5 5 5"},
       {"no number", Variant("(NaN)"), kDot, Everywhere("(NaN)", "!13")},
       {"no text", Variant(""), kDot, Everywhere("", "!13")},
-      {"grouped comma", Variant("1.234,5"), kComma,
-       "[1.234,5] !6 1234 1234 1234.5 1234.5 12345000 1234.5 !13 True"},
-      {"date text", Variant("1/2/1900"), kDot, "[1/2/1900] !13 !13 !13 !13 !13 !13 !13 3 !13"},
-      {"word", Variant("fAlse"), kDot, "[fAlse] !13 !13 !13 !13 !13 !13 !13 !13 False"},
-      {"boolean", Variant(true), kDot, "[True] 255 -1 -1 -1 -1 -10000 -1 -1 True"},
+      {"grouped comma", Variant("1.234,5"), kComma, "[1.234,5] 1234 1234 1234.5 !13"},
+      {"date text", Variant("1/2/1900"), kDot, "[1/2/1900] !13 !13 !13 3"},
+      {"boolean", Variant(true), kDot, "[True] -1 -1 -1 -1"},
       {"error", Variant(ErrorValue{5}), kDot, Everywhere("Error 5", "!13")},
       {"array", Variant(std::vector<Variant>{Variant(1)}), kDot, Everywhere("!13", "!13")},
-      {"object", ObjectOf<Standing>(ObjectOf<Standing>(Variant(7))), kDot,
-       "[7] 7 7 7 7 7 70000 7 7 True"},
+      {"object", ObjectOf<Standing>(ObjectOf<Standing>(Variant(7))), kDot, "[7] 7 7 7 7"},
       {"bare object", ObjectOf<Bare>(), kDot, Everywhere("!13", "!13")},
       {"endless object", ObjectOf<Endless>(), kDot, Everywhere("!13", "!13")},
       {"absent object", Variant(ObjectRef()), kDot, Everywhere("!91", "!91")}};
@@ -132,12 +117,9 @@ TEST(Conversions, WholeNumbersFromTextAreExactAndHalvesGoToEven) {
     EXPECT_EQ(all, row.expected) << row.name;
   }
   for (const auto& [number, expected] :
-       {std::pair{-0.5, "0"}, {255.49, "255"}, {-0.51, "!6"}, {255.5, "!6"}}) {
-    EXPECT_EQ(Outcome([&, number = number] { return ToByte(Variant(number), kDot); }), expected);
+       {std::pair{-32768.5, "-32768"}, {32767.49, "32767"}, {-32768.51, "!6"}, {32767.5, "!6"}}) {
+    EXPECT_EQ(Outcome([&, number = number] { return ToInt16(Variant(number), kDot); }), expected);
   }
-  EXPECT_EQ(ToCurrency(Variant("0.000250000000000000000000000000000001"), kDot).ten_thousandths, 3);
-  EXPECT_EQ(ToCurrency(Variant("922337203685477.5807"), kDot).ten_thousandths,
-            std::numeric_limits<std::int64_t>::max());
 }
 
 TEST(Conversions, NumberTextHasItsDigitsAndNoMore) {

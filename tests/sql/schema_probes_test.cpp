@@ -21,12 +21,9 @@ class SchemaProbes : public ::testing::Test {
   void Count(Variant count) { platform.Answer(Rows{{"C"}, {{std::move(count)}}}); }
   // Statements sent since the last call.
   std::size_t Queries() {
-    std::size_t count = 0;
     const std::string conversation = platform.Conversation();
-    for (std::size_t at = conversation.find("query ["); at != std::string::npos;
-         at = conversation.find("query [", at + 1)) {
-      ++count;
-    }
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = conversation.find("query [", at) + 1) != 0;) ++count;
     return count;
   }
   ScriptedPlatform platform;
@@ -185,6 +182,7 @@ TEST(SchemaCache, KeepsItsOrderAndItsKeys) {
   cache.Remove(1);
   EXPECT_EQ(cache.Count(), 1);
   EXPECT_EQ(cache.Item("T.F"), cache.Item(1));
+  for (const std::int32_t position : {-1, 0, 2}) EXPECT_EQ(cache.Item(position), nullptr);
   EXPECT_THROW(cache.Remove("T"), RuntimeError);
 }
 

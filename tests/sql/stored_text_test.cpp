@@ -176,6 +176,11 @@ TEST_F(StoredText, IdentifiersDecideWhatHappens) {
   text.Delete();
   EXPECT_THAT(Sent(), ElementsAre("D"));
   EXPECT_EQ(std::to_string(text.Id()) + text.Text(), "7ab") << "Id and text stay";
+  platform.Answer(One(Variant(8)));
+  platform.Answer(Refuse(1653));
+  EXPECT_EQ(OutcomeOf([&] { return (text.Create(), true); }), "raises database 1653");
+  EXPECT_EQ(text.Id(), 8) << "the new Id, though nothing is there";
+  static_cast<void>(platform.Conversation());
   platform.Answer(Refuse(2289));
   text.Create();
   EXPECT_EQ(text.Id(), 0);
@@ -205,6 +210,39 @@ TEST_F(StoredText, RowsBecomeTextAgain) {
   platform.Answer(Rows{{"OTHER"}, {{Variant("x")}}});
   EXPECT_EQ(OutcomeOf([&] { return (text.Load(), true); }).substr(0, 11), "raises 3265");
   EXPECT_EQ(platform.OpenCursors(), 0);
+}
+
+// A trace line is the host's code: it may give the object another text and Id, or fail in its own
+// way.
+TEST_F(StoredText, AHostMayMeddleWhileATextIsSaved) {
+  for (int line = 1; line <= 4; ++line) {
+    UnloadThread();
+    static_cast<void>(platform.Conversation());
+    platform.trace = true;
+    CDBString text;
+    EXPECT_EQ(text.RowDelimiter(), "\r\n");
+    text.Text(std::string(50, 'a'));
+    int lines = 0;
+    platform.on_trace = [&] {
+      if (++lines != line) return;
+      text.Text("another");
+      text.Id(9);
+      text.ClearText();
+    };
+    platform.Answer(Rows{});
+    platform.Answer(One(Variant(20)));
+    text.Save(7);
+    platform.on_trace = nullptr;
+    platform.trace = false;
+    const std::string rest(10, 'a');
+    if (line > 2) {
+      EXPECT_THAT(Sent(), ElementsAre("D", "C", "I1,'" + rest + rest + "'",
+                                      "I2,'" + rest + rest + "'", "I3,'" + rest + "'"));
+    }
+  }
+  platform.on_trace = [] { throw std::logic_error("disk"); };
+  platform.trace = true;
+  EXPECT_EQ(OutcomeOf([] { return (GDBString::UpdateDBString(7, "x"), true); }), "raises 51 disk");
 }
 
 TEST_F(StoredText, TheTextObjectIsSharedAndNeverAbsent) {

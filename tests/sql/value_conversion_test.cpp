@@ -76,7 +76,7 @@ TEST(ValueConversion, TextsDatesAndTruth) {
        {Variant("y"), Variant("YES"), Variant("Y "), Variant("TRUE"), Variant("1"), Variant(1),
         Variant(true), null, Variant(), Variant(ErrorValue{1}), Variant(ObjectRef()),
         Variant(std::vector<Variant>{})}) {
-    EXPECT_FALSE(CVBoolean(value)) << KindName(value.kind());
+    EXPECT_FALSE(CVBoolean(value)) << static_cast<int>(value.kind());
   }
 }
 

@@ -120,7 +120,7 @@ class ScriptedLink final : public DataLink {
   void Write(const RowSet& rows) override {
     std::string line = "write [" + rows.table + "]";
     for (const auto& column : rows.columns) line += " " + column.name + ":" + column.type_word;
-    for (const std::string& row : rows.rows) line += " [" + row + "]";
+    for (const std::string_view row : rows.rows) line += " [" + std::string(row) + "]";
     script_->Step(line);
     static_cast<void>(script_->Next(Rows{}));
   }
