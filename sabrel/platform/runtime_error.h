@@ -89,8 +89,9 @@ class RuntimeError : public std::exception {
 /// The failure now being handled; to be called inside a `catch` only.
 [[nodiscard]] RuntimeError CurrentFailure();
 
-/// What `work` fails with; nothing when it does not. Callers deal with a failure after it was caught,
-/// so that to host code that runs meanwhile (a message box) there is no current error any more.
+/// What `work` fails with; nothing when it does not. Callers deal with a failure after it was
+/// caught, so that to host code that runs meanwhile (a message box) there is no current error any
+/// more.
 template <class Work>
 [[nodiscard]] std::optional<RuntimeError> FailureIn(Work&& work) {
   try {
