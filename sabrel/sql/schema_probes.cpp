@@ -24,7 +24,8 @@ struct SchemaFacts {
 
 // A question to the dictionary, and how the trace speaks of it.
 struct Probe {
-  std::string name;
+  const char* succeeded;
+  const char* failed;
   std::string subject;
   std::string sql;
 };
@@ -34,8 +35,7 @@ void CaptureAndTraceFailure(const Probe& probe, const RuntimeError& failure) noe
   const auto error = SabrelErrorObject();
   error->Reset(failure);
   TraceWhenOn([&] {
-    return probe.name + " failed for " + probe.subject + "\r\n" + error->Text() + "\r\n" +
-           QueryLine(probe.sql);
+    return probe.failed + probe.subject + "\r\n" + error->Text() + "\r\n" + QueryLine(probe.sql);
   });
 } catch (...) {
 }
@@ -46,9 +46,7 @@ bool Probing(const Probe& probe, Ask ask) {
   RequirePlatform();
   const auto failure = FailureIn([&] {
     ask();
-    TraceWhenOn([&] {
-      return probe.name + " succeeded for " + probe.subject + "\r\n" + QueryLine(probe.sql);
-    });
+    TraceWhenOn([&] { return probe.succeeded + probe.subject + "\r\n" + QueryLine(probe.sql); });
   });
   if (failure) CaptureAndTraceFailure(probe, *failure);
   return !failure;
@@ -67,20 +65,22 @@ const CTableExists* Remembered(std::string_view table, std::string_view field,
   return facts.existing.Item(facts.key).get();
 }
 
-// What is looked for: its name in the trace, its statement up to each name, its time-out if fixed.
+// What is looked for: how the trace speaks of it, its statement up to each name, its time-out if
+// fixed.
 struct Kind {
-  const char* name;
+  const char* succeeded;
+  const char* failed;
   const char* before_table;
   const char* before_field;
   std::optional<std::int32_t> timeout_s;
 };
-constexpr Kind kTable{"DoesTableExists",
+constexpr Kind kTable{"DoesTableExists succeeded for ", "DoesTableExists failed for ",
                       "SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = '", "",
                       std::nullopt};
-constexpr Kind kColumn{"DoesFieldExists",
+constexpr Kind kColumn{"DoesFieldExists succeeded for ", "DoesFieldExists failed for ",
                        "SELECT COUNT(table_name)  FROM user_tab_columns WHERE table_name = '",
                        "' AND column_name = '", kQueryTimeOut_s};
-constexpr Kind kProcedure{"DoesProcedureExist",
+constexpr Kind kProcedure{"DoesProcedureExist succeeded for ", "DoesProcedureExist failed for ",
                           "SELECT COUNT(object_name)  FROM user_arguments WHERE package_name = '",
                           "' AND object_name = '", kQueryTimeOut_s};
 
@@ -95,14 +95,14 @@ bool AskOnce(const Kind& kind, std::string_view sTable, std::string_view sField,
   const std::string user(sUser);
   const std::string password(sPassword);
   const Probe probe{
-      kind.name, table + "." + field,
+      kind.succeeded, kind.failed, table + "." + field,
       kind.before_table + UpperCase(table) + kind.before_field + UpperCase(field) + "'"};
   bool exists = false;
-  const bool is_answered = Probing(probe, [&] {
+  const auto ask = [&] {
     exists = FirstCountIsNotZero(ExecuteQuery(probe.sql, true, host, port, user, password,
                                               kind.timeout_s.value_or(timeout_s)));
-  });
-  exists = exists && is_answered;
+  };
+  if (!Probing(probe, ask)) exists = false;
   // The host may have asked the same from within the query's box or trace line.
   if (const auto* known = Remembered(table, field, host, port)) return known->Exists();
   ModuleState<SchemaFacts>().existing.Add(table, exists, field, host, port, timeout_s);
@@ -130,7 +130,8 @@ bool DoesDbObjectExist(std::string_view sObjectNameA, std::string_view sObjectTy
                        std::string_view sHostNameA, std::int32_t nPortNumberA,
                        std::string_view sUserNameA, std::string_view sPasswordA,
                        std::int32_t nTimeOutA) {
-  Probe probe{"DoesDbObjectExist", std::string(sObjectNameA) + ".",
+  Probe probe{"DoesDbObjectExist succeeded for ", "DoesDbObjectExist failed for ",
+              std::string(sObjectNameA) + ".",
               "Select object_name, object_type From user_objects Where object_name='" +
                   UpperCase(sObjectNameA) + "'"};
   if (!sObjectTypeA.empty()) probe.sql += " And object_type='" + UpperCase(sObjectTypeA) + "'";
