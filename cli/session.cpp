@@ -5,7 +5,7 @@
 #include "adapters/console/configured_spreadsheet.h"
 #include "adapters/console/console_application.h"
 #include "adapters/console/registry_file.h"
-#include "adapters/sqlite/sqlite_rowlink.h"
+#include "adapters/servers/server_rowlink.h"
 #include "sabrel/platform/platform.h"
 #include "sabrel/platform/runtime_error.h"
 
@@ -34,6 +34,11 @@ ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings
 
 }  // namespace
 
+ConnectionProfile SessionProfileOf(const Options& options) {
+  std::vector<std::string> ignored;
+  return ProfilesOf(options, ignored).Session();
+}
+
 ConnectionProfile InstallSession(const Options& options,
                                  std::shared_ptr<AttentiveServices> services,
                                  std::shared_ptr<ConversationLog> conversation,
@@ -54,7 +59,7 @@ ConnectionProfile InstallSession(const Options& options,
   shared.spreadsheet = std::make_shared<ConfiguredSpreadsheet>(options.spreadsheet);
   InstallPlatform([=, &interrupts] {
     Platform platform = shared;
-    platform.rowlink = MakeSqliteRowlink(profiles);
+    platform.rowlink = MakeServerRowlink(profiles);
     if (conversation) {
       auto overheard = std::make_shared<OverheardRowlink>(platform.rowlink, conversation);
       for (const ConnectionProfile& profile : profiles.All()) overheard->Hide(profile.Password);

@@ -1,4 +1,4 @@
-// The platform behind the program: embedded Data Server, console, registry file.
+// The platform behind the program: Data Servers, console, registry file.
 #pragma once
 
 #include <functional>
@@ -7,6 +7,10 @@
 #include "cli/context.h"
 
 namespace sabrel::cli {
+
+/// The profile that the options name. Errors: 75 for a profile file that cannot be used; UsageError
+/// for an unknown profile name
+[[nodiscard]] ConnectionProfile SessionProfileOf(const Options& options);
 
 /// Installs the platform for this thread and returns the session's profile; `conversation` may be
 /// null. `on_failed_query` is told after each query that failed, when the error object tells why.

@@ -3,7 +3,7 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Sabrel)
 
-install(TARGETS sabrel_sabrel sabrel_adapter_shared sabrel_sqlite sabrel_console EXPORT SabrelTargets
+install(TARGETS sabrel_sabrel sabrel_adapter_shared sabrel_sqlite sabrel_odbc sabrel_servers sabrel_console EXPORT SabrelTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS sabrel_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT SabrelTargets NAMESPACE sabrel:: DESTINATION ${package_dir})

@@ -23,4 +23,13 @@ enum class SiteRelease { kCurrent, kOld };
 /// Cost:   no round trip; the first call splits the texts. Any thread
 [[nodiscard]] std::vector<std::string_view> SampleSiteStatements(SiteRelease release);
 
+struct SiteStatement {
+  std::string_view text;
+  /// In the server's own language, to be sent as it stands; otherwise Oracle's.
+  bool is_native = false;
+};
+
+/// As SampleSiteStatements, for PostgreSQL: the stored routines are in its own language.
+[[nodiscard]] std::vector<SiteStatement> PostgresqlSiteStatements(SiteRelease release);
+
 }  // namespace sabrel

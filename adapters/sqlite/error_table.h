@@ -9,17 +9,9 @@
 #include <string>
 #include <string_view>
 
-namespace sabrel::sqlite {
+#include "adapters/shared/verb.h"
 
-/// What the failing statement was about to do; decides between numbers that share a code of the
-/// engine.
-enum class Verb {
-  kOther,
-  kInsert,
-  kUpdate,
-  kUpdateOfReference,  // an UPDATE that sets a column which refers to another table
-  kDelete,
-};
+namespace sabrel::sqlite {
 
 struct NativeError {
   std::int32_t number = 0;

@@ -63,15 +63,6 @@ std::vector<std::string> ResultNames(const Statement& statement,
 
 }  // namespace
 
-Verb VerbOf(StatementKind kind) noexcept {
-  switch (kind) {
-    case StatementKind::kInsert: return Verb::kInsert;
-    case StatementKind::kUpdate: return Verb::kUpdate;
-    case StatementKind::kDelete: return Verb::kDelete;
-    default: return Verb::kOther;
-  }
-}
-
 Value ValueOf(const dialect::Constant& constant) {
   switch (constant.kind) {
     case dialect::Constant::Kind::kInteger: return IntegerValue(constant.integer);

@@ -105,7 +105,6 @@ class Server {
   std::vector<Value> taken_arguments_;
 };
 
-[[nodiscard]] Verb VerbOf(dialect::StatementKind kind) noexcept;
 [[nodiscard]] Value ValueOf(const dialect::Constant& constant);
 /// Throws ServerFailure 942 when `text` names a table or a function that belongs to the server.
 void RefuseOwnNames(std::string_view text);

@@ -99,11 +99,12 @@ class RunningCursor final : public Cursor {
 
 }  // namespace
 
-SqliteLink::SqliteLink(ProfileSet profiles, Durability durability)
+SqliteLink::SqliteLink(ProfileSet profiles, Durability durability,
+                       std::shared_ptr<DatabaseError> last_error)
     : profiles_(std::move(profiles)),
       durability_(durability),
       stop_switch_(std::make_shared<StopSwitch>()),
-      last_error_(std::make_shared<DatabaseError>()) {}
+      last_error_(std::move(last_error)) {}
 
 SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
   const ResolvedTarget target = profiles_.Resolve(address);

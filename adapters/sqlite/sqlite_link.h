@@ -16,7 +16,10 @@ namespace sabrel::sqlite {
 
 class SqliteLink final : public DataLink {
  public:
-  explicit SqliteLink(ProfileSet profiles, Durability durability = Durability::kEachCommit);
+  /// `last_error` may be shared with other links of the thread.
+  explicit SqliteLink(
+      ProfileSet profiles, Durability durability = Durability::kEachCommit,
+      std::shared_ptr<DatabaseError> last_error = std::make_shared<DatabaseError>());
 
   [[nodiscard]] std::unique_ptr<Cursor> Query(std::string_view sql,
                                               const DataServerAddress& address) override;

@@ -1,27 +1,39 @@
-// `site create`: a new file with the sample site.
+// `site create`: a new file with the sample site, or the site in the database of a profile.
 #include <filesystem>
 #include <memory>
 
 #include "adapters/console/access_failure.h"
+#include "adapters/odbc/postgresql/site_builder.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
 #include "cli/commands/commands.h"
+#include "cli/session.h"
 #include "site/sample_site.h"
 
 namespace sabrel::cli {
 namespace {
 
 struct SiteArguments {
+  /// Empty where a profile names the database.
   std::string file;
   std::string release = "current";
 };
 
 // The builder's failures are not the session's, so that the error object cannot describe them.
-[[noreturn]] void Fail(const SiteArguments& arguments, const DatabaseError& error,
+[[noreturn]] void Fail(const std::string& where, const DatabaseError& error,
                        const RuntimeError& failure) {
   std::string text = failure.Description();
   if (!error.detail.empty() && error.detail != text) text += " (" + error.detail + ")";
-  throw RuntimeError(kAccessFailure, "Sabrel",
-                     "The site " + arguments.file + " was not created: " + text);
+  throw RuntimeError(kAccessFailure, "Sabrel", "The site " + where + " was not created: " + text);
+}
+
+SiteRelease ReleaseOf(const SiteArguments& arguments) {
+  return arguments.release == "old" ? SiteRelease::kOld : SiteRelease::kCurrent;
+}
+
+void Tell(Context& context, const std::string& where, const SiteArguments& arguments,
+          std::size_t statements) {
+  context.Out().Write("Created the site " + where + " (release " + arguments.release + ", " +
+                      std::to_string(statements) + " statements).\n");
 }
 
 void RequireNoFile(const std::string& file) {
@@ -34,10 +46,9 @@ void RequireNoFile(const std::string& file) {
   }
 }
 
-int Create(Context& context, const SiteArguments& arguments) {
+int CreateFile(Context& context, const SiteArguments& arguments) {
   RequireNoFile(arguments.file);
-  const auto release = arguments.release == "old" ? SiteRelease::kOld : SiteRelease::kCurrent;
-  const auto statements = SampleSiteStatements(release);
+  const auto statements = SampleSiteStatements(ReleaseOf(arguments));
   std::unique_ptr<sqlite::SiteBuilder> builder;
   try {
     builder = std::make_unique<sqlite::SiteBuilder>(arguments.file);
@@ -47,26 +58,56 @@ int Create(Context& context, const SiteArguments& arguments) {
     }
     builder->Finish();
   } catch (const RuntimeError& failure) {
-    Fail(arguments, builder ? builder->Error() : DatabaseError{}, failure);
+    Fail(arguments.file, builder ? builder->Error() : DatabaseError{}, failure);
   }
-  context.Out().Write("Created the site " + arguments.file + " (release " + arguments.release +
-                      ", " + std::to_string(statements.size()) + " statements).\n");
+  Tell(context, arguments.file, arguments, statements.size());
   return kDone;
+}
+
+int CreateOnServer(Context& context, const SiteArguments& arguments) {
+  const ConnectionProfile profile = SessionProfileOf(context.options);
+  const std::string where = "in the database " + profile.Database + " of " + profile.Name;
+  const auto statements = PostgresqlSiteStatements(ReleaseOf(arguments));
+  std::unique_ptr<odbc::SiteBuilder> builder;
+  try {
+    builder = std::make_unique<odbc::SiteBuilder>(profile);
+    for (const SiteStatement& statement : statements) {
+      if (context.Signals().Cancelled()) throw OutputCancelled();
+      statement.is_native ? builder->ExecuteNative(statement.text)
+                          : builder->Execute(statement.text);
+    }
+    builder->Finish();
+  } catch (const RuntimeError& failure) {
+    Fail(where, builder ? builder->Error() : DatabaseError{}, failure);
+  }
+  Tell(context, where, arguments, statements.size());
+  return kDone;
+}
+
+int Create(Context& context, const SiteArguments& arguments) {
+  const bool has_profile = !context.options.profile_file.empty();
+  if (arguments.file.empty() != has_profile) {
+    throw UsageError(
+        "Name either a new file, or with --profile the PostgreSQL database that is to hold the "
+        "site.");
+  }
+  return has_profile ? CreateOnServer(context, arguments) : CreateFile(context, arguments);
 }
 
 }  // namespace
 
 void AddSiteCommands(CLI::App& parent, Context& context) {
-  CLI::App* site = parent.add_subcommand("site", "Make sites: files with an embedded Data Server");
+  CLI::App* site = parent.add_subcommand(
+      "site", "Make sites: files with an embedded Data Server, or on PostgreSQL");
   site->require_subcommand(1);
   site->fallthrough();
   const auto arguments = std::make_shared<SiteArguments>();
-  CLI::App& create = AddCommand(*site, context, "create", "Create a file with the sample site",
+  CLI::App& create = AddCommand(*site, context, "create", "Create the sample site",
                                 "  sabrel site create plant.site\n"
-                                "  sabrel site create --release old before.site",
+                                "  sabrel site create --release old before.site\n"
+                                "  sabrel --profile servers.ini --profile-name plant site create",
                                 [arguments](Context& c) { return Create(c, *arguments); });
-  create.add_option("FILE", arguments->file, "The new file; one that exists is refused")
-      ->required();
+  create.add_option("FILE", arguments->file, "The new file; one that exists is refused");
   create.add_option("--release", arguments->release, "Which release's schema and data")
       ->check(CLI::IsMember({"current", "old"}))
       ->capture_default_str();

@@ -42,7 +42,7 @@ void Rewriter::NameOrCall() {
   while (IsSymbol('.')) {
     ++at_;
     if (SkipSymbol('*')) {  // t.* of a select list
-      return QuoteReserved(first, at_ - 3);
+      return SpellNames(first, at_ - 3);
     }
     const Token& part = Here();
     if (part.kind != TokenKind::kWord && part.kind != TokenKind::kQuotedName) {
@@ -59,7 +59,7 @@ void Rewriter::NameOrCall() {
   if (IsSymbol('(') && !(IsSymbol(Ahead(1), '+') && IsSymbol(Ahead(2), ')'))) {
     return Call(first, last);
   }
-  QuoteReserved(first, last);
+  SpellNames(first, last);
 }
 
 // All uses of a sequence in one row are one value in Oracle; engines draw at each.
@@ -80,12 +80,13 @@ void Rewriter::UseSequence(std::size_t first, std::size_t last) {
   for (std::size_t i = first + 1; i <= last; ++i) edits_.Remove(i);
 }
 
-void Rewriter::QuoteReserved(std::size_t first, std::size_t last) {
-  for (std::size_t i = first; i <= last; i += 2) {
-    if (tokens_[i].kind == TokenKind::kWord && engine_.IsReservedWord(Upper(tokens_[i]))) {
-      edits_.Quote(i);
-    }
-  }
+void Rewriter::SpellName(std::size_t token) {
+  std::string spelled = engine_.NameSpelling(TextOf(sql_, tokens_[token]));
+  if (!spelled.empty()) edits_.Replace(token, std::move(spelled));
+}
+
+void Rewriter::SpellNames(std::size_t first, std::size_t last) {
+  for (std::size_t i = first; i <= last; i += 2) SpellName(i);
 }
 
 void Rewriter::CallName(std::size_t first, std::size_t last) {
@@ -98,7 +99,10 @@ void Rewriter::CallName(std::size_t first, std::size_t last) {
   }
   const std::optional<Engine::RoutineFacts> facts = engine_.FindRoutine(name);
   if (!facts) {
-    if (first == last) return;
+    if (first == last) {
+      if (tokens_[first].kind == TokenKind::kQuotedName) SpellName(first);
+      return;
+    }
     std::string shown;
     for (std::size_t i = first; i <= last; i += 2) {
       shown += (i == first ? "\"" : ".\"") + Upper(tokens_[i]) + "\"";
@@ -168,7 +172,8 @@ void Rewriter::Decode(std::size_t name) {
     type = searched.type;
   }
   const bool is_text = type == Type::kText;
-  const std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
+  std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
+  if (const auto renamed = engine_.FunctionName(convert); !renamed.empty()) convert = renamed;
   if (type == Type::kUnknown) return;
   const auto compare_with = [&](const Argument& argument) {
     if (argument.type != type && !argument.is_null) {
@@ -176,7 +181,7 @@ void Rewriter::Decode(std::size_t name) {
     }
     if (may_be_null && argument.type != type) {
       edits_.Wrap(argument.first, argument.last, "COALESCE(");
-      edits_.AppendBehind(argument.last, "," + std::string(engine_.NoValue()) + ")");
+      edits_.AppendBehind(argument.last, "," + std::string(engine_.NoValue(is_text)) + ")");
     }
   };
   edits_.Replace(name, "CASE ");

@@ -93,7 +93,11 @@ void Rewriter::Pattern(bool is_negated) {
     }
   }
   (void)Sum();
-  if (SkipWord(Word::kEscape)) (void)Sum();
+  if (SkipWord(Word::kEscape)) {
+    (void)Sum();
+  } else if (!traits_.pattern_end.empty()) {
+    edits_.AppendBehind(at_ - 1, traits_.pattern_end);
+  }
   lift_ = lift;
 }
 

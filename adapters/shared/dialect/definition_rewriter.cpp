@@ -24,8 +24,10 @@ void Rewriter::Definition() {
     if (verb == Word::kCreate) return CreateTable();
     if (verb == Word::kAlter) return AlterTable();
     if (verb == Word::kDrop) return DropTable();
-    edits_.Replace(object - 1, "DELETE FROM");  // TRUNCATE TABLE
-    edits_.Remove(object);
+    if (!traits_.takes_truncate) {
+      edits_.Replace(object - 1, "DELETE FROM");  // TRUNCATE TABLE
+      edits_.Remove(object);
+    }
     return QualifiedName();
   }
   if (verb == Word::kCreate && word == Word::kView) {
@@ -54,7 +56,10 @@ void Rewriter::Definition() {
 void Rewriter::DropTable() {
   QualifiedName();
   const std::size_t first = at_;
-  if (SkipText("CASCADE") && !SkipText("CONSTRAINTS")) Fail(905, "missing keyword CONSTRAINTS");
+  if (SkipText("CASCADE")) {
+    if (!SkipText("CONSTRAINTS")) Fail(905, "missing keyword CONSTRAINTS");
+    edits_.AppendBehind(first - 1, traits_.drop_end);
+  }
   SkipText("PURGE");
   for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
 }
@@ -117,17 +122,34 @@ void Rewriter::PrimaryKey() {
   }
 }
 
-void Rewriter::RefuseNull(const Column& column) { edits_.Append(column.last_token, " NOT NULL"); }
+void Rewriter::RefuseNull(const Column& column) {
+  if (traits_.keys_take_nulls) edits_.Append(column.last_token, " NOT NULL");
+}
 
 // VARCHAR2(20 CHAR), NUMBER(10,2), TIMESTAMP WITH TIME ZONE, up to the column's rules.
 void Rewriter::ColumnType() {
   if (Here().kind != TokenKind::kWord) Fail(902, "invalid datatype");
-  ++at_;
+  const std::size_t first = at_;
+  std::string name = Upper(tokens_[at_++]);
   while (SkipText("VARYING") || SkipText("PRECISION") || SkipText("RAW")) {
+    name += ' ' + Upper(tokens_[at_ - 1]);
   }
-  if (!SkipSymbol('(')) return;
+  std::vector<std::string> sizes;
+  if (SkipSymbol('(')) TypeSizes(sizes);
+  std::string spelled = engine_.TypeSpelling(name, sizes);
+  if (spelled.empty()) return;
+  edits_.Replace(first, std::move(spelled));
+  for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);
+}
+
+void Rewriter::TypeSizes(std::vector<std::string>& sizes) {
+  std::string sign;
   while (Here().kind == TokenKind::kNumber || IsSymbol(',') || IsSymbol('-') || IsSymbol('*')) {
     if (IsSymbol('*')) edits_.Replace(at_, "38");  // NUMBER(*,0): as precise as there is
+    if (IsSymbol('-')) sign = "-";
+    if (IsSymbol('*') || Here().kind == TokenKind::kNumber) {
+      sizes.push_back(IsSymbol('*') ? "38" : sign + std::string(TextOf(sql_, Here())));
+    }
     ++at_;
   }
   if (SkipText("BYTE") || SkipText("CHAR")) edits_.Remove(at_ - 1);

@@ -76,6 +76,30 @@ class Engine {
  public:
   virtual ~Engine() = default;
 
+  /// What the engine takes as Oracle writes it, and what it wants besides. The defaults are those
+  /// of an engine that prepares statements anew for each constant and takes little.
+  struct Traits {
+    bool lifts_constants = true;
+    bool keeps_comments = true;
+    /// Names the columns of a query as Oracle does: by their expressions.
+    bool names_columns = true;
+    /// Sorts nulls before all values; Oracle sorts them behind.
+    bool sorts_nulls_first = true;
+    bool keys_take_nulls = true;
+    bool wants_table_aliases = false;  // behind a query in FROM
+    bool locks_rows = false;           // FOR UPDATE
+    bool takes_fetch_first = false;
+    bool takes_truncate = false;
+    bool integers_overflow = false;  // where Oracle's numbers go on
+    /// What a LIKE without ESCAPE wants behind its pattern.
+    std::string_view pattern_end = {};
+    /// What DROP TABLE ... CASCADE CONSTRAINTS has instead of those words.
+    std::string_view drop_end = {};
+    /// Function that makes text of an operand of ||.
+    std::string_view text_function = {};
+  };
+  [[nodiscard]] virtual Traits EngineTraits() const { return {}; }
+
   struct RoutineFacts {
     bool writes = false;
   };
@@ -86,6 +110,14 @@ class Engine {
   [[nodiscard]] virtual bool IsReservedWord(std::string_view word) const = 0;
 
   // How things are spelled. Names arrive as the statement writes them.
+
+  /// A name, in the quotes that it was written in; empty to keep it.
+  [[nodiscard]] virtual std::string NameSpelling(std::string_view written) const;
+  /// A type of a column or of CAST, as "VARCHAR2" with the sizes "20"; empty to keep it.
+  [[nodiscard]] virtual std::string TypeSpelling(std::string_view /*upper_name*/,
+                                                 const std::vector<std::string>& /*sizes*/) const {
+    return {};
+  }
   [[nodiscard]] virtual std::string NextValue(std::string_view sequence) const = 0;
   [[nodiscard]] virtual std::string CurrentValue(std::string_view sequence) const = 0;
   [[nodiscard]] virtual std::string SystemDate() const = 0;
@@ -104,7 +136,7 @@ class Engine {
   /// fraction of whole numbers.
   [[nodiscard]] virtual std::string_view DivideFunction() const { return {}; }
   /// Function for `a || b || ...`, of up to 100 operands, that takes null for the empty text, as
-  /// Oracle does; empty where the engine's own does.
+  /// Oracle does; empty where the engine's own does. May open further calls: "f(concat".
   [[nodiscard]] virtual std::string_view ConcatenateFunction() const { return {}; }
   /// Aggregate that gives the only value of its rows and fails (1427) at a second one; empty where
   /// the engine itself refuses a scalar sub-select of several rows.
@@ -117,8 +149,8 @@ class Engine {
   /// behind LIKE, for which it would prepare the statement again at each run; empty where it does
   /// not look.
   [[nodiscard]] virtual std::string_view HidingOperator() const { return {}; }
-  /// A constant that equals itself and nothing that a column may hold.
-  [[nodiscard]] virtual std::string_view NoValue() const { return "x''"; }
+  /// A constant that equals itself and nothing that a column of texts or of numbers may hold.
+  [[nodiscard]] virtual std::string_view NoValue(bool /*is_text*/) const { return "x''"; }
   /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.
   [[nodiscard]] virtual std::string_view FunctionName(std::string_view upper_name) const = 0;
 };
@@ -127,6 +159,9 @@ class Engine {
 /// that Oracle has for the fault: 900 for what is not supported, 904 for an unknown routine, 905 to
 /// 936 for bad syntax.
 [[nodiscard]] Rewritten Rewrite(std::string_view statement, const Engine& engine);
+
+/// As Rewrite, for an expression alone, as an argument of a block's call is one.
+[[nodiscard]] Rewritten RewriteExpression(std::string_view expression, const Engine& engine);
 
 /// One step of a block: a call of a routine with its argument expressions, or a statement.
 struct BlockStep {

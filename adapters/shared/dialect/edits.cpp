@@ -1,5 +1,6 @@
 #include "adapters/shared/dialect/edits.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -71,7 +72,12 @@ void Edits::SetConstant(std::size_t token, bool is_lifted, bool is_negative) {
 void Edits::Wrap(std::size_t first, std::size_t last, std::string_view function) {
   openings_.push_back({function, marks_[first].opening});
   marks_[first].opening = static_cast<std::uint32_t>(openings_.size() - 1);
-  ++marks_[last].closings;
+  marks_[last].closings += ClosingsOf(function);
+}
+
+std::uint32_t Edits::ClosingsOf(std::string_view function) {
+  const std::string_view inner = function.substr(0, function.empty() ? 0 : function.size() - 1);
+  return 1 + static_cast<std::uint32_t>(std::count(inner.begin(), inner.end(), '('));
 }
 
 void Edits::Append(std::size_t token, std::string_view text) {
@@ -108,11 +114,6 @@ void Edits::RenderToken(const Token& token, const Mark& mark, Rewritten& rewritt
     case Output::kSource: out += source; break;
     case Output::kNothing: break;
     case Output::kReplacement: out += replacements_[mark.replacement]; break;
-    case Output::kQuoted:
-      out += '"';
-      out += source;
-      out += '"';
-      break;
     case Output::kLifted:
     case Output::kLiftedNegative:
     case Output::kLiteral:
@@ -126,6 +127,13 @@ void Edits::RenderToken(const Token& token, const Mark& mark, Rewritten& rewritt
   }
 }
 
+// The space and the comments between two tokens.
+std::string_view Edits::Between(std::size_t end, std::size_t begin) const {
+  const std::string_view gap = sql_.substr(end, begin - end);
+  const bool has_comment = gap.find_first_of("-/") != std::string_view::npos;
+  return has_comment && !keeps_comments_ ? " " : gap;
+}
+
 void Edits::Render(Rewritten& rewritten) const {
   std::string& out = rewritten.text;
   out.reserve(sql_.size() + 64);
@@ -134,7 +142,7 @@ void Edits::Render(Rewritten& rewritten) const {
     const Token& token = tokens_[i];
     if (token.kind == TokenKind::kEnd) break;
     const Mark& mark = marks_[i];
-    out += sql_.substr(previous_end, token.begin - previous_end);
+    out += Between(previous_end, token.begin);
     previous_end = token.end;
     const std::size_t written = out.size();
     for (std::uint32_t at = mark.opening; at != kNone; at = openings_[at].next) {

@@ -16,25 +16,25 @@ namespace sabrel::dialect {
 class Edits {
  public:
   /// Both must outlive this.
-  Edits(std::string_view sql, const std::vector<Token>& tokens)
-      : sql_(sql), tokens_(tokens), marks_(tokens.size()) {}
+  Edits(std::string_view sql, const std::vector<Token>& tokens, bool keeps_comments)
+      : sql_(sql), tokens_(tokens), keeps_comments_(keeps_comments), marks_(tokens.size()) {}
 
   void Remove(std::size_t token) { marks_[token].output = Output::kNothing; }
   void Replace(std::size_t token, std::string text);
-  void Quote(std::size_t token) { marks_[token].output = Output::kQuoted; }
   /// Makes a constant a parameter, or writes it as the engine takes it where `is_lifted` is false.
   void SetConstant(std::size_t token, bool is_lifted, bool is_negative = false);
   /// Makes the tokens the arguments of `function`, or puts them in parentheses where it is empty.
-  /// Later calls wrap earlier ones. The name must stay alive.
+  /// Later calls wrap earlier ones. The name must stay alive; a "(" within it is closed
+  /// too, one at its end is the caller's.
   void Wrap(std::size_t first, std::size_t last, std::string_view function);
   /// Puts `text` behind a token that stays as it is.
   void Append(std::size_t token, std::string_view text);
   /// Puts `text` behind all that is written for a token, behind the ")" of its wraps too.
   void AppendBehind(std::size_t token, std::string_view text);
-  /// Makes the newest call around what ends at `last` reach to `new_last`.
-  void Extend(std::size_t last, std::size_t new_last) {
-    --marks_[last].closings;
-    ++marks_[new_last].closings;
+  /// Makes the newest call, of `function`, around what ends at `last` reach to `new_last`.
+  void Extend(std::size_t last, std::size_t new_last, std::string_view function) {
+    marks_[last].closings -= ClosingsOf(function);
+    marks_[new_last].closings += ClosingsOf(function);
   }
   void AppendToStatement(std::string_view text) { tail_ += text; }
 
@@ -46,7 +46,6 @@ class Edits {
     kSource,
     kNothing,
     kReplacement,
-    kQuoted,
     kLifted,
     kLiftedNegative,
     kLiteral
@@ -64,10 +63,13 @@ class Edits {
     std::uint32_t next;
   };
 
+  static std::uint32_t ClosingsOf(std::string_view function);
+  [[nodiscard]] std::string_view Between(std::size_t end, std::size_t begin) const;
   void RenderToken(const Token& token, const Mark& mark, Rewritten& rewritten) const;
 
   std::string_view sql_;
   const std::vector<Token>& tokens_;
+  bool keeps_comments_;
   std::vector<Mark> marks_;
   std::vector<Opening> openings_;
   std::vector<std::string> replacements_;

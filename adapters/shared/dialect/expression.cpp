@@ -70,19 +70,28 @@ Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
   // The engine's operators do for numbers; only the quotient of two whole constants would lose its
   // fraction.
   if (!function.empty() && (!result.is_number || symbol == '/')) {
+    if (symbol == kConcatenation) {
+      if (left.function != function) MakeText(left);
+      MakeText(right);
+    }
     // A chain becomes one call: nested calls would exhaust the engine's parser.
     constexpr int kMostArguments = 100;
     result.function = function;
     edits_.Replace(operation, ",");
     if (symbol != '/' && left.function == function && left.arguments < kMostArguments) {
       result.arguments = left.arguments + 1;
-      edits_.Extend(left.last, right.last);
+      edits_.Extend(left.last, right.last, function);
       is_renamed_ = true;
     } else {
       result.arguments = 2;
       edits_.Wrap(left.first, right.last, function);
     }
     return result;
+  }
+  if (traits_.integers_overflow && (symbol == '*' || result.is_number)) {
+    const std::string sign(1, symbol);
+    if (symbol == '*') edits_.Replace(operation, "*1.0*");
+    if (symbol == '+' || symbol == '-') edits_.Replace(operation, sign + "0.0" + sign);
   }
   // The engine's own operators bind || before * and / before + and -.
   switch (symbol) {
@@ -100,6 +109,13 @@ Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
     default: result.shape = Shape::kSum; break;
   }
   return result;
+}
+
+void Rewriter::MakeText(const Operand& operand) {
+  if (traits_.text_function.empty()) return;
+  const Type type = TypeOf(operand);
+  if (type == Type::kText || type == Type::kTextConstant) return;
+  edits_.Wrap(operand.first, operand.last, traits_.text_function);
 }
 
 Rewriter::Operand Rewriter::Unary() {
@@ -214,7 +230,7 @@ void Rewriter::OrderList(bool places_nulls) {
     const bool is_descending = !SkipWord(Word::kAsc) && SkipWord(Word::kDesc);
     if (SkipText("NULLS")) {
       if (!SkipText("FIRST") && !SkipText("LAST")) Fail(905, "missing keyword");
-    } else if (places_nulls) {
+    } else if (places_nulls && traits_.sorts_nulls_first) {
       edits_.AppendBehind(at_ - 1, is_descending ? " NULLS FIRST" : " NULLS LAST");
     }
   } while (SkipSymbol(','));

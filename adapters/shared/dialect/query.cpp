@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "adapters/shared/dialect/rewriter.h"
+#include "sabrel/platform/utf8.h"
 
 namespace sabrel::dialect {
 
@@ -123,7 +124,7 @@ std::size_t Rewriter::SelectList() {
       Name();
     } else if (has_as) {
       Fail(923, "missing name of a column");
-    } else if (is_renamed_) {
+    } else if (is_renamed_ || !(traits_.names_columns || IsPlainColumn(first))) {
       KeepColumnName(first);
     }
   } while (SkipSymbol(','));
@@ -131,8 +132,22 @@ std::size_t Rewriter::SelectList() {
   return has_all ? 0 : columns;
 }
 
+// a, t.a, t.*
+bool Rewriter::IsPlainColumn(std::size_t first) const {
+  const Token& last = tokens_[at_ - 1];
+  for (std::size_t i = first; i + 1 < at_; ++i) {
+    if ((i - first) % 2 == 1 ? !IsSymbol(tokens_[i], '.') : IsSymbol(tokens_[i], '-')) return false;
+  }
+  if (last.kind == TokenKind::kQuotedName || IsSymbol(last, '*')) return true;
+  const bool is_pseudo_column = last.word == Word::kNextval || last.word == Word::kCurrval ||
+                                (last.word == Word::kSystemDate && first + 1 == at_);
+  return last.kind == TokenKind::kWord && last.word != Word::kNull && !is_pseudo_column;
+}
+
 // Oracle names a column by its expression without blanks, in upper case.
 void Rewriter::KeepColumnName(std::size_t first) {
+  const Word last = tokens_[at_ - 1].word;
+  if (last == Word::kNextval || last == Word::kCurrval) first = at_ - 1;
   std::string name;
   for (std::size_t i = first; i < at_; ++i) {
     const Token& token = tokens_[i];
@@ -148,7 +163,10 @@ void Rewriter::KeepColumnName(std::size_t first) {
     }
   }
   std::erase(name, '"');
-  edits_.AppendBehind(at_ - 1, " AS \"" + name + "\"");
+  if (!traits_.names_columns) name = UpperCase(name);
+  const std::string quoted = "\"" + name + "\"";
+  const std::string spelled = engine_.NameSpelling(quoted);
+  edits_.AppendBehind(at_ - 1, " AS " + (spelled.empty() ? quoted : spelled));
 }
 
 void Rewriter::FromList() {
@@ -179,10 +197,12 @@ bool Rewriter::JoinWords() {
 }
 
 void Rewriter::TableReference() {
+  bool is_query = false;
   if (IsSymbol('(')) {
     const Level level(*this);
     ++at_;
-    if (IsQueryStart()) {
+    is_query = IsQueryStart();
+    if (is_query) {
       (void)Query();
     } else {
       FromList();
@@ -192,7 +212,11 @@ void Rewriter::TableReference() {
     QualifiedName();
     if (IsSymbol('(')) Fail(900, "a table function is not supported");
   }
+  const std::size_t end = at_;
   TableAlias();
+  if (is_query && at_ == end && traits_.wants_table_aliases) {
+    edits_.AppendBehind(end - 1, " sabrel_" + std::to_string(++table_aliases_));
+  }
 }
 
 void Rewriter::TableAlias() {
@@ -294,6 +318,7 @@ void Rewriter::FetchFirst() {
     if (!count(limit)) limit = "1";
     if (!row_word() || !SkipText("ONLY")) Fail(900, "only FETCH FIRST n ROWS ONLY is supported");
   }
+  if (traits_.takes_fetch_first) return;
   edits_.Replace(first, "LIMIT " + limit + (offset.empty() ? "" : " OFFSET " + offset));
   for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);
 }
@@ -302,19 +327,31 @@ void Rewriter::ForUpdate() {
   const std::size_t first = at_++;
   if (depth_ != 0) Fail(907, "missing right parenthesis");
   ExpectWord(Word::kUpdate, 933, "SQL command not properly ended");
-  if (SkipText("OF")) {
-    do {
-      QualifiedName();
-    } while (SkipSymbol(','));
-  }
+  if (SkipText("OF")) LockedTables();
   if (SkipText("WAIT")) {
+    if (traits_.locks_rows) Fail(900, "WAIT is not supported; write NOWAIT");
     if (Here().kind != TokenKind::kNumber) Fail(30005, "missing WAIT interval");
     ++at_;
   } else if (!SkipText("NOWAIT") && SkipText("SKIP") && !SkipText("LOCKED")) {
     Fail(905, "missing keyword LOCKED");
   }
-  for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
   writes_ = true;
+  if (traits_.locks_rows) return;
+  for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
+}
+
+// Oracle names columns of the tables to lock, other engines the tables.
+void Rewriter::LockedTables() {
+  const std::size_t of = at_ - 1;
+  bool has_tables = true;
+  do {
+    const std::size_t first = at_;
+    QualifiedName();
+    has_tables = has_tables && at_ > first + 1;
+    for (std::size_t i = at_ - 2; i < at_; ++i) edits_.Remove(i);
+  } while (SkipSymbol(','));
+  if (has_tables) return;
+  for (std::size_t i = of; i < at_; ++i) edits_.Remove(i);
 }
 
 void Rewriter::Insert() {
@@ -388,19 +425,17 @@ void Rewriter::AliasOfChangedTable() {
     return;
   }
   const std::string_view text = TextOf(sql_, alias);
-  const bool quotes = alias.kind == TokenKind::kWord && engine_.IsReservedWord(Upper(alias));
-  const std::string quote = quotes ? "\"" : "";
-  edits_.Replace(at_++, "AS " + quote + std::string(text) + quote);
+  const std::string spelled = engine_.NameSpelling(text);
+  edits_.Replace(at_++, "AS " + (spelled.empty() ? std::string(text) : spelled));
 }
 
 void Rewriter::Name() {
   const Token& name = Here();
-  if (name.kind == TokenKind::kWord && !IsReservedByOracle(name.word)) {
-    if (engine_.IsReservedWord(Upper(name))) edits_.Quote(at_);
-  } else if (name.kind != TokenKind::kQuotedName) {
+  const bool is_free_word = name.kind == TokenKind::kWord && !IsReservedByOracle(name.word);
+  if (!is_free_word && name.kind != TokenKind::kQuotedName) {
     Fail(name.kind == TokenKind::kWord ? 903 : 900, "a name is missing");
   }
-  ++at_;
+  SpellName(at_++);
 }
 
 void Rewriter::QualifiedName() {

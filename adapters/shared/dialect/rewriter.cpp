@@ -7,7 +7,12 @@
 namespace sabrel::dialect {
 
 Rewriter::Rewriter(std::string_view sql, const Engine& engine)
-    : sql_(sql), engine_(engine), tokens_(Tokenize(sql)), edits_(sql, tokens_) {
+    : sql_(sql),
+      engine_(engine),
+      traits_(engine.EngineTraits()),
+      tokens_(Tokenize(sql)),
+      edits_(sql, tokens_, traits_.keeps_comments),
+      may_lift_(traits_.lifts_constants) {
   for (const Token& token : tokens_) {
     if (token.kind == TokenKind::kParameter) may_lift_ = false;
     if (token.kind == TokenKind::kStray) {
@@ -30,6 +35,15 @@ Rewritten Rewriter::Run(StatementKind kind) {
     default: Fail(900, "invalid SQL statement");
   }
   if (IsWord(Word::kReturning)) Fail(900, "RETURNING is not supported");
+  return Finish(kind);
+}
+
+Rewritten Rewriter::RunExpression() {
+  Condition();
+  return Finish(StatementKind::kOther);
+}
+
+Rewritten Rewriter::Finish(StatementKind kind) {
   if (Here().kind != TokenKind::kEnd) {
     if (IsSymbol(')')) Fail(933, "a right parenthesis without its left one");
     Fail(933, "SQL command not properly ended");
@@ -38,7 +52,8 @@ Rewritten Rewriter::Run(StatementKind kind) {
   rewritten.kind = kind;
   edits_.Render(rewritten);
   rewritten.writes =
-      writes_ || (kind != StatementKind::kSelect && kind != StatementKind::kTransaction);
+      writes_ || (kind != StatementKind::kSelect && kind != StatementKind::kTransaction &&
+                  kind != StatementKind::kOther);
   return rewritten;
 }
 
@@ -64,9 +79,19 @@ void Rewriter::Fail(std::int32_t native_number, std::string_view what) const {
   throw SyntaxFailure{native_number, std::string(what) + PlaceOf(sql_, Here())};
 }
 
+std::string Engine::NameSpelling(std::string_view written) const {
+  if (written.starts_with('"') || !IsReservedWord(UpperCase(written))) return {};
+  return '"' + std::string(written) + '"';
+}
+
 Rewritten Rewrite(std::string_view statement, const Engine& engine) {
   Rewriter rewriter(statement, engine);
   return rewriter.Run(KindOf(statement));
+}
+
+Rewritten RewriteExpression(std::string_view expression, const Engine& engine) {
+  Rewriter rewriter(expression, engine);
+  return rewriter.RunExpression();
 }
 
 }  // namespace sabrel::dialect

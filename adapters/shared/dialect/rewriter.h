@@ -23,6 +23,7 @@ class Rewriter {
  public:
   Rewriter(std::string_view sql, const Engine& engine);
   [[nodiscard]] Rewritten Run(StatementKind kind);
+  [[nodiscard]] Rewritten RunExpression();
 
  private:
   /// Which constants become parameters.
@@ -71,6 +72,8 @@ class Rewriter {
   };
   class Level;  // one nesting level while it lives
 
+  [[nodiscard]] Rewritten Finish(StatementKind kind);
+
   // Cursor.
   [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
   [[nodiscard]] const Token& Ahead(std::size_t distance) const {
@@ -107,6 +110,7 @@ class Rewriter {
   void Pattern(bool is_negated);
   void Quantified(std::size_t operation);
   [[nodiscard]] Type TypeOf(Operand operand) const;
+  void MakeText(const Operand& operand);
   [[nodiscard]] static bool NeedConversion(Type left, Type right);
   [[noreturn]] void RefuseDate() const;
   void Predicate();
@@ -120,7 +124,8 @@ class Rewriter {
   void Cast();
   void DateConstant();
   void NameOrCall();
-  void QuoteReserved(std::size_t first, std::size_t last);
+  void SpellName(std::size_t token);
+  void SpellNames(std::size_t first, std::size_t last);
   void Call(std::size_t first, std::size_t last);
   void CallName(std::size_t first, std::size_t last);
   void Arguments();
@@ -135,6 +140,7 @@ class Rewriter {
   void SelectCore(SelectFacts& facts, QueryShape& shape);
   [[nodiscard]] std::size_t SelectList();
   [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
+  [[nodiscard]] bool IsPlainColumn(std::size_t first) const;
   void KeepColumnName(std::size_t first);
   void FromList();
   void TableReference();
@@ -145,6 +151,7 @@ class Rewriter {
   void GroupBy(SelectFacts& facts);
   void FetchFirst();
   void ForUpdate();
+  void LockedTables();
   void With();
   void Insert();
   void Update();
@@ -164,6 +171,7 @@ class Rewriter {
   void DropTable();
   void TableItem();
   void ColumnType();
+  void TypeSizes(std::vector<std::string>& sizes);
   void ColumnRules();
   void PrimaryKey();
   void RefuseNull(const Column& column);
@@ -171,17 +179,19 @@ class Rewriter {
 
   std::string_view sql_;
   const Engine& engine_;
+  const Engine::Traits traits_;
   std::vector<Token> tokens_;
   Edits edits_;
   std::size_t at_ = 0;
   int depth_ = 0;
   Lift lift_ = Lift::kAlways;
-  bool may_lift_ = true;
+  bool may_lift_;
   bool writes_ = false;
   bool compares_ = true;     // values of different types by a function
   bool is_renamed_ = false;  // the engine would name the column that is read otherwise
   std::vector<Column> columns_;
   std::vector<SequenceUse> sequences_;
+  int table_aliases_ = 0;
   SelectFacts* facts_ = nullptr;  // of the outermost SELECT while its parts are read
 };
 

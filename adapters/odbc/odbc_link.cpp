@@ -1,0 +1,303 @@
+#include "adapters/odbc/odbc_link.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "adapters/odbc/wide_text.h"
+#include "sabrel/platform/utf8.h"
+
+namespace sabrel::odbc {
+namespace {
+
+std::string OraclePrefix(std::int32_t number) {
+  std::string digits = std::to_string(number);
+  if (digits.size() < 5) digits.insert(0, 5 - digits.size(), '0');
+  return "ORA-" + digits + ": ";
+}
+
+/// Runs `work`; what the server refuses becomes the last database error and the failure that
+/// callers know.
+template <class Work>
+auto Reporting(DatabaseError& last_error, const Session& session, Work&& work) {
+  const auto refuse = [&](std::int32_t number, const std::string& message, std::string detail) {
+    const std::string prefix = message.starts_with("ORA-") ? "" : OraclePrefix(number);
+    last_error = {number, std::string(session.Server().ServerName()), session.Origin(),
+                  prefix + message, std::move(detail)};
+  };
+  try {
+    return work();
+  } catch (const Refused& refused) {
+    if (refused.What().connection) {
+      throw ConnectionFailed(*refused.What().connection,
+                             "The Data Server at " + session.Address() + ": " + refused.Message());
+    }
+    refuse(refused.What().native_number, refused.Message(),
+           refused.State().empty() ? "" : "SQLSTATE " + refused.State());
+  } catch (const dialect::SyntaxFailure& failure) {
+    refuse(failure.native_number, failure.message, {});
+  }
+  throw DatabaseFailure(last_error);
+}
+
+/// Rows on their way from a worker's thread; shared with it, since it may be left behind.
+struct Block {
+  RowBlock rows{0};
+  std::vector<std::string> names;
+  bool has_more = false;
+};
+
+void FetchInto(Block& block, Workplace& here, std::size_t byte_limit) {
+  try {
+    block.has_more = here.statement->Fetch(block.rows, byte_limit);
+  } catch (...) {
+    here.statement.reset();
+    throw;
+  }
+  if (!block.has_more) here.statement.reset();
+}
+
+/// Rows of a statement: the first ones are there already, and where there are more the statement
+/// still runs, on a connection of its own.
+class OdbcCursor final : public Cursor {
+ public:
+  OdbcCursor(std::shared_ptr<Session> session, std::optional<Lease> lease, Block first,
+             std::shared_ptr<DatabaseError> last_error, std::int32_t timeout_s, Deadline deadline)
+      : session_(std::move(session)),
+        lease_(std::move(lease)),
+        first_(std::move(first)),
+        last_error_(std::move(last_error)),
+        timeout_s_(timeout_s),
+        opening_(deadline) {}
+  ~OdbcCursor() override {
+    if (!lease_) return;
+    lease_->Post([](Workplace& here) { here.statement.reset(); });
+  }
+  OdbcCursor(const OdbcCursor&) = delete;
+  OdbcCursor& operator=(const OdbcCursor&) = delete;
+
+  [[nodiscard]] const std::vector<std::string>& ColumnNames() const override {
+    return first_.names;
+  }
+
+  bool Fetch(RowBlock& block, std::size_t byte_limit) override {
+    if (first_.rows.Rows() > 0 || !lease_) {
+      block = std::exchange(first_.rows, RowBlock(first_.names.size()));
+      if (!lease_ || block.Bytes() >= byte_limit) return lease_.has_value();
+    }
+    // The query's own time counts towards that of the first block: both serve one opening.
+    const Deadline deadline = opening_ ? std::exchange(opening_, {}) : DeadlineIn(timeout_s_);
+    const auto next = std::make_shared<Block>();
+    next->rows = std::move(block);
+    try {
+      Reporting(*last_error_, *session_, [&] {
+        lease_->Do([next, byte_limit](Workplace& here) { FetchInto(*next, here, byte_limit); },
+                   deadline);
+      });
+    } catch (...) {
+      lease_.reset();
+      throw;
+    }
+    block = std::move(next->rows);
+    if (!next->has_more) lease_.reset();
+    return next->has_more;
+  }
+
+ private:
+  std::shared_ptr<Session> session_;
+  std::optional<Lease> lease_;
+  Block first_;
+  std::shared_ptr<DatabaseError> last_error_;
+  std::int32_t timeout_s_;
+  Deadline opening_;
+};
+
+bool IsNumber(std::string_view text) {
+  text = TrimBlanks(text);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  double number = 0.0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  return read.ptr == text.data() + text.size() && !text.empty() && std::isfinite(number);
+}
+
+/// Throws where a call cannot be sent.
+void CheckParameters(const RoutineCall& call) {
+  bool is_sendable = IsSendableText(call.procedure);
+  for (const RoutineParameter& parameter : call.parameters) {
+    is_sendable = is_sendable && IsSendableText(parameter.value);
+  }
+  if (!is_sendable) throw dialect::SyntaxFailure{911, "invalid character in a call's parameter"};
+  for (const RoutineParameter& parameter : call.parameters) {
+    if (!parameter.value.empty() && EqualIgnoringCase(parameter.type_word, "integer") &&
+        !IsNumber(parameter.value)) {
+      throw dialect::SyntaxFailure{
+          6502, "PL/SQL: numeric or value error: character to number conversion"};
+    }
+  }
+}
+
+}  // namespace
+
+OdbcLink::OdbcLink(ProfileSet profiles, std::shared_ptr<DatabaseError> last_error, Opening opening)
+    : profiles_(std::move(profiles)),
+      opening_(opening),
+      cancel_(std::make_shared<CancelSwitch>()),
+      last_error_(std::move(last_error)) {}
+
+OdbcLink::Target OdbcLink::Find(const DataServerAddress& address) {
+  const ConnectionProfile profile = profiles_.Resolve(address).profile;
+  const Engine* const engine = EngineForDriver(profile.Driver);
+  if (engine == nullptr) {
+    throw ConnectionFailed(ConnectionFailure::kHostUnknown,
+                           "The connection profile \"" + profile.Name + "\" wants the driver \"" +
+                               profile.Driver +
+                               "\"; name \"sqlite\" or an installed ODBC driver for PostgreSQL or "
+                               "Oracle (odbcinst -q -d lists them).");
+  }
+  Key key{profile.Driver,   profile.Host,     profile.Port,
+          profile.Database, profile.UserName, profile.Password};
+  auto& session = sessions_[std::move(key)];
+  if (!session) session = std::make_shared<Session>(*engine, profile, opening_, cancel_);
+  session->ConnectTimeout(profile.ConnectTimeout);
+  return {session, profile.ReceiveTimeout};
+}
+
+std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAddress& address) {
+  const Target target = Find(address);
+  const Engine& engine = target.session->Server();
+  return Reporting(*last_error_, *target.session, [&]() -> std::unique_ptr<Cursor> {
+    const std::string_view statement = dialect::RequireOneStatement(sql);
+    const std::u16string text = ToWide(engine.Compile(statement));
+    const auto block = std::make_shared<Block>();
+    if (text.empty()) {
+      return std::make_unique<OdbcCursor>(target.session, std::nullopt, std::move(*block),
+                                          last_error_, 0, Deadline());
+    }
+    std::optional<Lease> lease(target.session);
+    const Deadline deadline = DeadlineIn(target.timeout_s);
+    lease->Do(
+        [block, text, timeout_s = target.timeout_s](Workplace& here) {
+          here.statement = here.connection->Query(text, timeout_s);
+          block->names = here.statement->ColumnNames();
+          block->rows = RowBlock(block->names.size());
+          FetchInto(*block, here, Recordset::kBlockBytes);
+        },
+        deadline, VerbOf(dialect::KindOf(statement)));
+    if (engine.FoldsToLowerCase()) {
+      for (std::string& name : block->names) {
+        if (name == LowerCase(name)) name = UpperCase(name);
+      }
+    }
+    if (!block->has_more) lease.reset();
+    return std::make_unique<OdbcCursor>(target.session, std::move(lease), std::move(*block),
+                                        last_error_, target.timeout_s, deadline);
+  });
+}
+
+void OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
+  const Target target = Find(address);
+  Reporting(*last_error_, *target.session, [&] {
+    const std::string_view statement = dialect::RequireOneStatement(sql);
+    const std::u16string text = ToWide(target.session->Server().Compile(statement));
+    if (text.empty()) return;
+    Lease(target.session)
+        .Do([text, timeout_s = target.timeout_s](
+                Workplace& here) { here.connection->Execute(text, timeout_s); },
+            DeadlineIn(target.timeout_s), VerbOf(dialect::KindOf(statement)));
+  });
+}
+
+void OdbcLink::ExecuteNative(std::string_view sql) {
+  const Target target = Find({});
+  Reporting(*last_error_, *target.session, [&] {
+    Lease(target.session)
+        .Do([text = ToWide(sql), timeout_s = target.timeout_s](
+                Workplace& here) { here.connection->Execute(text, timeout_s); },
+            DeadlineIn(target.timeout_s));
+  });
+}
+
+RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
+  struct Answer {
+    std::optional<Signature> signature;
+    RowBlock row{0};
+  };
+  const Target target = Find(call.address);
+  return Reporting(*last_error_, *target.session, [&] {
+    CheckParameters(call);
+    const auto answer = std::make_shared<Answer>();
+    const Deadline deadline = DeadlineIn(target.timeout_s);
+    Lease(target.session)
+        .Do(
+            [answer, call, timeout_s = target.timeout_s](Workplace& here) {
+              const std::size_t given = call.parameters.size();
+              answer->signature = here.connection->Find(call.procedure, given, timeout_s);
+              if (!answer->signature) {
+                throw Refused({6550, {}},
+                              "PLS-00201: identifier '" + call.procedure + "' must be declared");
+              }
+              const Signature& signature = *answer->signature;
+              const std::size_t declared = signature.arguments.size();
+              const bool has_position = signature.is_function && given == declared + 1;
+              if (given != declared && !has_position) {
+                throw Refused({6550, {}},
+                              "PLS-00306: wrong number or types of arguments in call to '" +
+                                  UpperCase(call.procedure) + "'");
+              }
+              std::vector<std::optional<std::string>> values(declared);
+              for (std::size_t i = 0; i < declared; ++i) {
+                const std::string& value = call.parameters[i + (has_position ? 1 : 0)].value;
+                const bool is_in = signature.arguments[i].direction != dialect::Direction::kOut;
+                if (is_in && !value.empty()) values[i] = value;
+              }
+              answer->row = here.connection->Call(signature, values, timeout_s);
+            },
+            deadline);
+    RoutineOutcome outcome;
+    const Signature& signature = *answer->signature;
+    const bool has_position = call.parameters.size() > signature.arguments.size();
+    std::size_t column = 0;
+    outcome.result = signature.is_function ? answer->row.Cell(0, column++) : Variant(Null{});
+    outcome.outputs.resize(call.parameters.size());
+    if (has_position) outcome.outputs[0] = outcome.result;
+    for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
+      if (signature.arguments[i].direction == dialect::Direction::kIn) continue;
+      outcome.outputs[i + (has_position ? 1 : 0)] = answer->row.Cell(0, column++);
+    }
+    return outcome;
+  });
+}
+
+void OdbcLink::Write(const RowSet& rows) {
+  const Target target = Find({});
+  Reporting(*last_error_, *target.session, [&] {
+    std::string sql = "INSERT INTO " + rows.table + " (";
+    std::string values = "(";
+    for (std::size_t i = 0; i < rows.columns.size(); ++i) {
+      sql += (i > 0 ? "," : "") + rows.columns[i].name;
+      values += i > 0 ? ",NULL" : "NULL";
+    }
+    values += ")";
+    // One row of nulls, compiled for the names' sake; its values are then taken off again.
+    sql += ") VALUES " + values;
+    std::string head = target.session->Server().Compile(dialect::RequireOneStatement(sql));
+    head.resize(head.size() - values.size());
+    for (const std::string_view row : rows.rows) {
+      if (!IsSendableText(row)) throw dialect::SyntaxFailure{911, "invalid character in a row"};
+    }
+    Lease(target.session)
+        .Do([head, copy = std::make_shared<const RowSet>(rows), timeout_s = target.timeout_s](
+                Workplace& here) { here.connection->Write(head, *copy, timeout_s); },
+            DeadlineIn(target.timeout_s), Verb::kInsert);
+  });
+}
+
+void OdbcLink::ShutDown() noexcept {
+  for (auto& [key, session] : sessions_) session->Close();
+  sessions_.clear();
+}
+
+}  // namespace sabrel::odbc

@@ -1,0 +1,23 @@
+// Oracle's statements as PostgreSQL takes them.
+//
+// Constants stay in the text, comments are taken out, names that Oracle writes in upper case become
+// lower case as the server folds them, functions that the server answers otherwise are those of the
+// schema sabrel_dictionary. A block becomes one DO statement, whose calls ask the catalogue whether
+// they call a function or a procedure.
+//
+//   CompileForPostgresql("SELECT LIMIT FROM t")  // SELECT "limit" FROM t
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace sabrel::odbc {
+
+/// `statement` is what dialect::RequireOneStatement returned. Empty where there is nothing to send.
+/// Errors: dialect::SyntaxFailure; 1008 for a bind parameter, 900 for a stored routine in PL/SQL
+[[nodiscard]] std::string CompileForPostgresql(std::string_view statement);
+
+/// The parts of a qualified name as Oracle's catalogue holds them, each as PostgreSQL's does.
+[[nodiscard]] std::string PostgresqlName(std::string_view catalogue_name);
+
+}  // namespace sabrel::odbc

@@ -1,0 +1,152 @@
+#include "adapters/odbc/session.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "adapters/odbc/driver.h"
+#include "adapters/odbc/reachability.h"
+
+namespace sabrel::odbc {
+namespace {
+
+// How long a caller waits beyond a limit for the server to end the statement by itself, which
+// keeps the connection.
+constexpr std::chrono::milliseconds kGrace{200};
+
+Meaning Failed(ConnectionFailure code) { return {0, code}; }
+
+/// A connection attempt failed: asks the address why, where the driver did not say.
+[[noreturn]] void ThrowConnectFailure(const Engine& engine, const ConnectionProfile& profile,
+                                      const Diagnosis& diagnosis, Deadline deadline) {
+  if (const auto login = engine.MeaningOfRefusedLogin(diagnosis)) {
+    throw Refused(*login, diagnosis.message, diagnosis.state);
+  }
+  const Meaning meaning = engine.MeaningOf(diagnosis, Verb::kOther);
+  const bool is_unclear = meaning.connection == ConnectionFailure::kRefusedOrSevered ||
+                          meaning.connection == ConnectionFailure::kConnectTimeOut;
+  if (!is_unclear) throw Refused(meaning, diagnosis.message, diagnosis.state);
+  const auto code = ReachabilityOf(profile.Host, profile.Port, deadline);
+  throw Refused(Failed(code.value_or(ConnectionFailure::kRefusedOrSevered)), diagnosis.message,
+                diagnosis.state);
+}
+
+}  // namespace
+
+void CancelSwitch::Add(Worker& worker) {
+  const std::lock_guard lock(mutex_);
+  workers_.push_back(&worker);
+}
+
+void CancelSwitch::Remove(Worker& worker) {
+  const std::lock_guard lock(mutex_);
+  std::erase(workers_, &worker);
+}
+
+void CancelSwitch::CancelAll() noexcept {
+  const std::lock_guard lock(mutex_);
+  for (Worker* const worker : workers_) worker->Cancel();
+}
+
+Session::Session(const Engine& engine, ConnectionProfile profile, Opening opening,
+                 std::shared_ptr<CancelSwitch> cancel)
+    : engine_(engine), profile_(std::move(profile)), opening_(opening), cancel_(std::move(cancel)) {
+  if (profile_.Port == 0) profile_.Port = engine.UsualPort();
+  address_ = profile_.Host + ":" + std::to_string(profile_.Port);
+}
+
+Session::Place Session::Take() {
+  if (!idle_.empty()) {
+    Place place = std::move(idle_.back());
+    idle_.pop_back();
+    return place;
+  }
+  RequireFewLeftBehind(address_);
+  return {std::make_unique<Worker>(address_), false};
+}
+
+void Session::GiveBack(Place place) noexcept {
+  if (!closed_ && place.is_connected && idle_.size() < kMostIdle) idle_.push_back(std::move(place));
+}
+
+void Session::Close() noexcept {
+  closed_ = true;
+  idle_.clear();
+}
+
+Lease::Lease(std::shared_ptr<Session> session)
+    : session_(std::move(session)), place_(session_->Take()) {}
+
+Lease::~Lease() {
+  if (place_.worker) session_->GiveBack(std::move(place_));
+}
+
+void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure code) {
+  class Watch {
+   public:
+    Watch(CancelSwitch& cancel, Worker& worker) : cancel_(cancel), worker_(worker) {
+      cancel_.Add(worker_);
+    }
+    ~Watch() { cancel_.Remove(worker_); }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+   private:
+    CancelSwitch& cancel_;
+    Worker& worker_;
+  };
+  const Watch watch(*session_->cancel_, *place_.worker);
+  const auto patience = deadline ? Deadline(*deadline + kGrace) : deadline;
+  const Worker::End end = place_.worker->Run(std::move(task), patience, code);
+  if (end == Worker::End::kDone) return;
+  place_.is_connected = false;
+  if (end == Worker::End::kCancelled) {
+    throw Refused({1013, std::nullopt}, "user requested cancel of current operation");
+  }
+  throw Refused(Failed(code), code == ConnectionFailure::kConnectTimeOut
+                                  ? "the server did not take the connection in time"
+                                  : "the server did not answer in time");
+}
+
+void Lease::Connect() {
+  const Deadline deadline = DeadlineIn(session_->profile_.ConnectTimeout);
+  RunWatched(
+      [&engine = session_->engine_, profile = session_->profile_, opening = session_->opening_,
+       deadline](Workplace& here) {
+        try {
+          here.connection =
+              std::make_unique<Connection>(engine, profile, opening, here.cancel_point);
+        } catch (const DriverFailure& failure) {
+          ThrowConnectFailure(engine, profile, failure.What(), deadline);
+        }
+      },
+      deadline, ConnectionFailure::kConnectTimeOut);
+  place_.is_connected = true;
+}
+
+void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
+  if (!place_.is_connected) Connect();
+  try {
+    RunWatched(std::move(task), deadline, ConnectionFailure::kReceiveTimeOut);
+  } catch (const DriverFailure& failure) {
+    const Diagnosis& diagnosis = failure.What();
+    Meaning meaning = session_->engine_.MeaningOf(diagnosis, verb);
+    // The server ends a statement alike when its time is over and when it was asked to.
+    constexpr std::int32_t kCancelled = 1013;
+    constexpr std::chrono::milliseconds kEarly{100};
+    if (meaning.native_number == kCancelled && deadline && !place_.worker->WasCancelled() &&
+        std::chrono::steady_clock::now() + kEarly >= *deadline) {
+      meaning = Failed(ConnectionFailure::kReceiveTimeOut);
+    }
+    if (meaning.connection && meaning.connection != ConnectionFailure::kReceiveTimeOut) {
+      place_.is_connected = false;
+      session_->DropIdle();
+    }
+    throw Refused(meaning, diagnosis.message, diagnosis.state);
+  }
+}
+
+void Lease::Post(Worker::Task task) noexcept {
+  if (place_.worker && place_.is_connected) place_.worker->Post(std::move(task));
+}
+
+}  // namespace sabrel::odbc

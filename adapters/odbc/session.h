@@ -1,0 +1,114 @@
+// The connections of one thread to one server as one user.
+//
+// A request borrows a worker with its connection and gives it back; rows that are still being read
+// keep theirs, since a failing statement would end their cursor on the server. Mostly one
+// connection serves everything.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "adapters/odbc/engine.h"
+#include "adapters/odbc/worker.h"
+#include "sabrel/platform/connection_profile.h"
+
+namespace sabrel::odbc {
+
+/// What the server or the way to it refused, in callers' numbers.
+class Refused : public std::exception {
+ public:
+  Refused(Meaning meaning, std::string message, std::string state = {})
+      : meaning_(meaning), message_(std::move(message)), state_(std::move(state)) {}
+  [[nodiscard]] const Meaning& What() const noexcept { return meaning_; }
+  [[nodiscard]] const std::string& Message() const noexcept { return message_; }
+  /// The SQLSTATE that the driver gave, if any.
+  [[nodiscard]] const std::string& State() const noexcept { return state_; }
+  [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  Meaning meaning_;
+  std::string message_;
+  std::string state_;
+};
+
+/// The workers of a thread that work for a request now, which Cancel may stop.
+class CancelSwitch {
+ public:
+  void Add(Worker& worker);
+  void Remove(Worker& worker);
+  /// Any thread.
+  void CancelAll() noexcept;
+
+ private:
+  std::mutex mutex_;
+  std::vector<Worker*> workers_;
+};
+
+class Session {
+ public:
+  static constexpr std::size_t kMostIdle = 4;
+
+  Session(const Engine& engine, ConnectionProfile profile, Opening opening,
+          std::shared_ptr<CancelSwitch> cancel);
+
+  /// Time-outs may change from request to request.
+  void ConnectTimeout(std::int32_t seconds) noexcept { profile_.ConnectTimeout = seconds; }
+  [[nodiscard]] const Engine& Server() const noexcept { return engine_; }
+  /// "host:port", and what errors call their origin: "host:port/database".
+  [[nodiscard]] const std::string& Address() const noexcept { return address_; }
+  [[nodiscard]] std::string Origin() const { return address_ + "/" + profile_.Database; }
+
+  /// Closes the idle connections now, the borrowed ones when they come back.
+  void Close() noexcept;
+
+ private:
+  friend class Lease;
+  struct Place {
+    std::unique_ptr<Worker> worker;
+    bool is_connected = false;
+  };
+  [[nodiscard]] Place Take();
+  void GiveBack(Place place) noexcept;
+  /// A connection was severed: the idle ones are as dead.
+  void DropIdle() noexcept { idle_.clear(); }
+
+  const Engine& engine_;
+  ConnectionProfile profile_;
+  Opening opening_;
+  std::shared_ptr<CancelSwitch> cancel_;
+  std::string address_;
+  std::vector<Place> idle_;
+  bool closed_ = false;
+};
+
+/// A borrowed connection.
+class Lease {
+ public:
+  /// Errors: the last code of an address where too many workers were left behind
+  explicit Lease(std::shared_ptr<Session> session);
+  /// Gives the connection back, or drops it where a request left it unusable.
+  ~Lease();
+  Lease(Lease&&) noexcept = default;
+  Lease& operator=(Lease&&) = delete;
+  Lease(const Lease&) = delete;
+  Lease& operator=(const Lease&) = delete;
+
+  /// Runs `task` on the connection's thread until `deadline`, connecting first where that is to be
+  /// done. `task` must own all that it refers to, since it may outlive the call. `verb` tells
+  /// errors apart. Errors: Refused
+  void Do(Worker::Task task, Deadline deadline, Verb verb = Verb::kOther);
+  /// The same without waiting and without errors.
+  void Post(Worker::Task task) noexcept;
+
+ private:
+  void Connect();
+  void RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure code);
+
+  std::shared_ptr<Session> session_;
+  Session::Place place_;
+};
+
+}  // namespace sabrel::odbc

@@ -1,0 +1,218 @@
+#include "adapters/odbc/worker.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "sabrel/platform/rowlink.h"
+
+namespace sabrel::odbc {
+namespace {
+
+constexpr int kMostLeftBehind = 2;
+
+/// Workers left behind, by address. Never destroyed: they may return while the process ends.
+class LeftBehind {
+ public:
+  static LeftBehind& Instance() {
+    static LeftBehind* const instance = new LeftBehind;
+    return *instance;
+  }
+
+  void Add(const std::string& address, ConnectionFailure code) {
+    const std::lock_guard lock(mutex_);
+    Entry& entry = entries_[address];
+    ++entry.count;
+    entry.last_code = code;
+    ++all_;
+  }
+  void Remove(const std::string& address) noexcept {
+    const std::lock_guard lock(mutex_);
+    const auto found = entries_.find(address);
+    if (--found->second.count == 0) entries_.erase(found);
+    --all_;
+  }
+  [[nodiscard]] std::optional<ConnectionFailure> CodeOfFull(const std::string& address) {
+    const std::lock_guard lock(mutex_);
+    const auto found = entries_.find(address);
+    if (found == entries_.end() || found->second.count < kMostLeftBehind) return std::nullopt;
+    return found->second.last_code;
+  }
+  [[nodiscard]] int All() const noexcept { return all_; }
+
+ private:
+  struct Entry {
+    int count = 0;
+    ConnectionFailure last_code = ConnectionFailure::kReceiveTimeOut;
+  };
+  std::mutex mutex_;
+  std::map<std::string, Entry> entries_;
+  std::atomic<int> all_ = 0;
+};
+
+/// Starts a thread that takes no signals: those belong to the host's own threads.
+template <class Work>
+void StartQuietly(Work work) {
+  sigset_t all;
+  sigset_t before;
+  ::sigfillset(&all);
+  ::pthread_sigmask(SIG_SETMASK, &all, &before);
+  try {
+    std::thread(std::move(work)).detach();
+  } catch (...) {
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    throw;
+  }
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+}  // namespace
+
+Deadline DeadlineIn(std::int32_t seconds) {
+  if (seconds <= 0) return std::nullopt;
+  return std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+}
+
+struct Worker::State {
+  struct Job {
+    Task task;
+    std::exception_ptr failure;
+    bool done = false;
+  };
+  std::string address;
+  std::mutex mutex;
+  std::condition_variable has_work;
+  std::condition_variable has_news;  // for the one that waits in Run
+  std::deque<std::shared_ptr<Job>> jobs;
+  bool ends = false;
+  bool left_behind = false;
+  bool cancelling = false;
+  std::optional<std::chrono::steady_clock::time_point> cancelled_at;
+  Workplace workplace;  // the thread's; its cancel point is any thread's
+};
+
+Worker::Worker(std::string address) : state_(std::make_shared<State>()) {
+  state_->address = std::move(address);
+  StartQuietly([state = state_] { Live(state); });
+}
+
+Worker::~Worker() {
+  const std::lock_guard lock(state_->mutex);
+  state_->ends = true;
+  state_->has_work.notify_one();
+}
+
+void Worker::Live(const std::shared_ptr<State>& state) noexcept {
+  std::unique_lock lock(state->mutex);
+  while (true) {
+    state->has_work.wait(lock, [&] { return !state->jobs.empty() || state->ends; });
+    if (state->jobs.empty()) break;
+    const std::shared_ptr<State::Job> job = std::move(state->jobs.front());
+    state->jobs.pop_front();
+    lock.unlock();
+    try {
+      job->task(state->workplace);
+    } catch (...) {
+      job->failure = std::current_exception();
+    }
+    job->task = nullptr;  // what it owns ends on this thread
+    lock.lock();
+    job->done = true;
+    state->has_news.notify_one();
+    if (state->left_behind) break;
+  }
+  state->jobs.clear();
+  lock.unlock();
+  state->workplace.statement.reset();
+  state->workplace.connection.reset();
+  lock.lock();
+  if (state->left_behind) LeftBehind::Instance().Remove(state->address);
+}
+
+Worker::End Worker::Run(Task task, Deadline deadline, ConnectionFailure code) {
+  const auto job = std::make_shared<State::Job>();
+  job->task = std::move(task);
+  std::unique_lock lock(state_->mutex);
+  state_->cancelled_at.reset();
+  state_->jobs.push_back(job);
+  state_->has_work.notify_one();
+  while (!job->done) {
+    Deadline until = deadline;
+    if (state_->cancelled_at) {
+      const auto patience = *state_->cancelled_at + kCancelPatience;
+      if (!until || patience < *until) until = patience;
+    }
+    if (!until) {
+      state_->has_news.wait(lock);
+      continue;
+    }
+    if (state_->has_news.wait_until(lock, *until) != std::cv_status::timeout || job->done) continue;
+    const auto now = std::chrono::steady_clock::now();
+    const bool is_cancelled =
+        state_->cancelled_at && *state_->cancelled_at + kCancelPatience <= now;
+    const bool is_late = deadline && *deadline <= now;
+    if (!is_cancelled && !is_late) continue;
+    LeaveBehind(code);
+    return is_late ? End::kTimeOut : End::kCancelled;
+  }
+  if (job->failure) std::rethrow_exception(job->failure);
+  return End::kDone;
+}
+
+void Worker::LeaveBehind(ConnectionFailure code) {
+  state_->left_behind = true;
+  state_->ends = true;
+  LeftBehind::Instance().Add(state_->address, code);
+}
+
+void Worker::Post(Task task) noexcept {
+  const std::lock_guard lock(state_->mutex);
+  const auto job = std::make_shared<State::Job>();
+  job->task = std::move(task);
+  state_->jobs.push_back(job);
+  state_->has_work.notify_one();
+}
+
+void Worker::Cancel() noexcept {
+  {
+    const std::lock_guard lock(state_->mutex);
+    if (!state_->cancelled_at) state_->cancelled_at = std::chrono::steady_clock::now();
+    state_->has_news.notify_one();
+    if (std::exchange(state_->cancelling, true)) return;
+  }
+  try {
+    // The driver asks the server on a connection of its own, which may take as long as any.
+    StartQuietly([state = state_] {
+      state->workplace.cancel_point->Cancel();
+      const std::lock_guard lock(state->mutex);
+      state->cancelling = false;
+    });
+  } catch (...) {
+    const std::lock_guard lock(state_->mutex);
+    state_->cancelling = false;
+  }
+}
+
+bool Worker::WasCancelled() const noexcept {
+  const std::lock_guard lock(state_->mutex);
+  return state_->cancelled_at.has_value();
+}
+
+void RequireFewLeftBehind(const std::string& address) {
+  const auto code = LeftBehind::Instance().CodeOfFull(address);
+  if (!code) return;
+  throw ConnectionFailed(*code, "The Data Server at " + address +
+                                    " does not answer: earlier requests still wait for it.");
+}
+
+int WorkersLeftBehind() noexcept { return LeftBehind::Instance().All(); }
+
+}  // namespace sabrel::odbc

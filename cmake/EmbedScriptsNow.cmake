@@ -1,0 +1,16 @@
+# cmake -DOUTPUT=file.cpp -DFOLDER=folder -DHEADER=file.h -DFUNCTION=Name "-DSCRIPTS=a.sql;b.sql" -P EmbedScriptsNow.cmake
+# Writes the scripts as one table of raw string constants.
+string(REGEX MATCH "[A-Za-z]+$" name "${FUNCTION}")
+string(REGEX REPLACE "(^|::)[A-Za-z]+$" "" namespace "sabrel::${FUNCTION}")
+set(content "#include \"${HEADER}\"\n\nnamespace ${namespace} {\nnamespace {\n\n")
+string(APPEND content "using Scripts = decltype(${name}());\nconstexpr Scripts::value_type kScripts[] = {\n")
+foreach(script IN LISTS SCRIPTS)
+  file(READ "${FOLDER}/${script}" text)
+  file(SIZE "${FOLDER}/${script}" size)
+  if(size GREATER 16000)
+    message(FATAL_ERROR "${script} is too long for one string constant of every compiler: split it")
+  endif()
+  string(APPEND content "    {\"${script}\", R\"script(${text})script\"},\n")
+endforeach()
+string(APPEND content "};\n\n}  // namespace\n\nScripts ${name}() { return kScripts; }\n\n}  // namespace ${namespace}\n")
+file(WRITE "${OUTPUT}" "${content}")
