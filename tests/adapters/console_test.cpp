@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pty.h>
@@ -7,6 +6,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <set>
@@ -17,8 +17,8 @@
 #include "adapters/console/environment_locale.h"
 #include "adapters/console/password_prompt.h"
 #include "adapters/console/registry_file.h"
-#include "tests/adapters/temporary_folder.h"
 #include "tests/platform/failures.h"
+#include "tests/support/sample_site_copy.h"
 
 namespace sabrel {
 namespace {
@@ -108,30 +108,18 @@ TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
   } rows[] = {
       {"LF only, comments, blanks", ";c\n\n [hklm\\a\\b] ; c\n \"v\" = \"x;y\" ;c\n", "x;y"},
       {"escapes", "[HKLM\\A\\B]\n\"v\"=\"C:\\\\Q \\\"x\\\"\"\n", "C:\\Q \"x\""},
-      {"text of two lines", "[HKLM\\A\\B]\n\"v\"=\"x\r\ny\"\n", "x\r\ny"},
-      {"later file part wins", "[HKLM\\A\\B]\n\"v\"=\"x\"\n[HKLM\\A\\B]\n\"V\"=\"y\"\n", "y"},
       {"dword", "[HKLM\\A\\B]\n\"v\"=dword:0000002A\n", "true"},
       {"qword", "[HKLM\\A\\B]\n\"v\"=hex(b):00,00,00,00,00,00,00,80\n", "true"},
       {"UTF-16 over lines", "[HKLM\\A\\B]\n\"v\"=hex(2):25,00,\\\r\n  41,00,00,00\n", "%A"},
-      {"binary and list", "[HKLM\\A\\B]\n\"v\"=hex:01,02\n\"v\"=hex(7):41,00\n", "-"},
       {"value removed", "[HKLM\\A\\B]\n\"v\"=\"x\"\n\"V\"=-\n", "-"},
       {"key removed", "[HKLM\\A\\B\\C]\n[-HKLM\\a\\b]\n[-HKLM\\x\\y]\n", "no key"},
-      {"parents exist", "[HKLM\\A\\B\\C]\n\"v\"=\"x\"\n", "-"},
       {"unknown hive", "[HKEY\\A]\n", "line 2: the key does not start"},
-      {"key without name", "[HKLM\\\\A]\n", "line 2: the key has a part without"},
-      {"key open", "\n[HKLM\\A\n", "line 3: the name of the key is not closed"},
-      {"value without key", "\"v\"=\"x\"\n", "line 2: the value stands under no key"},
       {"value under removed", "[-HKLM\\A]\n\"v\"=-\n", "line 3: the value stands under no key"},
       {"single backslash", "[HKLM\\A]\n\"v\"=\"C:\\x\"\n", "line 3: a backslash"},
       {"text open", "[HKLM\\A]\n\"v\"=\"x\n\n", "line 3: the text is not closed"},
-      {"text behind text", "[HKLM\\A]\n\"v\"=\"x\" y\n", "line 3: there is more text"},
-      {"no type", "[HKLM\\A]\n\"v\"=dwo\n", "line 3: the type of the value is missing"},
       {"odd type", "[HKLM\\A]\n\"v\"=hex(g):00\n", "line 3: the type of the value is not known"},
       {"short dword", "[HKLM\\A]\n\"v\"=dword:0000002\n", "line 3: a number of 8 hex"},
-      {"list ends in comma", "[HKLM\\A]\n\"v\"=hex:01,\n", "line 3: the list of bytes ends"},
-      {"no comma", "[HKLM\\A]\n\"v\"=hex:01 02\n", "line 3: a comma is missing"},
       {"half character", "[HKLM\\A]\n\"v\"=hex(1):41\n", "line 3: the text ends in half"},
-      {"short qword", "[HKLM\\A]\n\"v\"=hex(b):01,\\\n02\n", "line 3: the number has to have 8"},
       {"garbage", "[HKLM\\A]\nv=1\n", "line 3: this is neither a key"},
   };
   for (const auto& row : rows) {
@@ -152,10 +140,8 @@ TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
 
 TEST(RegistryFile, TakesOrRefusesEncodings) {
   const std::u16string start = u"Windows Registry Editor Version 5.00\n[HKLM\\A\\B]\n\"v\"=\"";
-  EXPECT_EQ(ReadSetting(Utf16(start + u"\u00E9\u20AC\U0001F600\"\n"), "v"),
-            "\u00E9\u20AC\U0001F600");
-  const std::u16string halves = {u'x', 0xD83D, u'y', 0xDE00, u'"', u'\n'};
-  EXPECT_EQ(ReadSetting(Utf16(start + halves), "v"), "x\uFFFDy\uFFFD");
+  const std::u16string halves = {u'é', 0xD83D, 0xDE00, u'x', 0xD83D, u'y', 0xDE00, u'"', u'\n'};
+  EXPECT_EQ(ReadSetting(Utf16(start + halves), "v"), "é😀x\uFFFDy\uFFFD");
   const std::string ansi = "REGEDIT4\n[HKLM\\A\\B]\n\"v\"=hex(2):41,";
   EXPECT_EQ(ReadSetting(ansi + "42,00\n", "v"), "AB");
 
@@ -166,10 +152,9 @@ TEST(RegistryFile, TakesOrRefusesEncodings) {
       {"REGEDIT4\n;\xE9\n", "line 2: the text is neither UTF-8"},
       {"\xFE\xFF" + std::string(kHeader), "big-endian"},
       {Utf16(start).substr(2), "byte-order mark"},
-      {"REGEDIT5\n", "header"},
       {deep + "]\n", "line 2: the key is nested too deeply"}};
   for (const auto& [bytes, told] : refused) {
-    EXPECT_THAT(FailureOfCall([&, &text = bytes] { (void)RegistryFile::FromBytes(text, "s.reg"); }),
+    EXPECT_THAT(FailureOfCall([&, &text = bytes] { (void)ReadSetting(text, "v"); }),
                 HasSubstr(told));
   }
 }
@@ -182,14 +167,13 @@ TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
     const std::string bytes = wide ? Utf16OfAscii(text) : text;
     int loaded = 0;
     for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
-      SCOPED_TRACE(cut);
       const std::size_t characters = wide ? cut / 2 - (cut >= 2 ? 1 : 0) : cut;
       const std::string_view kept = std::string_view(text).substr(0, characters);
       const std::size_t last = kept.find_last_not_of("\r\n");
       const bool whole = (!wide || cut % 2 == 0) && last + 1 < kept.size() && kept[last] != '\\';
       const std::string failure =
           FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes.substr(0, cut), "s.reg"); });
-      EXPECT_EQ(failure == "0 ", whole) << failure;
+      EXPECT_EQ(failure == "0 ", whole) << cut << ": " << failure;
       loaded += whole ? 1 : 0;
     }
     // Behind CR and behind LF of each line but the continued one and the last LF.
@@ -197,60 +181,42 @@ TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
   }
 }
 
-TEST(RegistryFile, ReadsTruthFromNumbersAndWords) {
-  const std::pair<const char*, int> rows[] = {
-      {"True", 1}, {"YES", 1}, {"y", 1},  {" 1 ", 1}, {"-2.5", 1}, {"false", 0}, {"No", 0},
-      {"n", 0},    {"0.0", 0}, {"on", 2}, {"", 2},    {"1x", 2},   {"nan", 2}};
-  for (const auto& [word, expected] : rows) {
-    SCOPED_TRACE(word);
-    const auto registry =
-        RegistryFile::FromBytes("REGEDIT4\n[HKCU]\n@=\"" + std::string(word) + "\"\n", "s.reg");
-    const auto key = registry.OpenKey("HKCU");
-    EXPECT_EQ(key->ReadBoolean("", true), expected != 0);
-    EXPECT_EQ(key->ReadBoolean("", false), expected == 1);
-  }
-}
-
 TEST(RegistryFile, OpensKeysThatOutliveIt) {
   const TemporaryFolder folder;
-  std::ofstream(folder.File("s.reg")) << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
-  auto registry = std::make_unique<RegistryFile>(folder.File("s.reg"));
+  std::ofstream(folder.Path("s.reg")) << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
+  auto registry = std::make_unique<RegistryFile>(folder.Path("s.reg"));
   EXPECT_EQ(registry->OpenKey("\\HKEY_LOCAL_MACHINE\\A\\X"), nullptr);
-  EXPECT_EQ(registry->OpenKey("\\HKEY\\A"), nullptr);
   const auto key = registry->OpenKey("\\hkey_local_machine\\a");
   registry.reset();
   EXPECT_EQ(key->OpenSubkey("C"), nullptr);
   EXPECT_EQ(key->OpenSubkey("b\\c")->ReadString("", "d"), "x");
-
-  EXPECT_EQ(RegistryFile().OpenKey("\\HKEY_LOCAL_MACHINE"), nullptr);
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.File("")); }), HasSubstr("Is a directory"));
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.File("no.reg")); }),
-              ::testing::AllOf(HasSubstr("75 "), HasSubstr("no.reg\""), HasSubstr("No such file")));
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.Path("")); }), HasSubstr("Is a directory"));
+  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.Path("no.reg")); }),
+              ::testing::ContainsRegex("75 .*no.reg\".*No such file"));
 }
 
 // Message boxes
 
 TEST(ConsoleServices, AnswersBoxesByModeAndStyleWhereNobodyCanBeAsked) {
   const struct {
-    const char* name;
     AnswerMode mode;
     std::int32_t style;
     std::int32_t answer;
     std::string shown;
   } rows[] = {
-      {"yes", AnswerMode::kYes, 52, 6, "[exclamation] C d\n  a\n  b\\x07\n  Yes or No? Yes\n"},
-      {"no", AnswerMode::kNo, 20, 7, "[critical] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
-      {"ask", AnswerMode::kAsk, 292, 7, "[question] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
-      {"no icon", AnswerMode::kAsk, 0, 1, "[message] C d\n  a\n  b\\x07\n"},
+      {AnswerMode::kYes, 52, 6, "[exclamation] C d\n  a\n  b\\x07\n  Yes or No? Yes\n"},
+      {AnswerMode::kNo, 20, 7, "[critical] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
+      {AnswerMode::kAsk, 292, 7, "[question] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
+      {AnswerMode::kAsk, 0, 1, "[message] C d\n  a\n  b\\x07\n"},
   };
   const TemporaryFolder folder;
   for (const auto& row : rows) {
     ConsoleServicesOptions options;
     options.answer = row.mode;
-    options.terminal = std::fopen(folder.File("box").c_str(), "w");
+    options.terminal = std::fopen(folder.Path("box").c_str(), "w");
     EXPECT_EQ(ConsoleServices(options).ShowMessage("a\r\nb\a", row.style, "C\r\nd"), row.answer);
     std::fclose(options.terminal);
-    EXPECT_EQ(Contents(folder.File("box")), row.shown) << row.name;
+    EXPECT_EQ(Contents(folder.Path("box")), row.shown);
   }
 }
 
@@ -259,8 +225,8 @@ TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
     const char* typed;
     std::int32_t style;
     std::int32_t answer;
-  } rows[] = {{"y\n", 292, 6}, {"YES\n", 52, 6}, {"n\n", 52, 7},  {" no \n", 52, 7},
-              {"\n", 292, 7},  {"\n", 52, 6},    {"\x04", 52, 7}, {"what\ny\n", 292, 6}};
+  } rows[] = {{"YES\n", 292, 6}, {" no \n", 52, 7}, {"\n", 292, 7},
+              {"\n", 52, 6},     {"\x04", 52, 7},   {"what\ny\n", 292, 6}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.typed);
     Terminal terminal;
@@ -278,16 +244,10 @@ TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
 }
 
 TEST(VisibleText, ShowsWhatCouldSteerATerminal) {
-  const std::pair<std::string, const char*> rows[] = {
-      {"plain \t \u00E9\u20AC\U0001F600", "plain \t \u00E9\u20AC\U0001F600"},
-      {"a\r\nb\nc\rd\n\re", "a|b|c|d||e"},
-      {"\x1B[31m\x7F\b", "\\x1B[31m\\x7F\\x08"},
-      {std::string("a\0b", 3), "a\\x00b"},
-      {"\u0080\u009B\u009F\u00A0", "\\u0080\\u009B\\u009F\u00A0"},
-      {"\u202E\u2066\u200F\u2028\uFEFF", "\\u202E\\u2066\\u200F\\u2028\\uFEFF"},
-      {"\x9B\xC3(\xE2\x82", "\\x9B\\xC3(\\xE2\\x82"},
-  };
-  for (const auto& [text, expected] : rows) EXPECT_EQ(VisibleText(text, "|"), expected);
+  EXPECT_EQ(VisibleText("\t é€😀 a\r\nb\nc\rd\n\re", "|"), "\t é€😀 a|b|c|d||e");
+  EXPECT_EQ(VisibleText(std::string("\x1B[31m\x7F\0b", 8), "|"), "\\x1B[31m\\x7F\\x00b");
+  EXPECT_EQ(VisibleText("\u009B\u00A0\u202E\u2028", "|"), "\\u009B\u00A0\\u202E\\u2028");
+  EXPECT_EQ(VisibleText("\x9B\xC3(\xE2\x82", "|"), "\\x9B\\xC3(\\xE2\\x82");
 }
 
 // Trace and log
@@ -300,8 +260,8 @@ ConsoleServicesOptions LogTo(const std::string& path, std::size_t bytes = 1 << 2
 
 TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
   const TemporaryFolder folder;
-  std::ofstream(folder.File("s.log")) << "torn";
-  ConsoleServices services(LogTo(folder.File("s.log")));
+  std::ofstream(folder.Path("s.log")) << "torn";
+  ConsoleServices services(LogTo(folder.Path("s.log")));
   services.WriteTrace("dropped");
   services.TraceSwitch(true);
   services.WriteTrace("caption\r\nQuery: \x1B");
@@ -310,56 +270,47 @@ TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
   const std::string at = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[\\d+\\] ";
   const std::regex expected("torn\n" + at + "trace: caption\n    Query: \\\\x1B\n" + at +
                             "log: Assertion failed in S, M\\.P: m\n");
-  EXPECT_TRUE(std::regex_match(Contents(folder.File("s.log")), expected))
-      << Contents(folder.File("s.log"));
+  EXPECT_TRUE(std::regex_match(Contents(folder.Path("s.log")), expected))
+      << Contents(folder.Path("s.log"));
 }
 
 TEST(ConsoleServices, PutsFullLogsAsideAndKeepsTheLastOnes) {
   const TemporaryFolder folder;
-  ConsoleServices services(LogTo(folder.File("s.log"), 100));
+  ConsoleServices services(LogTo(folder.Path("s.log"), 100));
   for (const char* entry : {"first", "second", "third", "fourth"}) {
     services.WriteLog(entry + std::string(60, '.'));
   }
-  EXPECT_THAT(Contents(folder.File("s.log")), HasSubstr("fourth"));
-  EXPECT_THAT(Contents(folder.File("s.1.log")), HasSubstr("third"));
-  EXPECT_THAT(Contents(folder.File("s.2.log")), HasSubstr("second"));
-  EXPECT_FALSE(fs::exists(folder.File("s.3.log")));
+  EXPECT_THAT(Contents(folder.Path("s.log")), HasSubstr("fourth"));
+  EXPECT_THAT(Contents(folder.Path("s.1.log")), HasSubstr("third"));
+  EXPECT_THAT(Contents(folder.Path("s.2.log")), HasSubstr("second"));
+  EXPECT_FALSE(fs::exists(folder.Path("s.3.log")));
 }
 
 TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
   const TemporaryFolder folder;
-  const std::string open = FailureOfCall([&] { ConsoleServices services(LogTo(folder.File(""))); });
-  EXPECT_THAT(open, HasSubstr("75 The log file"));
-  EXPECT_THAT(open, HasSubstr("Is a directory"));
-
+  EXPECT_THAT(FailureOfCall([&] { ConsoleServices services(LogTo(folder.Path(""))); }),
+              ::testing::ContainsRegex("75 The log file.*Is a directory"));
   ConsoleServices full(LogTo("/dev/full"));
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < 2; ++i) {
     EXPECT_THAT(FailureOfCall([&] { full.WriteLog("entry"); }),
-                ::testing::AllOf(HasSubstr("\"/dev/full\""), HasSubstr("No space left")));
+                ::testing::ContainsRegex("\"/dev/full\".*No space left"));
   }
 
-  fs::create_directory(folder.File("sub"));
-  ConsoleServices rotating(LogTo(folder.File("sub/s.log"), 50));
+  fs::create_directory(folder.Path("sub"));
+  ConsoleServices rotating(LogTo(folder.Path("sub/s.log"), 50));
   rotating.WriteLog(std::string(60, '.'));
-  fs::create_directories(folder.File("sub/s.2.log/in the way"));
-  fs::create_directories(folder.File("sub/s.1.log"));
+  fs::create_directories(folder.Path("sub/s.2.log/in the way"));
+  fs::create_directories(folder.Path("sub/s.1.log"));
   EXPECT_THAT(FailureOfCall([&] { rotating.WriteLog("a"); }), HasSubstr("failed renaming"));
-  fs::remove_all(folder.File("sub"));
+  fs::remove_all(folder.Path("sub"));
   rotating.WriteLog("works again");
-  EXPECT_THAT(Contents(folder.File("sub/s.log")), HasSubstr("works again"));
-
-  ConsoleServicesOptions options;
-  options.terminal = std::fopen("/dev/full", "w");
-  ConsoleServices mute(options);
-  EXPECT_THAT(FailureOfCall([&] { mute.ShowMessage("t", 16, "c"); }), HasSubstr("No space left"));
-  std::fclose(options.terminal);
+  EXPECT_THAT(Contents(folder.Path("sub/s.log")), HasSubstr("works again"));
 }
 
-TEST(ConsoleServices, KeepsLinesWholeWhenEightThreadsWrite) {
+TEST(ConsoleServices, KeepsEntriesWholeWhenEightThreadsWrite) {
   const TemporaryFolder folder;
-  ConsoleServicesOptions options = LogTo(folder.File("s.log"), 1000);
+  ConsoleServicesOptions options = LogTo(folder.Path("s.log"), 1000);
   options.log.rotated_files = 120;
-  options.terminal = std::fopen(folder.File("boxes.log").c_str(), "w");
   {
     ConsoleServices services(options);
     std::vector<std::jthread> threads;
@@ -367,70 +318,42 @@ TEST(ConsoleServices, KeepsLinesWholeWhenEightThreadsWrite) {
       threads.emplace_back([&, t] {
         for (int i = 0; i < 100; ++i) {
           services.TraceSwitch(i % 2 == 0);
-          const std::string text = std::to_string(t) + "." + std::to_string(i) + "!";
-          services.WriteLog(text + "\n" + std::string(20, 'x'));
-          services.ShowMessage(text, 292, "c");
+          services.WriteLog(std::to_string(t * 100 + i) + "!\n" + std::string(20, 'x'));
         }
       });
     }
   }
-  std::fclose(options.terminal);
-  const std::pair<const char*, const char*> rows[] = {
-      {"s", "[-\\d]{10} [:.\\d]{12} \\[\\d+\\] log: (\\d\\.\\d+!)\n    x{20}\n"},
-      {"boxes", "\\[question\\] c\n  (\\d\\.\\d+!)\n  Yes or No\\? No\n"}};
-  for (const auto& [file, pattern] : rows) {
-    std::string text = Contents(folder.File(file + std::string(".log")));
-    for (int i = 1; i <= 120; ++i) {
-      text += Contents(folder.File(file + ("." + std::to_string(i)) + ".log"));
-    }
-    const std::regex entry(pattern);
-    std::set<std::string> seen;
-    std::size_t length = 0;
-    for (std::sregex_iterator it(text.begin(), text.end(), entry), end; it != end; ++it) {
-      seen.insert((*it)[1]);
-      length += static_cast<std::size_t>(it->length());
-    }
-    EXPECT_EQ(seen.size(), 800U) << file;
-    EXPECT_EQ(length, text.size()) << file;
-  }
+  std::string text = Contents(folder.Path("s.log"));
+  for (int i = 1; i <= 120; ++i) text += Contents(folder.Path("s." + std::to_string(i) + ".log"));
+  const std::regex entry("[-\\d]{10} [:.\\d]{12} \\[\\d+\\] log: (\\d+!)\n    x{20}\n");
+  const std::set<std::string> seen(std::sregex_token_iterator(text.begin(), text.end(), entry, 1),
+                                   {});
+  EXPECT_EQ(seen.size(), 800U);
+  EXPECT_EQ(std::regex_replace(text, entry, ""), "");
 }
 
 // Locale, prompt
 
 TEST(EnvironmentLocale, DerivesFactsFromPatterns) {
-  const struct {
-    const char *name, *decimal, *thousands, *date, *time;
-    const char* expected;  // decimal thousands date separator, time separator, order
-  } rows[] = {
-      {"C", ".", "", "%m/%d/%y", "%H:%M:%S", ". , / : 0"},
-      {"es_ES", ",", "", "%d/%m/%y", "%T", ", . / : 1"},
-      {"fi_FI", ",", "\u202F", "%d.%m.%Y", "%H.%M.%S", ", \u202F . . 1"},
-      {"fr_FR in Latin-1", ",", "\xA0", "%d/%m/%Y", "%T", ", \u00A0 / : 1"},
-      {"en_CA", ".", ",", "%F", "%T", ". , - : 2"},
-      {"vi_VN", ",", ".", "%A, %d/%m/%Y", "%Od:%M", ", . / : 1"},
-      {"ja_JP", ".", ",", "%Y年%m月%d日", "%H時%M分%S秒", ". , / : 2"},
-      {"nothing", "", "", "", "%", ". , / : 0"},
+  const char* const rows[][5] = {
+      // decimal, thousands, date, time; what comes of them, at last the order of the date
+      {",", "\u202F", "%d.%m.%Y", "%H.%M.%S", ", \u202F . . 1"},
+      {",", "\xA0", "%d/%m/%Y", "%T", ", \u00A0 / : 1"},  // Latin-1
+      {",", ".", "%A, %d/%m/%Y", "%Od:%M", ", . / : 1"},
+      {".", ",", "%Y年%m月%d日", "%H時%M分%S秒", ". , / : 2"},
+      {"", "", "", "%", ". , / : 0"},
   };
-  for (const auto& row : rows) {
-    const LocaleFacts f = LocaleFactsOf(row.decimal, row.thousands, row.date, row.time);
+  for (const auto& [decimal, thousands, date, time, expected] : rows) {
+    const LocaleFacts f = LocaleFactsOf(decimal, thousands, date, time);
     EXPECT_EQ(f.decimal_separator + " " + f.thousands_separator + " " + f.date_separator + " " +
                   f.time_separator + " " + std::to_string(static_cast<int>(f.date_order)),
-              row.expected)
-        << row.name;
+              expected);
   }
-  ::setenv("LC_ALL", "xx_NOT_INSTALLED", 1);
-  EXPECT_EQ(EnvironmentLocale().decimal_separator, ".");
-  ::unsetenv("LC_ALL");
 }
 
 volatile std::sig_atomic_t g_interrupts = 0;
 
 TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
-  const int null = ::open("/dev/null", O_RDONLY);
-  EXPECT_THAT(FailureOfCall([&] { (void)PromptWithoutEcho("P", null); }),
-              HasSubstr("not a terminal"));
-  ::close(null);
-
   Terminal terminal;
   const auto prompt = [&] {
     return PromptWithoutEcho("Password: ", terminal.Descriptor(), terminal.File());
@@ -444,8 +367,6 @@ TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
     EXPECT_EQ(prompt(), "s\u00E9cret ");
   }
   EXPECT_TRUE(terminal.Echoes());
-  terminal.Type("visible\n");
-  EXPECT_EQ(terminal.ReadTo("visible"), "\r\nvisible");
 
   // A signal with a handler of the host's: it runs, on whatever thread, and the prompt ends.
   g_interrupts = 0;

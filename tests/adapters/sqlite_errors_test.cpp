@@ -39,26 +39,12 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
     int number;
     const char* sql;
   } kRows[] = {
-      {"primary key", 1, "INSERT INTO P VALUES (1,'x')"},
       {"calls nested too deep", 36, "SELECT DEEPER(1) FROM DUAL"},
       {"settings of the engine", 900, "PRAGMA foreign_keys=OFF"},
       {"quoted name is no text", 904, "SELECT \"nope\" FROM P"},
-      {"missing function", 904, "SELECT NOPE(1) FROM DUAL"},
-      {"procedure as a function", 904, "SELECT DELETE_P(1) FROM DUAL"},
-      {"open parenthesis", 907, "SELECT (1 FROM DUAL"},
-      {"arguments of a function", 909, "SELECT UPPER('a','b') FROM DUAL"},
-      {"too many values", 913, "INSERT INTO P VALUES (2,'x',3)"},
-      {"too many values for a list", 913, "INSERT INTO P (ID) VALUES (2,'x')"},
-      {"ambiguous column", 918, "SELECT ID FROM P, C"},
-      {"group function", 934, "SELECT ID FROM P WHERE MAX(ID) = 1"},
-      {"missing expression", 936, "SELECT * FROM P WHERE"},
-      {"missing table to drop", 942, "DROP TABLE NOPE"},
       {"the server's own table", 942, "DELETE FROM \"SABREL_ROUTINE\""},
       {"own table behind a name", 942, "SELECT 1 FROM \"x'y\", sabrel_body"},
-      {"own function in a block", 942, "BEGIN DELETE_P(sabrel_nextval('S')); END;"},
       {"the engine's own table", 942, "SELECT * FROM sqlite_schema"},
-      {"reference to no table", 942, "CREATE TABLE Q (ID NUMBER REFERENCES NOPE(ID))"},
-      {"qualified name to drop", 942, "DROP TABLE main.C"},
       {"too few values", 947, "INSERT INTO P VALUES (2)"},
       {"routine exists", 955, "CREATE PROCEDURE OUT_P IS BEGIN DELETE FROM P; END;"},
       {"table of a sequence's name", 955, "CREATE TABLE S (ID NUMBER)"},
@@ -66,36 +52,17 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"unbound variable", 1008, "SELECT :x FROM DUAL"},
       {"empty text is null", 1400, "INSERT INTO C (ID, TXT) VALUES (2, '')"},
       {"null in a key", 1400, "INSERT INTO P (NAME) VALUES ('x')"},
-      {"null to update", 1407, "UPDATE C SET TXT = NULL"},
-      {"precision", 1438, "UPDATE C SET N = 1000"},
-      {"escape of two characters", 1425, "SELECT 1 FROM DUAL WHERE 'x' LIKE 'x' ESCAPE 'ab'"},
-      {"logarithm of nothing", 1428, "SELECT LN(0) FROM DUAL"},
       {"value beyond all bounds", 1489,
        "SELECT REPLACE(LPAD('a',32767,'a'),'a',LPAD('b',32767,'b')) FROM DUAL"},
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
-      {"text for a number", 1722, "INSERT INTO C (ID, TXT, N) VALUES (2, 'x', 'abc')"},
-      {"sum of texts", 1722, "SELECT SUM(NAME) FROM P"},
-      {"sum of dates", 932, "SELECT SUM(SYSDATE) FROM P"},
-      {"amount of a date", 932, "SELECT ABS(SYSDATE) FROM DUAL"},
-      {"the dictionary", 1031, "DROP VIEW dual"},
       {"the dictionary by its owner", 1031, "DROP\tVIEW main.user_sequences"},
       {"referenced table", 2449, "DROP TABLE P"},
       {"definition in a body", 6550, "CREATE PROCEDURE Q IS BEGIN DROP TABLE P; END;"},
-      {"view", 1732, "INSERT INTO V VALUES (5)"},
-      {"open quote", 1756, "SELECT 'x FROM DUAL"},
-      {"order of no column", 1785, "SELECT ID FROM P ORDER BY 7"},
       {"format too short", 1830, "SELECT TO_DATE('2024-01-01x','YYYY-MM-DD') FROM DUAL"},
       {"30 February", 1839, "SELECT TO_DATE('2024-02-30','YYYY-MM-DD') FROM DUAL"},
-      {"text too short", 1840, "SELECT TO_DATE('2024','YYYY-MM-DD') FROM DUAL"},
-      {"hour 24", 1850, "SELECT TO_DATE('24','HH24') FROM DUAL"},
-      {"letter for a digit", 1858, "SELECT TO_DATE('2024-01-xx','YYYY-MM-DD') FROM DUAL"},
       {"text for a date", 1861, "UPDATE C SET D = '2024-01-01'"},
-      {"unit of TRUNC", 1898, "SELECT TRUNC(SYSDATE,'X') FROM DUAL"},
       {"missing sequence", 2289, "SELECT NOPE.NEXTVAL FROM DUAL"},
-      {"child moved away", 2291, "UPDATE C SET P_ID = 9"},
       {"parent deleted in a block", 2292, "BEGIN INSERT INTO P VALUES (5,'x'); DELETE_P(1); END;"},
-      {"missing routine to drop", 4043, "DROP PROCEDURE NOPE"},
-      {"wrong count in a block", 6550, "BEGIN DELETE_P( 1,2 ); END;"},
       {"expression for an out argument", 6550, "BEGIN OUT_P( 5 ); END;"},
       {"function as a procedure", 6550, "BEGIN CHECKED( 1 ); END;"},
       {"wrong count in a query", 6553, "SELECT CHECKED(1,2) FROM DUAL"},
@@ -107,10 +74,7 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"writing while reading behind DUAL", 14551,
        "INSERT INTO P (ID) SELECT WRITING(P.ID) FROM DUAL d, P"},
       {"current value too early", 8002, "SELECT S.CURRVAL FROM DUAL"},
-      {"width in characters", 12899, "UPDATE P SET NAME = 'sechsä'"},
       {"raised by a routine", 20011, "SELECT CHECKED(7) FROM DUAL"},
-      {"raised by a block", 20999, "BEGIN RAISE_APPLICATION_ERROR(-20999,'x'); END;"},
-      {"raised out of range", 21000, "SELECT RAISE_APPLICATION_ERROR(-1,'x') FROM DUAL"},
   };
   for (const auto& row : kRows) {
     EXPECT_EQ(Ask(row.sql), "ORA-" + std::to_string(row.number))
@@ -121,7 +85,6 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
 
 TEST_F(SqliteErrors, NamesThatOnlyLookReservedAreTaken) {
   EXPECT_EQ(Ask("SELECT ID AS MYSABREL_COL FROM P"), "1");
-  EXPECT_EQ(Ask("SELECT 'sabrel_body' FROM DUAL"), "'sabrel_body'");
   EXPECT_EQ(Ask("SELECT WRITING((SELECT 5 FROM DUAL)), S.NEXTVAL FROM DUAL"), "5|1");
   EXPECT_EQ(Do("CREATE TABLE Q (USING NUMBER, COLLATE NUMBER, FOREIGN NUMBER)"), "");
   EXPECT_EQ(Do("INSERT INTO Q (USING, COLLATE, FOREIGN) VALUES (1,2,3)"), "");

@@ -3,72 +3,53 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "tests/adapters/sqlite_site.h"
 
 namespace sabrel::testing {
 namespace {
 
-std::vector<std::string> FilesIn(const std::string& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    names.push_back(entry.path().filename());
-  }
-  std::sort(names.begin(), names.end());
+namespace fs = std::filesystem;
+
+std::set<std::string> FilesIn(const std::string& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename());
   return names;
 }
 
 using SqliteFiles = SiteTest;
 
 TEST_F(SqliteFiles, AFileThatCannotBeOpenedIsADatabaseErrorNamingItAndLeavesNoJournal) {
-  const std::string sound = Folder().File("sound");
+  const std::string sound = Folder().Path("sound");
   sqlite::CreateDatabase(sound);
-  std::filesystem::create_directory(Folder().File("folder"));
-  std::ofstream(Folder().File("empty")).flush();
-  std::ofstream(Folder().File("text")) << std::string(5000, 'x');
-  std::filesystem::copy(sound, Folder().File("truncated"));
-  std::filesystem::resize_file(Folder().File("truncated"), 6000);
-  std::filesystem::copy(sound, Folder().File("scribbled"));
-  std::fstream(Folder().File("scribbled"), std::ios::in | std::ios::out | std::ios::binary)
+  fs::create_directory(Folder().Path("folder"));
+  std::ofstream(Folder().Path("empty")).flush();
+  std::ofstream(Folder().Path("text")) << std::string(5000, 'x');
+  fs::copy(sound, Folder().Path("truncated"));
+  fs::resize_file(Folder().Path("truncated"), 6000);
+  fs::copy(sound, Folder().Path("scribbled"));
+  std::fstream(Folder().Path("scribbled"), std::ios::in | std::ios::out | std::ios::binary)
       .seekp(100)
       .write(std::string(4000, '\x55').data(), 4000);
-  ::mkfifo(Folder().File("pipe").c_str(), 0600);
-  const std::vector<std::string> before = FilesIn(Folder().File(""));
+  ::mkfifo(Folder().Path("pipe").c_str(), 0600);
+  const std::set<std::string> before = FilesIn(Folder().Path(""));
   constexpr std::pair<const char*, const char*> kRows[] = {
       {"missing", "ORA-1157"},   {"folder", "ORA-1157"},    {"empty", "ORA-1157"},
       {"pipe", "ORA-1157"},      {"text", "ORA-1578"},      {"truncated", "ORA-1578"},
       {"scribbled", "ORA-1578"}, {"no/folder", "ORA-1157"},
   };
   for (const auto& [name, outcome] : kRows) {
-    Asking asking(Folder().File(name));
+    Asking asking(Folder().Path(name));
     EXPECT_EQ(asking.Ask("SELECT COUNT(*) FROM user_tables"), outcome) << name;
     EXPECT_THAT(asking.link->LastDatabaseError().message,
-                ::testing::HasSubstr(Folder().File(name)));
-    EXPECT_EQ(asking.link->LastDatabaseError().originator, Folder().File(name));
+                ::testing::HasSubstr(Folder().Path(name)));
+    EXPECT_EQ(asking.link->LastDatabaseError().originator, Folder().Path(name));
   }
-  EXPECT_EQ(FilesIn(Folder().File("")), before);
-}
-
-TEST_F(SqliteFiles, AnAddressWithoutAProfileIsNeverTheSessionsFile) {
-  EXPECT_EQ(Tried([&] {
-              link->MakeRecordset()->Execute("CREATE TABLE T (N NUMBER)", "h", 1, "", "", 0);
-              return std::string();
-            }),
-            "connection 31");
-  ProfileSet profiles(ProfileOf(File()));
-  ConnectionProfile other = ProfileOf(Folder().File("other"));
-  other.Name = "other";
-  other.Host = "archive";
-  other.Port = 7;
-  profiles.Add(other);
-  sqlite::CreateDatabase(other.Database);
-  Asking asking(profiles);
-  asking.link->MakeRecordset()->Execute("CREATE TABLE T (N NUMBER)", "archive", 7, "", "", 0);
-  EXPECT_EQ(Ask("SELECT COUNT(*) FROM user_tables"), "0");
-  EXPECT_EQ(Asking(other.Database).Ask("SELECT COUNT(*) FROM user_tables"), "1");
+  EXPECT_EQ(FilesIn(Folder().Path("")), before);
 }
 
 TEST_F(SqliteFiles, AReadOnlySiteIsReadAndRefusesWrites) {
@@ -77,7 +58,7 @@ TEST_F(SqliteFiles, AReadOnlySiteIsReadAndRefusesWrites) {
   ::chmod(File().c_str(), 0444);
   // Nothing is read-only for root.
   const pid_t child = InChild([&] {
-    std::filesystem::permissions(Folder().File(""), std::filesystem::perms::all);
+    fs::permissions(Folder().Path(""), fs::perms::all);
     if (::geteuid() == 0 && ::setuid(65534) != 0) return 9;
     Asking asking(File());
     if (asking.Ask("SELECT COUNT(*) FROM T") != "0") return 1;
@@ -105,32 +86,32 @@ TEST_F(SqliteFiles, AFullDiskIsReportedAndTheStatementTakenBack) {
 }
 
 TEST_F(SqliteFiles, ASiteIsMadeWholeOrNotAtAll) {
-  const std::string path = Folder().File("new");
+  const std::string path = Folder().Path("new");
   const pid_t dead = InChild([] { return 0; });
   EXPECT_EQ(ResultOf(dead), 0);
-  const std::vector<std::string> before = FilesIn(Folder().File(""));
+  const std::set<std::string> before = FilesIn(Folder().Path(""));
   {
     const std::string leftover = path + ".unfinished-" + std::to_string(dead);
     std::ofstream(leftover + "-wal").flush();
     std::ofstream(path + ".unfinished-").flush();
     sqlite::SiteBuilder site(path);
-    EXPECT_FALSE(std::filesystem::exists(leftover + "-wal"));
-    EXPECT_TRUE(std::filesystem::remove(path + ".unfinished-"));
+    EXPECT_FALSE(fs::exists(leftover + "-wal"));
+    EXPECT_TRUE(fs::remove(path + ".unfinished-"));
     site.Execute("CREATE TABLE T (N NUMBER)");
     EXPECT_THROW(site.Execute("CREATE TABLE T (N NUMBER)"), RuntimeError);
     EXPECT_EQ(site.Error().native_number, 955);
   }
-  EXPECT_EQ(FilesIn(Folder().File("")), before);
+  EXPECT_EQ(FilesIn(Folder().Path("")), before);
   {
     sqlite::SiteBuilder site(path);
     site.Execute("CREATE TABLE T (N NUMBER)");
-    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_FALSE(fs::exists(path));
     site.Finish();
   }
   EXPECT_THROW(sqlite::CreateDatabase(path), RuntimeError);
-  EXPECT_THROW(sqlite::CreateDatabase(Folder().File("no/folder")), RuntimeError);
+  EXPECT_THROW(sqlite::CreateDatabase(Folder().Path("no/folder")), RuntimeError);
   EXPECT_EQ(Asking(path).Ask("SELECT table_name FROM user_tables"), "'T'");
-  EXPECT_EQ(FilesIn(Folder().File("")).size(), before.size() + 1);
+  EXPECT_EQ(FilesIn(Folder().Path("")).size(), before.size() + 1);
 }
 
 }  // namespace

@@ -14,16 +14,12 @@
 #include "adapters/sqlite/sqlite_rowlink.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/platform/locale_facts.h"
-#include "tests/adapters/temporary_folder.h"
+#include "tests/support/sample_site_copy.h"
 
 namespace sabrel::testing {
 
 inline ConnectionProfile ProfileOf(const std::string& file) {
-  ConnectionProfile profile;
-  profile.Name = "site";
-  profile.Driver = "sqlite";
-  profile.Database = file;
-  return profile;
+  return {"site", "sqlite", "", 0, file, "", "", 0, 0};
 }
 
 /// A value as text that tells its kind: 5, 2.5, 'text', date 2024-03-09 17:05:00, null.
@@ -106,13 +102,13 @@ class SiteTest : public ::testing::Test, public Asking {
   SiteTest() : SiteTest(std::make_unique<TemporaryFolder>()) {}
   explicit SiteTest(std::unique_ptr<TemporaryFolder> folder)
       : Asking(Created(*folder)), folder_(std::move(folder)) {}
-  [[nodiscard]] std::string File() const { return folder_->File("plant.site"); }
+  [[nodiscard]] std::string File() const { return folder_->Path("plant.site"); }
   [[nodiscard]] const TemporaryFolder& Folder() const { return *folder_; }
 
  private:
   static std::string Created(const TemporaryFolder& folder) {
-    sqlite::CreateDatabase(folder.File("plant.site"));
-    return folder.File("plant.site");
+    sqlite::CreateDatabase(folder.Path("plant.site"));
+    return folder.Path("plant.site");
   }
   std::unique_ptr<TemporaryFolder> folder_;
 };

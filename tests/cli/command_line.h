@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/cli/program.h"
@@ -13,35 +12,31 @@ namespace sabrel::testing {
 
 struct Case {
   const char* name;
-  std::vector<std::string> arguments;
+  std::string line;
   int status;
-  /// Exactly this on standard output, "@" being the folder; nullptr for whatever.
-  const char* out;
+  /// Exactly this on standard output; nullptr for whatever.
+  const char* out = "";
   /// Somewhere on standard error.
-  const char* err;
+  const char* err = "";
 };
 
+// In lines, results and messages "@" stands for the folder and "`" for a double quote.
 class CommandLine : public ::testing::Test {
  protected:
-  void Check(const std::vector<Case>& cases, const std::string& site_option = "--site") {
+  [[nodiscard]] Start OnSite(const std::string& line, const std::string& input = "") const {
+    return {.line = folder_.Filled(line), .input = input, .site = folder_.Site()};
+  }
+  [[nodiscard]] Outcome Run(const std::string& line, const std::string& input = "") const {
+    return RunProgram(OnSite(line, input));
+  }
+  void Check(const std::vector<Case>& cases) const {
     for (const Case& c : cases) {
       SCOPED_TRACE(c.name);
-      std::vector<std::string> arguments;
-      if (!site_option.empty()) arguments = {site_option, folder_.Site()};
-      for (const std::string& argument : c.arguments) arguments.push_back(folder_.Filled(argument));
-      const Outcome outcome = RunProgram({.arguments = arguments, .input = ""});
+      const Outcome outcome = Run(c.line);
       EXPECT_EQ(outcome.status, c.status) << outcome.err;
-      if (c.out != nullptr) {
-        EXPECT_EQ(outcome.out, folder_.Filled(c.out));
-      }
+      EXPECT_EQ(outcome.out, c.out == nullptr ? outcome.out : folder_.Filled(c.out));
       EXPECT_THAT(outcome.err, ::testing::HasSubstr(folder_.Filled(c.err)));
     }
-  }
-
-  [[nodiscard]] Start OnSite(std::vector<std::string> arguments, std::string input = "") const {
-    return {.arguments = std::move(arguments),
-            .input = std::move(input),
-            .environment = {"SABREL_SITE=" + folder_.Site()}};
   }
 
   SiteFolder folder_;

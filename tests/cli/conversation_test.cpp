@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
+#include <algorithm>
 #include <limits>
 #include <sstream>
 
@@ -14,8 +14,14 @@ namespace sabrel::testing {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Field;
 using ::testing::SizeIs;
 using Entry = ConversationEntry;
+
+std::vector<Entry> EntriesIn(const std::string& text) {
+  std::istringstream in(text);
+  return ReadEntries(in);
+}
 
 class Listener final : public ConversationListener {
  public:
@@ -24,16 +30,14 @@ class Listener final : public ConversationListener {
     ++parts;
     WriteEntry(text, entry);
   }
-  [[nodiscard]] std::vector<Entry> Entries() {
-    std::istringstream in(text.str());
-    return ReadEntries(in);
-  }
   std::ostringstream text;
   int parts = 0;
 };
 
 class Conversation : public ::testing::Test {
  protected:
+  [[nodiscard]] std::vector<Entry> Entries() const { return EntriesIn(listener_->text.str()); }
+
   ScriptedPlatform platform_;
   std::shared_ptr<Listener> listener_ = std::make_shared<Listener>();
   OverheardRowlink rowlink_{CurrentPlatform().rowlink, listener_};
@@ -55,13 +59,11 @@ TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {
   platform_.Answer(Rows{std::vector<std::string>(values.size(), "C"), {values}});
   const auto rows = rowlink_.MakeRecordset();
   rows->Open("SELECT", "host", 7, "user", "secret", 9);
-  std::vector<Variant> read;
-  for (std::int32_t i = 0; i < rows->Fields().Count(); ++i) {
-    read.push_back(rows->Fields().Item(i).Value());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    EXPECT_EQ(rows->Fields().Item(static_cast<std::int32_t>(i)).Value(), values[i])
+        << "listening changed what was said";
   }
-  EXPECT_EQ(read, values) << "listening changed what was said";
-
-  const auto entries = listener_->Entries();
+  const auto entries = Entries();
   ASSERT_THAT(entries, SizeIs(1));
   EXPECT_THAT(entries[0].rows, ElementsAre(values));
   EXPECT_EQ(entries[0].end, Entry::End::kDone);
@@ -72,17 +74,17 @@ TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {
 }
 
 TEST_F(Conversation, TellsLongAnswersInPartsAndWhereTheyWereLeft) {
-  Rows many{{"T"}, std::vector<std::vector<Variant>>(60000, {Variant(std::string(100, 'x'))})};
-  platform_.Answer(many);
+  platform_.Answer(
+      Rows{{"T"}, std::vector<std::vector<Variant>>(60000, {Variant(std::string(100, 'x'))})});
   const auto rows = rowlink_.MakeRecordset();
   rows->Open("SELECT", "", 0, "", "", 0);
   rows->Close();
-  const auto entries = listener_->Entries();
+  const auto entries = Entries();
   ASSERT_THAT(entries, SizeIs(1));
   EXPECT_GT(listener_->parts, 2);
   EXPECT_EQ(entries[0].end, Entry::End::kLeft);
   EXPECT_GT(entries[0].rows.size(), 30000U);
-  EXPECT_LT(entries[0].rows.size(), many.rows.size());
+  EXPECT_LT(entries[0].rows.size(), 60000U);
 }
 
 TEST_F(Conversation, KeepsCallsAndWritesAndHidesPasswordsInThem) {
@@ -101,7 +103,7 @@ TEST_F(Conversation, KeepsCallsAndWritesAndHidesPasswordsInThem) {
   writer->AddRow("1");
   writer->Submit();
 
-  const auto entries = listener_->Entries();
+  const auto entries = Entries();
   ASSERT_THAT(entries, SizeIs(2));
   EXPECT_EQ(entries[0].parameters[2].value, "***");
   EXPECT_THAT(entries[0].outcome.outputs, ElementsAre(std::nullopt, Variant(5), Variant(Null{})));
@@ -109,13 +111,11 @@ TEST_F(Conversation, KeepsCallsAndWritesAndHidesPasswordsInThem) {
   EXPECT_THAT(entries[1].row_set.rows, ElementsAre("1"));
 }
 
-TEST_F(Conversation, RefusesLinesThatAreNoEntriesAndIgnoresOneCutShort) {
+TEST(Record, RefusesLinesThatAreNoEntriesAndIgnoresOneCutShort) {
   for (const char* text : {"[]\n", "{}\n", "{\"id\":1,\"end\":\"done\"}\n", "nonsense\n"}) {
-    std::istringstream in(text);
-    EXPECT_THROW(static_cast<void>(ReadEntries(in)), RuntimeError) << text;
+    EXPECT_THROW(static_cast<void>(EntriesIn(text)), RuntimeError) << text;
   }
-  std::istringstream cut("{\"id\":1,\"operation\":\"que");
-  EXPECT_THAT(ReadEntries(cut), SizeIs(0));
+  EXPECT_THAT(EntriesIn("{\"id\":1,\"operation\":\"que"), SizeIs(0));
 }
 
 // What a real server said answers the scripted double.
@@ -123,29 +123,22 @@ TEST(Record, OfTheProgramCanBeReplayed) {
   const SiteFolder folder;
   const std::string sql = "SELECT Id, Name, Changed, DTSCOPEID FROM PM_REPORT ORDER BY Id";
   const std::string bad = "INSERT INTO JOB_GROUP (ID, NAME) VALUES (1, 'again')";
-  const std::string record = folder.Path() + "/record";
-  const Outcome outcome = RunProgram(
-      {.arguments = {"--site", folder.Site(), "--record", record, "shell", "--keep-going"},
-       .input = "format csv\n" + sql + "\n" + bad + "\n"});
+  const Outcome outcome = RunProgram({.line = folder.Filled("--record @/record shell --keep-going"),
+                                      .input = "format csv\n" + sql + "\n" + bad + "\n",
+                                      .site = folder.Site()});
   ASSERT_EQ(outcome.status, 4);
-  std::ifstream in(record, std::ios::binary);
-  const auto entries = ReadEntries(in);
-  ASSERT_THAT(entries, SizeIs(2));
+  const auto entries = EntriesIn(folder.Read("record"));
+  ASSERT_THAT(entries, ElementsAre(Field(&Entry::statement, sql), Field(&Entry::statement, bad)));
+  ASSERT_TRUE(entries[1].failure && entries[1].failure->database);
 
   ScriptedPlatform platform;
-  for (const Entry& entry : entries) {
-    if (entry.failure && entry.failure->database) {
-      platform.Answer(Refusal{*entry.failure->database, 0});
-    } else {
-      platform.Answer(Rows{entry.columns, entry.rows});
-    }
-  }
-  const auto rows = GSabrel::ExecuteQuery(entries[0].statement);
+  platform.Answer(Rows{entries[0].columns, entries[0].rows});
+  platform.Answer(Refusal{*entries[1].failure->database, 0});
+  const auto rows = GSabrel::ExecuteQuery(sql);
   ASSERT_TRUE(rows);
-  EXPECT_EQ(entries[0].statement, sql);
   EXPECT_EQ(rows->RecordCount(), std::count(outcome.out.begin(), outcome.out.end(), '\n') - 1);
   EXPECT_EQ(rows->Fields().Item("CHANGED").Value().kind(), VariantKind::kDate);
-  EXPECT_THROW(GSabrel::ExecuteRequest(entries[1].statement), RuntimeError);
+  EXPECT_THROW(GSabrel::ExecuteRequest(bad), RuntimeError);
   EXPECT_EQ(GSabrel::SabrelErrorObject()->DBErrorType(), dbeUniqueConstraintViolated);
 }
 

@@ -1,7 +1,4 @@
 // Entities, reports, validation, query texts and the slices of the day.
-#include <fstream>
-#include <iterator>
-
 #include "tests/cli/command_line.h"
 
 namespace sabrel::testing {
@@ -11,110 +8,79 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-constexpr const char* kProfiles =
-    "[plant]\nDriver = sqlite\nDatabase = @/plant.site\n"
-    "[north]\nDriver = sqlite\nDatabase = @/plant.site\nHost = north\nPort = 7\n"
-    "UserName = system\n"
-    "[gone]\nDriver = sqlite\nDatabase = @/none\nHost = gone\nPort = 7\n"
-    "UserName = system\n[other]\nDriver = odbc\n";
-
 TEST_F(CommandLine, ChangesCommonEntitiesAndAsksAboutThem) {
   const char* clear = "entity clear-temp 1 2024-03-09T00:00:00";
   const char* in_use = "This Enitity is currently being used.";
   Check({
-      {"add", {"entity", "add", "North", "--parent", "3"}, 0, "100\n", ""},
-      {"unknown parent", {"entity", "reparent", "100", "4711"}, 4, "", "parent key not found"},
-      {"reparent", {"entity", "reparent", "100", "0"}, 0, "", ""},
-      {"no equivalent", {"entity", "has-equivalent", "100"}, 1, "no\n", ""},
-      {"equivalent", {"entity", "equivalent", "1", "North", "R-1"}, 0, "", ""},
-      {"has one", {"entity", "has-equivalent", "100"}, 0, "yes\n", ""},
-      {"remove one in use", {"entity", "remove", "100"}, 1, "", in_use},
-      {"remove", {"entity", "remove", "10"}, 0, "", ""},
-      {"remove again", {"entity", "remove", "10"}, 1, "", "Entity 10 was not removed: ORA-20022"},
-      {"nothing noted", {"entity", "current"}, 1, "no\n", ""},
-      {"noted", {"entity", "current", "--fields", "--refresh"}, 0, "yes\n", ""},
-      {"due", {"entity", "document-ready", "1", "1", "--time", "2024-03-09"}, 0, "3\n", clear},
-      {"clear", {"entity", "clear-temp", "1", "2024-03-09T00:00:00"}, 0, "", ""},
-      {"cleared", {"query", "SELECT * FROM EA_EXP_REQUIRED"}, 0, nullptr, "0 rows"},
-      {"no date", {"entity", "clear-temp", "1", "soon"}, 2, "", "'soon' is no date"},
-      {"drop", {"request", "DROP PROCEDURE EA_EXP.Clear_EXP_Required"}, 0, "", ""},
-      {"refused clearing", {"entity", "clear-temp", "1", "2024-03-09"}, 4, "", "Error: 6550"},
+      {"add", "entity add North --parent 3", 0, "100\n"},
+      {"no equivalent", "entity has-equivalent 100", 1, "no\n"},
+      {"equivalent", "entity equivalent 1 North R-1", 0},
+      {"remove one in use", "entity remove 100", 1, "", in_use},
+      {"remove none", "entity remove 999", 1, "", "Entity 999 was not removed: ORA-20022"},
+      {"nothing noted", "entity current", 1, "no\n"},
+      {"noted", "entity current --fields --refresh", 0, "yes\n"},
+      {"due", "entity document-ready 1 1 --time 2024-03-09", 0, "3\n", clear},
+      {"no date", "entity clear-temp 1 soon", 2, "", "'soon' is no date"},
+      {"drop", "request `DROP PROCEDURE EA_EXP.Clear_EXP_Required`", 0},
+      {"refused clearing", "entity clear-temp 1 2024-03-09", 4, "", "Error: 6550"},
   });
-  const std::string lines = "entity current --refresh\nentity add A\nentity current\n";
-  EXPECT_EQ(RunProgram(OnSite({"shell"}, lines)).out, "yes\n101\nno\n") << "an old list is current";
+  EXPECT_EQ(Run("shell", "entity current --refresh\nentity add A\nentity current\n").out,
+            "yes\n101\nno\n")
+      << "an old list is current";
 }
 
 TEST_F(CommandLine, ChecksReportsBeforeTheyRun) {
   const char* needs = "WHAT,NEEDED\nchannel-set plans,false\ndata scopes,true\n";
   const char* range = "OLDEST,LATEST\n2024-03-05T00:00:00,2024-03-09T23:00:00\n";
   Check({
-      {"declined", {"--answer", "no", "report", "lengthy", "5"}, 1, "declined\n", "1200 entities"},
-      {"accepted", {"--answer", "yes", "report", "lengthy", "--job", "3"}, 0, "run\n", "and/or"},
-      {"not lengthy", {"--answer", "no", "report", "lengthy", "1"}, 0, "run\n", ""},
-      {"both", {"report", "lengthy", "5", "--job", "3"}, 2, "", "either ID or --job JOB"},
-      {"task", {"--spreadsheet", "11.0", "report", "too-big", "2"}, 0, "yes\n", ""},
-      {"later version", {"--spreadsheet", "12.0", "report", "too-big", "2"}, 1, "no\n", ""},
-      {"no spreadsheet", {"report", "too-big", "2"}, 2, "", "--spreadsheet VERSION"},
-      {"job", {"--spreadsheet", "11.0", "report", "too-big", "--job", "1"}, 0, "3\n", ""},
-      {"uncounted job", {"report", "too-big", "--job", "1"}, 0, "0\n", "--spreadsheet VERSION"},
-      {"unknown task", {"--spreadsheet", "12", "report", "too-big", "9999"}, 4, "", "Id:9999"},
-      {"no version", {"--spreadsheet", "1.2.3", "report", "limit", "1"}, 2, "", "12.0"},
-      {"limit", {"--spreadsheet", "11.0", "report", "limit", "65001"}, 0, "yes\n", ""},
-      {"needs", {"--format", "csv", "report", "needs", "2"}, 0, needs, ""},
-      {"copy", {"text", "copy", "1", "2"}, 0, "100\n", ""},
-      {"no copy", {"text", "copy", "1", "3", "--original"}, 4, "", "no copy"},
-      {"range", {"--format", "csv", "range"}, 0, range, ""},
-      {"no data", {"request", "DELETE FROM ZR_AVAILABLE_DATA"}, 0, "", ""},
-      {"no range", {"range"}, 0, nullptr, "No data was collected"},
-      {"drop", {"request", "DROP FUNCTION LengthyReport.Reason"}, 0, "", ""},
-      {"failed check", {"--answer", "no", "report", "lengthy", "5"}, 0, "run\n", "check failed"},
+      {"declined", "--answer no report lengthy 5", 1, "declined\n", "1200 entities"},
+      {"accepted", "--answer yes report lengthy --job 3", 0, "run\n", "and/or"},
+      {"both", "report lengthy 5 --job 3", 2, "", "either ID or --job JOB"},
+      {"no spreadsheet", "report too-big 2", 2, "", "--spreadsheet VERSION"},
+      {"job", "--spreadsheet 11.0 report too-big --job 1", 0, "3\n"},
+      {"uncounted job", "report too-big --job 1", 0, "0\n", "--spreadsheet VERSION"},
+      {"no version", "--spreadsheet 1.2.3 report limit 1", 2, "", "12.0"},
+      {"limit", "--spreadsheet 11.0 report limit 65001", 0, "yes\n"},
+      {"needs", "--format csv report needs 2", 0, needs},
+      {"copy", "text copy 1 2", 0, "100\n"},
+      {"range", "--format csv range", 0, range},
+      {"no data", "request `DELETE FROM ZR_AVAILABLE_DATA`", 0},
+      {"no range", "range", 0, nullptr, "No data was collected"},
+      {"drop", "request `DROP FUNCTION LengthyReport.Reason`", 0},
+      {"failed check", "--answer no report lengthy 5", 0, "run\n", "check failed"},
   });
 }
 
 TEST_F(CommandLine, ValidatesDocumentsServersUsersAndMail) {
   folder_.Write("password", "s3cret\n");
-  folder_.Write("profiles", folder_.Filled(kProfiles));
-  const std::string type = "Report Definition";
-  const std::vector<std::string> clear = {"--profile", "@/profiles", "--profile-name",
-                                          "other",     "entity",     "clear-temp",
-                                          "1",         "2024-03-09"};
-  const char* mail = "CODE,MESSAGE\n0,Mail goes to mail.norvasta.example:25\n";
-  const auto on = [&](std::vector<std::string> words) {
-    words.insert(words.begin(), {"--profile", "@/profiles", "validate"});
-    words.insert(words.end(), {"--password-file", "@/password"});
-    return words;
+  const std::string far = "Port = 7\nUserName = system\nDriver = sqlite\nDatabase = @/";
+  folder_.Write("profiles",
+                "[plant]\nDriver = sqlite\nDatabase = @/plant.site\n[north]\nHost = north\n" + far +
+                    "plant.site\n[gone]\nHost = gone\n" + far + "none\n[other]\nDriver = odbc\n");
+  const auto on = [](const std::string& words) {
+    return "--profile @/profiles validate " + words + " --password-file @/password";
   };
-  Check(
-      {
-          {"user", on({"server", "north", "7", "ana"}), 0, "yes\n", "Successfull!!"},
-          {"no user", on({"server", "north", "7", "x", "--quiet"}), 1, "no\n", "DOESN'T EXIST"},
-          {"turned away", on({"server", "north", "7", "ben"}), 1, "no\n", "Remote User."},
-          {"no profile", on({"server", "north", "8", "ana"}), 3, "", "UserName = system"},
-          {"no site", on({"server", "gone", "7", "ana"}), 4, "", "cannot open the file @/none"},
-          {"unreachable", clear, 3, "", "The connection to the Data Server has failed."},
-          {"look up", on({"user", "north", "7", "newton"}), 1, "USER DOESN'T EXIST\n", ""},
-          {"create", on({"user", "north", "7", "newton", "--create"}), 0, "TRUE\n", ""},
-          {"created", on({"user", "north", "7", "newton"}), 0, "TRUE\n", ""},
-      },
-      "");
+  const std::string document = "validate document `Report Definition` 3";
+  const char* mail = "CODE,MESSAGE\n0,Mail goes to mail.norvasta.example:25\n";
   Check({
-      {"document", {"validate", "document", type, "1"}, 0, "yes\n", ""},
-      {"asked", {"--answer", "yes", "validate", "document", type, "3"}, 0, "yes\n", "not active"},
-      {"unasked", {"validate", "document", type, "3", "--mode", "SaveOff"}, 1, "no\n", ""},
-      {"group", {"validate", "group", "Report Group", "1"}, 0, "yes\n", ""},
-      {"mail", {"--format", "csv", "validate", "mail"}, 0, mail, ""},
-      {"no password", {"validate", "server", "a", "1", "ana"}, 2, "", "--password-file FILE"},
+      {"user", on("server north 7 ana"), 0, "yes\n", "Successfull!!"},
+      {"no user", on("server north 7 x --quiet"), 1, "no\n", "DOESN'T EXIST"},
+      {"no profile", on("server north 8 ana"), 3, "", "UserName = system"},
+      {"no site", on("server gone 7 ana"), 4, "", "cannot open the file @/none"},
+      {"unreachable", "--profile @/profiles --profile-name other entity clear-temp 1 2024-03-09", 3,
+       "", "The connection to the Data Server has failed."},
+      {"look up", on("user north 7 newton"), 1, "USER DOESN'T EXIST\n"},
+      {"create", on("user north 7 newton --create"), 0, "TRUE\n"},
+      {"asked", "--answer yes " + document, 0, "yes\n", "not active"},
+      {"unasked", document + " --mode SaveOff", 1, "no\n"},
+      {"mail", "--format csv validate mail", 0, mail},
+      {"no password", "validate server a 1 ana", 2, "", "--password-file FILE"},
   });
-
-  std::vector<std::string> words = on({"server", "north", "7", "ana", "--show-sql", "--trace"});
-  words.insert(words.end(), {"--log", "@/trace", "--record", "@/record"});
-  for (std::string& word : words) word = folder_.Filled(word);
-  const Outcome outcome = RunProgram({.arguments = words, .input = ""});
+  const Outcome outcome =
+      Run("--show-sql --trace --log @/trace --record @/record " + on("server north 7 ana"));
   EXPECT_THAT(outcome.err, HasSubstr("1: string '***'"));
   EXPECT_THAT(outcome.err, Not(HasSubstr("s3cret"))) << "it is in the log, where it was asked for";
-  std::ifstream record(folder_.Path() + "/record");
-  EXPECT_THAT(std::string(std::istreambuf_iterator<char>(record), {}),
-              AllOf(HasSubstr("***"), Not(HasSubstr("s3cret"))));
+  EXPECT_THAT(folder_.Read("record"), AllOf(HasSubstr("***"), Not(HasSubstr("s3cret"))));
 }
 
 TEST_F(CommandLine, DrawsAndCountsTheSlicesOfTheDay) {
@@ -123,16 +89,14 @@ TEST_F(CommandLine, DrawsAndCountsTheSlicesOfTheDay) {
       "ENDING_HOUR\n24,3600,24,24,82800,86400,24,24\n";
   const char* hours = "[\n{\"BEGIN_HOUR\":3,\"ENDING_HOUR\":5}\n]\n";
   Check({
-      {"csv", {"--format", "csv", "slices", "3-5,24", "--start", "6"}, 0, figures, ""},
-      {"hours", {"--format", "json", "slices", "--seconds", "7200", "17999"}, 0, hours, ""},
-      {"nothing selected", {"slices", "none"}, 0, nullptr, "No slice is selected from slice 1 on"},
-      {"beyond the day", {"slices", "3,25"}, 2, "", "'3,25' is no selection of slices"},
-      {"before the day", {"slices", "3", "--start", "0"}, 4, "", "Error 9"},
-      {"minutes", {"request", "UPDATE PM_PRODUCT_INFO SET Value = '1440'"}, 0, "", ""},
+      {"csv", "--format csv slices 3-5,24 --start 6", 0, figures},
+      {"hours", "--format json slices --seconds 7200 17999", 0, hours},
+      {"nothing selected", "slices none", 0, nullptr, "No slice is selected from slice 1 on"},
+      {"beyond the day", "slices 3,25", 2, "", "'3,25' is no selection of slices"},
+      {"minutes", "request `UPDATE PM_PRODUCT_INFO SET Value = '1440'`", 0},
   });
-  Start start = OnSite({"slices", "31-90,1440"});
-  start.on_terminal = true;  // 60 columns: a character is half an hour
-  EXPECT_THAT(RunProgram(start).err, HasSubstr("·██·"));
+  // On a terminal of 60 columns a character is half an hour.
+  EXPECT_THAT(TerminalProgram(OnSite("slices 31-90,1440")).End().out, HasSubstr("·██·"));
 }
 
 }  // namespace

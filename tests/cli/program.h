@@ -1,12 +1,21 @@
-// The program as a child process: started, talked to, interrupted, and asked how it ended.
+// The program as a child process: run, talked to, interrupted, and asked how it ended.
 #pragma once
 
 #include <sys/types.h>
 
 #include <string>
-#include <vector>
+
+#include "tests/support/sample_site_copy.h"
 
 namespace sabrel::testing {
+
+struct Start {
+  /// What stands behind the program's name in a shell.
+  std::string line;
+  std::string input = {};
+  /// The session's site, as the environment names it.
+  std::string site = {};
+};
 
 struct Outcome {
   int status = -1;  // 128 + signal when one ended it
@@ -14,61 +23,47 @@ struct Outcome {
   std::string err;
 };
 
-struct Start {
-  std::vector<std::string> arguments;
-  std::string input;
-  /// A file that takes standard output's place.
-  std::string output_file = {};
-  std::vector<std::string> environment = {};
-  bool on_terminal = false;
-  /// As a user whom file permissions concern.
-  bool as_nobody = false;
-};
+/// Its input is a pipe, its output a file.
+[[nodiscard]] Outcome RunProgram(const Start& start);
 
-class Program {
+/// The program on a terminal of 60 columns.
+class TerminalProgram {
  public:
-  explicit Program(const Start& start);
-  ~Program();
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
+  explicit TerminalProgram(const Start& start);
+  ~TerminalProgram();
+  TerminalProgram(const TerminalProgram&) = delete;
+  TerminalProgram& operator=(const TerminalProgram&) = delete;
 
-  /// Waits until `text` has been printed (on standard error, or on the terminal); false after a
-  /// minute without it.
+  /// Waits until `text` has been printed behind what was waited for before; false after a minute
+  /// without it.
   bool WaitFor(const std::string& text);
   void Type(const std::string& text) const;
   void Signal(int signal) const;
-  void CloseOutput();
+  /// Its output is what the terminal shows.
   Outcome End();
 
  private:
   bool Read();
 
   pid_t process_ = -1;
-  int in_ = -1;
-  int out_ = -1;
-  int err_ = -1;
+  int terminal_ = -1;
   std::size_t seen_ = 0;
   Outcome outcome_;
 };
 
-[[nodiscard]] Outcome RunProgram(const Start& start);
-
 /// A folder of its own with "plant.site" in it, gone with the object.
 class SiteFolder {
  public:
-  SiteFolder();
-  ~SiteFolder();
-  SiteFolder(const SiteFolder&) = delete;
-  SiteFolder& operator=(const SiteFolder&) = delete;
-
-  [[nodiscard]] const std::string& Path() const { return path_; }
-  [[nodiscard]] std::string Site() const { return path_ + "/plant.site"; }
-  /// `text` with "@" for this folder.
+  SiteFolder() { CopySampleSite(SiteRelease::kCurrent, Site()); }
+  [[nodiscard]] std::string Site() const { return folder_.Path("plant.site"); }
+  /// `text` with this folder for "@", and ", which a C++ text only has as \", for "`".
   [[nodiscard]] std::string Filled(std::string text) const;
+  /// A file with `content`, filled.
   void Write(const std::string& name, const std::string& content) const;
+  [[nodiscard]] std::string Read(const std::string& name) const;
 
  private:
-  std::string path_;
+  TemporaryFolder folder_;
 };
 
 }  // namespace sabrel::testing

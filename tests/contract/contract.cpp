@@ -6,6 +6,7 @@ namespace sabrel::testing {
 
 void Contract::SetUp() {
   open_session = GetParam().make_site();
+  if (!open_session) GTEST_SKIP() << "there is no server of " << GetParam().name;
   session = open_session();
 }
 
@@ -42,6 +43,12 @@ Outcome Contract::Query(std::string_view sql, std::int32_t timeout_s) {
 
 Outcome Contract::Execute(std::string_view sql, std::int32_t timeout_s) {
   return Tried([&](Outcome&) { session->MakeRecordset()->Execute(sql, "", 0, "", "", timeout_s); });
+}
+
+void Contract::Run(std::string_view sql) {
+  const Outcome outcome = Execute(sql);
+  EXPECT_EQ(outcome.native + outcome.connection, 0)
+      << sql << ": " << session->LastDatabaseError().message;
 }
 
 Variant Contract::Value(std::string_view sql) {

@@ -18,11 +18,12 @@ namespace sabrel::testing {
 
 struct ContractEngine {
   std::string name;
-  /// Makes a new sample site and returns what opens a session on it; the site ends with the last
-  /// copy.
+  /// Makes a new sample site and returns what opens a session on it, nothing where there is no
+  /// server; the site ends with the last copy.
   std::function<std::function<std::shared_ptr<Rowlink>()>()> make_site;
   // Quirks; the defaults are Oracle's.
-  bool empty_text_is_null = true;
+  /// Numbers with a fraction come as decimals, not as doubles.
+  bool exact_numbers_are_decimal = true;
   /// A name that no statement of this engine may use as a table.
   std::string unknown_table = "NO_SUCH_TABLE";
 };
@@ -48,6 +49,8 @@ class Contract : public ::testing::TestWithParam<ContractEngine> {
 
   [[nodiscard]] Outcome Query(std::string_view sql, std::int32_t timeout_s = 60);
   [[nodiscard]] Outcome Execute(std::string_view sql, std::int32_t timeout_s = 60);
+  /// Executes what must not be refused.
+  void Run(std::string_view sql);
   /// The first field of the first row; empty when there is none or the statement failed.
   [[nodiscard]] Variant Value(std::string_view sql);
   /// Runs `action` and says which native or connection number it was refused with, if any.

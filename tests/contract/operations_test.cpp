@@ -10,21 +10,21 @@ namespace sabrel::testing {
 namespace {
 
 struct Step {
+  template <class Work>
+  Step(const char* step, Work work, std::string comes_to, std::string shown = {})
+      : name(step),
+        run([work] { return OutcomeOf(work); }),
+        outcome(std::move(comes_to)),
+        box(std::move(shown)) {}
   const char* name;
   std::function<std::string()> run;
   std::string outcome;
-  std::string box = {};  // a part of what the user was shown
+  std::string box;  // a part of what the user was shown
 };
 
-// An operation's call as a step's work.
-template <class Work>
-std::function<std::string()> Do(Work work) {
-  return [work] { return OutcomeOf(work); };
-}
-
 // A statement's first value.
-std::function<std::string()> Ask(std::string sql) {
-  return Do([sql = std::move(sql)] { return GSabrel::ExecuteQueryReturningLong(sql); });
+auto Ask(std::string sql) {
+  return [sql = std::move(sql)] { return GSabrel::ExecuteQueryReturningLong(sql); };
 }
 
 void Walk(ScriptedPlatform& platform, const std::vector<Step>& steps) {
@@ -39,49 +39,45 @@ void Walk(ScriptedPlatform& platform, const std::vector<Step>& steps) {
 TEST_P(Contract, OperationsOnEntitiesChangeTheTablesAndTellWhenListsAreOld) {
   ScriptedPlatform platform(open_session);
   const Date time = Date::FromCivil({2024, 3, 9, 17, 5, 0});
-  const auto current = Do([] { return GSabrel::EntitiesCurrent(); });
-  const auto note = Do([] {
+  const auto current = [] { return GSabrel::EntitiesCurrent(); };
+  const auto note = [] {
     GSabrel::LastEntityUpdate();
     GSabrel::LastFieldUpdate();
     return GSabrel::FieldsCurrent();
-  });
-  Walk(
-      platform,
-      {
-          {"before lists are loaded", current, "false"},
-          {"lists are loaded", note, "true"},
-          {"nothing changed", current, "true"},
-          {"add", Do([] { return GSabrel::EA_Add_Common_Entity("O'Hara Łódź 東", 3); }), "100"},
-          {"one more row",
-           Ask("SELECT Parent_Id FROM EA_COMMON_ENTITY WHERE Name = 'O''Hara Łódź 東'"), "3"},
-          {"something changed", current, "false"},
-          {"again", note, "true"},
-          {"add below an unknown parent",
-           Do([] { return GSabrel::EA_Add_Common_Entity("Lost", 999); }), "raises database 2291"},
-          {"a failed change moves no time", current, "true"},
-          {"reparent", Do([] { return GSabrel::EA_Reparent_Common_Entity(100, 2); }), "true"},
-          {"its parent", Ask("SELECT Parent_Id FROM EA_COMMON_ENTITY WHERE Id = 100"), "2"},
-          {"reparent to an unknown parent",
-           Do([] { return GSabrel::EA_Reparent_Common_Entity(100, 999); }), "raises database 2291"},
-          {"no equivalents", Do([] { return GSabrel::EntityHasEQV(100); }), "false"},
-          {"make one",
-           Do([] { return GSabrel::EA_Add_EntityEQV(1, "O'Hara Łódź 東", Variant("CELL199")); }),
-           "true"},
-          {"an equivalent", Do([] { return GSabrel::EntityHasEQV(100); }), "true"},
-          {"remove what is referenced", Do([] { return GSabrel::EA_Remove_Common_Entity(100); }),
-           "false", "This Enitity is currently being used."},
-          {"it stays", Ask("SELECT COUNT(*) FROM EA_COMMON_ENTITY WHERE Id = 100"), "1"},
-          {"remove what is free", Do([] { return GSabrel::EA_Remove_Common_Entity(10); }), "true"},
-          {"it is gone", Ask("SELECT COUNT(*) FROM EA_COMMON_ENTITY WHERE Id = 10"), "0"},
-          {"remove nothing", Do([] { return GSabrel::EA_Remove_Common_Entity(999); }), "false"},
-          {"documents due", Do([&] { return GSabrel::IsEADocumentReady(1, 4, Variant(time)); }),
-           "3"},
-          {"on a server", Do([&] { return GSabrel::IsEADocumentReady(1, 4, Variant(time), 2); }),
-           "1"},
-          {"none", Do([&] { return GSabrel::IsEADocumentReady(4, 4, Variant(time)); }), "0"},
-          {"clear", Do([&] { return GSabrel::ClearEATempRecords(4, time); }), "''"},
-          {"cleared", Ask("SELECT COUNT(*) FROM EA_EXP_REQUIRED WHERE User_Id = 4"), "0"},
-      });
+  };
+  const auto parent = Ask("SELECT Parent_Id FROM EA_COMMON_ENTITY WHERE Id = 100");
+  const std::vector<Step> steps = {
+      {"before lists are loaded", current, "false"},
+      {"lists are loaded", note, "true"},
+      {"nothing changed", current, "true"},
+      {"add", [] { return GSabrel::EA_Add_Common_Entity("O'Hara Łódź 東", 3); }, "100"},
+      {"below its parent", parent, "3"},
+      {"something changed", current, "false"},
+      {"again", note, "true"},
+      {"add below an unknown parent", [] { return GSabrel::EA_Add_Common_Entity("Lost", 999); },
+       "raises database 2291"},
+      {"a failed change moves no time", current, "true"},
+      {"reparent", [] { return GSabrel::EA_Reparent_Common_Entity(100, 2); }, "true"},
+      {"its parent", parent, "2"},
+      {"reparent to an unknown parent", [] { return GSabrel::EA_Reparent_Common_Entity(100, 999); },
+       "raises database 2291"},
+      {"no equivalents", [] { return GSabrel::EntityHasEQV(100); }, "false"},
+      {"make one",
+       [] { return GSabrel::EA_Add_EntityEQV(1, "O'Hara Łódź 東", Variant("CELL199")); }, "true"},
+      {"an equivalent", [] { return GSabrel::EntityHasEQV(100); }, "true"},
+      {"remove what is referenced", [] { return GSabrel::EA_Remove_Common_Entity(100); }, "false",
+       "This Enitity is currently being used."},
+      {"it stays", Ask("SELECT COUNT(*) FROM EA_COMMON_ENTITY WHERE Id = 100"), "1"},
+      {"remove what is free", [] { return GSabrel::EA_Remove_Common_Entity(10); }, "true"},
+      {"it is gone", Ask("SELECT COUNT(*) FROM EA_COMMON_ENTITY WHERE Id = 10"), "0"},
+      {"remove nothing", [] { return GSabrel::EA_Remove_Common_Entity(999); }, "false"},
+      {"documents due", [&] { return GSabrel::IsEADocumentReady(1, 4, Variant(time)); }, "3"},
+      {"on a server", [&] { return GSabrel::IsEADocumentReady(1, 4, Variant(time), 2); }, "1"},
+      {"none", [&] { return GSabrel::IsEADocumentReady(4, 4, Variant(time)); }, "0"},
+      {"clear", [&] { return GSabrel::ClearEATempRecords(4, time); }, "''"},
+      {"cleared", Ask("SELECT COUNT(*) FROM EA_EXP_REQUIRED WHERE User_Id = 4"), "0"},
+  };
+  Walk(platform, steps);
 }
 
 TEST_P(Contract, OperationsOnReportsDocumentsAndDataAnswerWhatTheSiteHolds) {
@@ -89,81 +85,67 @@ TEST_P(Contract, OperationsOnReportsDocumentsAndDataAnswerWhatTheSiteHolds) {
   platform.box_answer = kAnswerNo;
   std::int32_t code = -1;
   std::string message;
-  Walk(
-      platform,
-      {
-          {"lengthy", Do([] { return GSabrel::IsLengthyReport(5); }), "true",
-           "The report covers 366 days.\r\nThe report covers 1200 entities.\r\nThe report looks "
-           "for busy hours.\r\n\r\nWhen this report"},
-          {"not lengthy", Do([] { return GSabrel::IsLengthyReport(1); }), "false"},
-          {"a lengthy job", Do([] { return GSabrel::IsLengthyReportGroup(3); }), "true",
-           "and 1 more\r\n\r\nWhen the above"},
-          {"a job of short ones", Do([] { return GSabrel::IsLengthyReportGroup(1); }), "false"},
-          {"too big", Do([] { return GSabrel::ReportTooBigForXL("3"); }), "true"},
-          {"small enough", Do([] { return GSabrel::ReportTooBigForXL("1"); }), "false"},
-          {"of a job", Do([] { return GSabrel::JobReportsTooBigForXL("1"); }), "2"},
-          {"of an unknown job", Do([] { return GSabrel::JobReportsTooBigForXL("99"); }), "0"},
-          {"a task id that is no number", Do([] { return GSabrel::ReportTooBigForXL("five"); }),
-           "raises code 6 Query returned no records.Report does not exists, Report Id:"
-           "fiveUnexpected error, Task Id:five,An unexpected error occurred",
-           "Error: 904"},
-          {"plans", Do([] { return GSabrel::IsCspNeeded(1); }), "true"},
-          {"no scopes", Do([] { return GSabrel::IsDtsNeeded(1); }), "false"},
-          {"scopes", Do([] { return GSabrel::IsDtsNeeded(3); }), "true"},
-          {"an unknown group", Do([] { return GSabrel::IsCspNeeded(-1); }), "false"},
-          {"valid",
-           Do([] { return GSabrel::IsServerGroupDocumentValid("Report Group", Variant(1)); }),
-           "true"},
-          {"a server is off",
-           Do([] { return GSabrel::IsServerGroupDocumentValid("Report Group", Variant(3)); }),
-           "false",
-           "Server Southfield of server group Migration is not active.\r\n Would you like"},
-          {"a group's documents", Do([] {
-             return GSabrel::IsReportGroupServerDocumentValid("Report Group", 1, "SaveOff", "");
-           }),
-           "true"},
-          {"one is not valid", Do([] {
-             return GSabrel::IsReportGroupServerDocumentValid("Report Group", 3, "SaveOff", "");
-           }),
-           "false"},
-          {"a user", Do([] { return GSabrel::FindOrCreateUser("", 0, "o'neil", "p", 5, "FALSE"); }),
-           "'TRUE'"},
-          {"not there", Do([] { return GSabrel::FindOrCreateUser("", 0, "Zoë", "p", 5, "FALSE"); }),
-           "'USER DOESN'T EXIST'"},
-          {"made", Do([] { return GSabrel::FindOrCreateUser("", 0, "Zoë", "p", 5, "TRUE"); }),
-           "'TRUE'"},
-          {"usable", Do([] { return GSabrel::TestServerConnection("", 0, "Zoë", "p", 5); }), "true",
-           "Successfull!!"},
-          {"not remote", Do([] { return GSabrel::TestServerConnection("", 0, "ben", "p", 5); }),
-           "false", "box 48 [Test Server Connection] User Not an Enterprise Remote User."},
-          {"no data admin",
-           Do([] { return GSabrel::TestServerConnection("", 0, "carla", "p", 5); }), "false",
-           "box 48 [Test Server Connection] User Not a Data Admin User."},
-          {"locked", Do([] { return GSabrel::TestServerConnection("", 0, "dario", "p", 5); }),
-           "false", "USER IS LOCKED"},
-          {"nowhere",
-           Do([] { return GSabrel::TestServerConnection("no.such.host", 1, "ana", "p", 5); }),
-           "false", "Error in creating user [ana]"},
-          {"mail", Do([&] { return GSabrel::Is_SMTP_Ready(code, message); }), "true"},
-          {"and its words", [&] { return std::to_string(code) + " " + message.substr(0, 7); },
-           "0 Mail go"},
-          {"no copy yet", Do([] { return GSabrel::CopyOriginalQueryText(2, 2); }),
-           "raises database 20031"},
-          {"copy", Do([] { return GSabrel::CopyScenarioQueryText(2, 2); }), "100"},
-          {"with its condition",
-           Ask("SELECT COUNT(*) FROM ZR_QUERY_DEF q, PM_StringTable s WHERE q.Id = 100 AND s.Id = "
-               "q.String_Id"),
-           "3"},
-          {"the original", Do([] { return GSabrel::CopyOriginalQueryText(2, 2); }), "-1"},
-          {"without it",
-           Ask("SELECT COUNT(*) FROM ZR_QUERY_DEF q, PM_StringTable s WHERE q.Id = 100 AND s.Id = "
-               "q.String_Id"),
-           "2"},
-          {"oldest", Do([] { return GSabrel::GetRecordOldestDate(); }), "2024-03-05 00:00:00"},
-          {"latest", Do([] { return GSabrel::GetRecordLatestDate(); }), "2024-03-09 23:00:00"},
-          {"slices", Do([] { return GSabrel::GetTimeSliceSecondsValue(false); }), "3600"},
-          {"busy-hour slices", Do([] { return GSabrel::GetTimeSliceSecondsValue(true); }), "900"},
-      });
+  const auto document = [](int id) {
+    return [id] { return GSabrel::IsServerGroupDocumentValid("Report Group", Variant(id)); };
+  };
+  const auto group = [](int id) {
+    return [id] {
+      return GSabrel::IsReportGroupServerDocumentValid("Report Group", id, "SaveOff", "");
+    };
+  };
+  const auto user = [](const char* name, const char* create) {
+    return [=] { return GSabrel::FindOrCreateUser("", 0, name, "p", 5, create); };
+  };
+  const auto server = [](const char* host, const char* name) {
+    return [=] { return GSabrel::TestServerConnection(host, 0, name, "p", 5); };
+  };
+  const auto pieces =
+      Ask("SELECT COUNT(*) FROM ZR_QUERY_DEF q, PM_StringTable s WHERE q.Id = 100 AND s.Id = "
+          "q.String_Id");
+  const std::vector<Step> steps = {
+      {"lengthy", [] { return GSabrel::IsLengthyReport(5); }, "true",
+       "The report covers 366 days.\r\nThe report covers 1200 entities.\r\nThe report looks"},
+      {"not lengthy", [] { return GSabrel::IsLengthyReport(1); }, "false"},
+      {"a lengthy job", [] { return GSabrel::IsLengthyReportGroup(3); }, "true",
+       "and 1 more\r\n\r\nWhen the above"},
+      {"a job of short ones", [] { return GSabrel::IsLengthyReportGroup(1); }, "false"},
+      {"too big", [] { return GSabrel::ReportTooBigForXL("3"); }, "true"},
+      {"small enough", [] { return GSabrel::ReportTooBigForXL("1"); }, "false"},
+      {"of a job", [] { return GSabrel::JobReportsTooBigForXL("1"); }, "2"},
+      {"of an unknown job", [] { return GSabrel::JobReportsTooBigForXL("99"); }, "0"},
+      {"a task id that is no number", [] { return GSabrel::ReportTooBigForXL("five"); },
+       "raises code 6 Query returned no records.Report does not exists, Report Id:"
+       "fiveUnexpected error, Task Id:five,An unexpected error occurred",
+       "Error: 904"},
+      {"plans", [] { return GSabrel::IsCspNeeded(1); }, "true"},
+      {"no scopes", [] { return GSabrel::IsDtsNeeded(1); }, "false"},
+      {"scopes", [] { return GSabrel::IsDtsNeeded(3); }, "true"},
+      {"valid", document(1), "true"},
+      {"a server is off", document(3), "false",
+       "Server Southfield of server group Migration is not active.\r\n Would you like"},
+      {"a group's documents", group(1), "true"},
+      {"one is not valid", group(3), "false"},
+      {"a user", user("o'neil", "FALSE"), "'TRUE'"},
+      {"not there", user("Zoë", "FALSE"), "'USER DOESN'T EXIST'"},
+      {"made", user("Zoë", "TRUE"), "'TRUE'"},
+      {"usable", server("", "Zoë"), "true", "Successfull!!"},
+      {"not remote", server("", "ben"), "false", "User Not an Enterprise Remote User."},
+      {"no data admin", server("", "carla"), "false", "User Not a Data Admin User."},
+      {"locked", server("", "dario"), "false", "USER IS LOCKED"},
+      {"nowhere", server("no.such.host", "ana"), "false", "Error in creating user [ana]"},
+      {"mail", [&] { return GSabrel::Is_SMTP_Ready(code, message) && code == 0; }, "true"},
+      {"and its words", [&] { return message.substr(0, 7); }, "'Mail go'"},
+      {"no copy yet", [] { return GSabrel::CopyOriginalQueryText(2, 2); }, "raises database 20031"},
+      {"copy", [] { return GSabrel::CopyScenarioQueryText(2, 2); }, "100"},
+      {"with its condition", pieces, "3"},
+      {"the original", [] { return GSabrel::CopyOriginalQueryText(2, 2); }, "-1"},
+      {"without it", pieces, "2"},
+      {"oldest", [] { return GSabrel::GetRecordOldestDate(); }, "2024-03-05 00:00:00"},
+      {"latest", [] { return GSabrel::GetRecordLatestDate(); }, "2024-03-09 23:00:00"},
+      {"slices", [] { return GSabrel::GetTimeSliceSecondsValue(false); }, "3600"},
+      {"busy-hour slices", [] { return GSabrel::GetTimeSliceSecondsValue(true); }, "900"},
+  };
+  Walk(platform, steps);
 }
 
 TEST_P(Contract, StoredTextsComeBackAsTheyWentIn) {
@@ -192,16 +174,14 @@ TEST_P(Contract, StoredTextsComeBackAsTheyWentIn) {
 
 TEST_P(Contract, ReleasesAndFeaturesAreThoseOfTheSite) {
   ScriptedPlatform platform(open_session);
-  Walk(platform,
-       {{"fits", Do([] { return GSabrel::IsClientServerCompatible(); }), "true"},
-        {"release 17", Do([] { return GSabrel::IsLucentVersionSupported("r17"); }), "true"},
-        {"release 19", Do([] { return GSabrel::IsLucentVersionSupported("R19"); }), "false"},
-        {"a switch that is on",
-         Do([] { return GFeatureManager::FeatureManager()->IsFeatureEnabled("SES_Group"); }),
-         "true"},
-        {"one that is off",
-         Do([] { return GFeatureManager::FeatureManager()->IsFeatureEnabled("CPFail_Group"); }),
-         "false"}});
+  const auto enabled = [](const char* feature) {
+    return [=] { return GFeatureManager::FeatureManager()->IsFeatureEnabled(feature); };
+  };
+  Walk(platform, {{"fits", [] { return GSabrel::IsClientServerCompatible(); }, "true"},
+                  {"release 17", [] { return GSabrel::IsLucentVersionSupported("r17"); }, "true"},
+                  {"release 19", [] { return GSabrel::IsLucentVersionSupported("R19"); }, "false"},
+                  {"a switch that is on", enabled("SES_Group"), "true"},
+                  {"one that is off", enabled("CPFail_Group"), "false"}});
   CConnection connection;
   EXPECT_TRUE(connection.InitializeConnectionFeatures() && connection.IsEnterpriseServer());
 }

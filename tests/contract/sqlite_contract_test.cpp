@@ -8,6 +8,7 @@ namespace {
 ContractEngine Sqlite() {
   ContractEngine engine;
   engine.name = "Sqlite";
+  engine.exact_numbers_are_decimal = false;
   engine.make_site = [] {
     const auto folder = std::make_shared<TemporaryFolder>();
     CopySampleSite(SiteRelease::kCurrent, folder->Path("site"));

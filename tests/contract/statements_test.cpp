@@ -6,102 +6,57 @@
 namespace sabrel::testing {
 namespace {
 
+// What the operations of operations_test.cpp send is not repeated here.
 TEST_P(Contract, RunsEveryQueryOfTheComponentUnchanged) {
-  const struct {
-    const char* sql;
-    bool has_rows;
-  } rows[] = {
-      {"SELECT Id FROM PM_ClientMachine WHERE Domain = 'NO''WHERE' AND MachineName = 'X'", false},
-      {"SELECT * FROM PM_PRODUCT_INFO", true},
-      {"SELECT TRUNC(SYSDATE,'MI') FROM DUAL", true},
-      {"SELECT PM_StringTable_SQ.NEXTVAL FROM DUAL", true},
-      {"SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = 'PM_EMAIL'", true},
-      {"SELECT COUNT(table_name)  FROM user_tab_columns WHERE table_name = 'PM_STRINGTABLE' AND "
-       "column_name = 'STRINGDATA'",
-       true},
-      {"SELECT COUNT(object_name)  FROM user_arguments WHERE package_name = 'EA_CLIENT' AND "
-       "object_name = 'ENTITY_HAS_EQUIV'",
-       true},
-      {"Select object_name, object_type From user_objects Where object_name='LENGTHYREPORT' And "
-       "object_type='PACKAGE'",
-       true},
-      {"select MAX(position) AS ProcLen From user_arguments where package_name = 'EA_CLIENT' and "
-       "object_name = 'ADD_COMMON_ENTITY'",
-       true},
-      {"SELECT FS_GetColumnLength('pm_stringtable','stringdata') FROM DUAL", true},
-      {"Select max(length(Module_Name)) as ModuleNameLength from EA_module", true},
-      {"SELECT StringData FROM PM_StringTable WHERE Id = -1 ORDER BY Ordinal", false},
-      {"SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = 'StartOfWeek' AND value = '1'",
-       true},
-      {"select VALUE  from ZR_SYSTEM_VARIABLE a, ZR_SYSTEM_VALUE b  Where a.Id = b.VARIABLE_ID and "
-       "a.NAME = 'StartOfWeek'",
-       true},
-      {"SELECT Name, Value FROM ZR_System_Values_V  WHERE Name = 'EnableNHighAttempts'", true},
-      {"Select b.Value from ZR_System_Variable a, ZR_System_Value b Where a.name = "
-       "'ClientCompatability' and a.ID = b.Variable_ID",
-       true},
-      {"SELECT b.Value FROM ZR_System_Variable a, ZR_System_Value b Where a.name like "
-       "'LucentVersionR%' and a.ID = b.Variable_ID",
-       true},
-      {"Select Version_Name From EA_Module_Version Where Module_ID = 1 and Version_ID = 1", true},
-      {"SELECT Feature FROM PM_Feature_Changes WHERE Enabled = 'Y'", true},
-      {"SELECT Group_Id FROM PM_Groups WHERE Group_Active = 'Y' AND Group_Name = 'CPFail'", true},
-      {"SELECT c.Category_Id FROM PM_GROUPS g, PM_GROUP_CATEGORIES gc, PM_CATEGORIES c WHERE "
-       "g.Group_Active = 'Y' AND g.Group_ID = gc.Group_ID AND c.Category_ID = gc.Category_ID AND "
-       "c.Category_Active = 'Y' AND c.CategoryFunction = 'no such'",
-       false},
-      {"SELECT * FROM PM_Tools WHERE Tool_Name = 'no such'", false},
-      {"SELECT a.TabName, a.TabLabel, c.App_Name, b.Control_Name FROM PM_APP_TABS a, PM_TABS b, "
-       "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID "
-       "= "
-       "b.Tab_ID AND b.Control_Name = 'no such'",
-       false},
-      {"SELECT *  FROM Job_Type  WHERE Description = 'no such'", false},
-      {"SELECT EA_Client.Entity_Has_Equiv(1) FROM DUAL", true},
-      {"SELECT Ea_Last_Entity_Update() FROM DUAL", true},
-      {"SELECT Last_Field_Update() FROM DUAL", true},
-      {"SELECT LIMIT, NVL(SIZEINROWS,0) FROM TASK_FILENAME B WHERE B.TASKID= -1", false},
-      {"SELECT LIMIT FROM TASK_FILENAME B WHERE B.TASKID= -1", false},
-      {"select task_id FROM Report_Status_V where Job_ID=-1 and Spool_Filename IS NOT NULL and "
-       "status_word='Done' order by task_id",
-       false},
-      {"SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C.CHANSETPLANID From JOB_GROUP A, JOB_GROUP_ITEM "
-       "B, "
-       "PM_REPORT C Where (B.GROUP_ID = A.ID) AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-1) AND "
-       "(C.CHANSETPLANID IS NOT NULL)",
-       false},
-      {"SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C.DTSCOPEID From JOB_GROUP A, JOB_GROUP_ITEM B, "
-       "PM_REPORT C Where (B.GROUP_ID = A.ID) AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-1) AND "
-       "(C.DTSCOPEID IS NOT NULL)",
-       false},
-      {"SELECT EA_Client.IsServerGroupDocumentValid( 1,0,1,1 ) FROM DUAL", true},
-      {"Select b.ServerGroupID From Job_Group_Item a, PM_Report b Where a.Document_ID = b.Id And "
-       "a.Group_ID = -1",
-       false},
-      {"Select Min(TimeStamp) as TimeStamp From ZR_AVAILABLE_DATA", true},
-      {"Select Max(TimeStamp) as TimeStamp From ZR_AVAILABLE_DATA", true},
+  const char* with_rows[] = {
+      "SELECT * FROM PM_PRODUCT_INFO",
+      "SELECT TRUNC(SYSDATE,'MI') FROM DUAL",
+      "SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = 'PM_EMAIL'",
+      "SELECT COUNT(table_name)  FROM user_tab_columns WHERE table_name = 'PM_STRINGTABLE' AND "
+      "column_name = 'STRINGDATA'",
+      "SELECT COUNT(object_name)  FROM user_arguments WHERE package_name = 'EA_CLIENT' AND "
+      "object_name = 'ENTITY_HAS_EQUIV'",
+      "Select object_name, object_type From user_objects Where object_name='LENGTHYREPORT' And "
+      "object_type='PACKAGE'",
+      "Select max(length(Module_Name)) as ModuleNameLength from EA_module",
+      "SELECT COUNT(name) FROM ZR_SYSTEM_VALUES_V WHERE name = 'StartOfWeek' AND value = '1'",
+      "select VALUE  from ZR_SYSTEM_VARIABLE a, ZR_SYSTEM_VALUE b  Where a.Id = b.VARIABLE_ID and "
+      "a.NAME = 'StartOfWeek'",
+      "SELECT Name, Value FROM ZR_System_Values_V  WHERE Name = 'EnableNHighAttempts'",
+      "Select Version_Name From EA_Module_Version Where Module_ID = 1 and Version_ID = 1",
+      "SELECT Group_Id FROM PM_Groups WHERE Group_Active = 'Y' AND Group_Name = 'CPFail'",
   };
-  for (const auto& row : rows) {
-    const Outcome outcome = Query(row.sql);
-    EXPECT_EQ(outcome.native, 0) << row.sql << "\n" << session->LastDatabaseError().message;
-    EXPECT_EQ(!outcome.rows.empty(), row.has_rows) << row.sql;
-  }
+  const char* without_rows[] = {
+      "SELECT Id FROM PM_ClientMachine WHERE Domain = 'NO''WHERE' AND MachineName = 'X'",
+      "SELECT c.Category_Id FROM PM_GROUPS g, PM_GROUP_CATEGORIES gc, PM_CATEGORIES c WHERE "
+      "g.Group_Active = 'Y' AND g.Group_ID = gc.Group_ID AND c.Category_ID = gc.Category_ID AND "
+      "c.Category_Active = 'Y' AND c.CategoryFunction = 'no such'",
+      "SELECT * FROM PM_Tools WHERE Tool_Name = 'no such'",
+      "SELECT a.TabName, a.TabLabel, c.App_Name, b.Control_Name FROM PM_APP_TABS a, PM_TABS b, "
+      "PM_APP_NAMES c WHERE a.Active='Y' AND c.Active = 'Y' AND a.App_ID = c.App_ID AND a.Tab_ID = "
+      "b.Tab_ID AND b.Control_Name = 'no such'",
+      "SELECT *  FROM Job_Type  WHERE Description = 'no such'",
+      "SELECT LIMIT FROM TASK_FILENAME B WHERE B.TASKID= -1",
+  };
+  const auto check = [&](const char* sql, bool has_rows) {
+    const Outcome outcome = Query(sql);
+    EXPECT_EQ(outcome.native, 0) << sql << "\n" << session->LastDatabaseError().message;
+    EXPECT_EQ(!outcome.rows.empty(), has_rows) << sql;
+  };
+  for (const char* sql : with_rows) check(sql, true);
+  for (const char* sql : without_rows) check(sql, false);
 }
 
 TEST_P(Contract, RunsEveryRequestOfTheComponentUnchanged) {
-  for (const char* sql :
-       {"INSERT INTO PM_ClientMachine (Id, Domain, MachineName) VALUES "
-        "(SQ_ClientMachine.NEXTVAL,'D',"
-        "'M''1')",
-        "INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,1,'a''b')",
-        "INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,2,NULL)",
-        "BEGIN EA_EXP.Clear_EXP_Required( 5,'2024-03-09 17:05:00' ); END;"}) {
-    EXPECT_EQ(Execute(sql).native, 0) << sql << "\n" << session->LastDatabaseError().message;
-  }
+  Run("INSERT INTO PM_ClientMachine (Id, Domain, MachineName) VALUES "
+      "(SQ_ClientMachine.NEXTVAL,'D','M''1')");
+  Run("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,1,'a''b')");
+  Run("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,2,NULL)");
+  Run("BEGIN EA_EXP.Clear_EXP_Required( 5,'2024-03-09 17:05:00' ); END;");
   EXPECT_EQ(Value("SELECT COUNT(*) FROM PM_ClientMachine WHERE MachineName = 'M''1'"), Variant(1));
   EXPECT_EQ(Value("SELECT StringData FROM PM_StringTable WHERE Id = 7 ORDER BY Ordinal"),
             Variant("a'b"));
-  EXPECT_EQ(Execute("DELETE FROM PM_StringTable WHERE Id = 7").native, 0);
+  Run("DELETE FROM PM_StringTable WHERE Id = 7");
   EXPECT_EQ(Value("SELECT COUNT(*) FROM PM_StringTable WHERE Id = 7"), Variant(0));
 }
 
@@ -112,28 +67,20 @@ TEST_P(Contract, DictionaryViewsTellTheSchemaInUpperCase) {
                   "'EA_CLIENT' and object_name = 'ADD_COMMON_ENTITY'"),
             Variant(2));
   const std::pair<const char*, int> counts[] = {
-      {"SELECT COUNT(*) FROM user_tables WHERE table_name = 'PM_EMAIL'", 1},
-      {"SELECT COUNT(*) FROM user_tables WHERE table_name = 'pm_email'", 0},
-      {"SELECT COUNT(*) FROM user_tables WHERE table_name = 'DUAL'", 0},
-      {"SELECT COUNT(*) FROM user_tab_columns WHERE table_name = 'TASK_FILENAME' AND column_name = "
-       "'SIZEINROWS'",
-       1},
-      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'LENGTHYREPORT' AND object_type = "
-       "'PACKAGE'",
-       1},
-      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'PM_STRINGTABLE_SQ' AND object_type "
-       "= "
-       "'SEQUENCE'",
-       1},
-      {"SELECT COUNT(*) FROM user_objects WHERE object_name = 'ZR_SYSTEM_VALUES_V' AND object_type "
-       "= "
-       "'VIEW'",
-       1},
-      {"SELECT COUNT(*) FROM user_arguments WHERE package_name = 'EA_CLIENT' AND object_name = "
-       "'ADD_COMMON_ENTITY' AND position = 0",
+      {"user_tables WHERE table_name = 'PM_EMAIL'", 1},
+      {"user_tables WHERE table_name = 'pm_email'", 0},
+      {"user_tables WHERE table_name = 'DUAL'", 0},
+      {"user_tab_columns WHERE table_name = 'TASK_FILENAME' AND column_name = 'SIZEINROWS'", 1},
+      {"user_objects WHERE object_name = 'LENGTHYREPORT' AND object_type = 'PACKAGE'", 1},
+      {"user_objects WHERE object_name = 'PM_STRINGTABLE_SQ' AND object_type = 'SEQUENCE'", 1},
+      {"user_objects WHERE object_name = 'ZR_SYSTEM_VALUES_V' AND object_type = 'VIEW'", 1},
+      {"user_arguments WHERE package_name = 'EA_CLIENT' AND object_name = 'ADD_COMMON_ENTITY' AND "
+       "position = 0",
        1},
   };
-  for (const auto& [sql, count] : counts) EXPECT_EQ(Value(sql), Variant(count)) << sql;
+  for (const auto& [rows, count] : counts) {
+    EXPECT_EQ(Value("SELECT COUNT(*) FROM " + std::string(rows)), Variant(count)) << rows;
+  }
 }
 
 TEST_P(Contract, QuotingBringsEveryTextBack) {

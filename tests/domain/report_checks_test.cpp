@@ -19,10 +19,7 @@ using testing::ScriptedPlatform;
 
 const std::string kAddress = " host= port=0 user= password= timeout=";
 
-Rows Found() {
-  return {{"object_name", "object_type"}, {{Variant("LENGTHYREPORT"), Variant("P")}}};
-}
-Rows Count(std::int32_t count) { return {{"C"}, {{Variant(count)}}}; }
+Rows Found() { return {{"object_name"}, {{Variant("LENGTHYREPORT")}}}; }
 RoutineOutcome Reason(Variant reason) { return {Variant("ignored"), {std::move(reason)}}; }
 
 class ReportChecks : public ::testing::Test {
@@ -30,10 +27,10 @@ class ReportChecks : public ::testing::Test {
   // A thread that knows what TASK_FILENAME has.
   void KnowColumns(bool sizes, bool limit) {
     UnloadThread();
-    platform.Answer(Count(sizes ? 1 : 0));
-    static_cast<void>(GSabrel::DoesFieldExist("TASK_FILENAME", "SIZEINROWS"));
-    platform.Answer(Count(limit ? 1 : 0));
-    static_cast<void>(GSabrel::DoesFieldExist("TASK_FILENAME", "LIMIT"));
+    for (const auto& [column, there] : {std::pair("SIZEINROWS", sizes), {"LIMIT", limit}}) {
+      platform.Answer(Rows{{"C"}, {{Variant(there ? 1 : 0)}}});
+      EXPECT_EQ(GSabrel::DoesFieldExist("TASK_FILENAME", column), there);
+    }
     static_cast<void>(platform.Conversation());
   }
   ScriptedPlatform platform;
@@ -42,73 +39,54 @@ class ReportChecks : public ::testing::Test {
 TEST_F(ReportChecks, AskTheUserAboutLengthyReportsOnly) {
   const std::string report =
       "When this report is run it may be time consuming and/or may place an unusual load on the "
-      "server. \r\nDo you wish to continue?";
+      "server. \r\nDo you wish to continue?\n";
   const std::string group =
       "When the above report(s) are run they may be time consuming and/or may place an unusual "
-      "load on the server.\r\nDo you wish to continue?";
+      "load on the server.\r\nDo you wish to continue?\n";
   const struct {
-    const char* name;
     Variant reason;
     std::int32_t answer;
     bool declined;
     std::string lines;  // "" for no question
   } rows[] = {
-      {"null", Variant(Null{}), kAnswerNo, false, ""},
-      {"blank", Variant("  "), kAnswerNo, false, ""},
-      {"one piece, No", Variant("A"), kAnswerNo, true, "A\r\n\r\n"},
-      {"one piece, Yes", Variant("A"), kAnswerYes, false, "A\r\n\r\n"},
-      {"pieces, another button", Variant(" A|B "), kAnswerOk, false, "A\r\nB\r\n\r\n"},
-      {"trailing bar", Variant("A| B|"), kAnswerNo, true, "A\r\n B\r\n\r\n\r\n"},
-      {"bars alone", Variant("||"), kAnswerNo, true, "\r\n\r\n\r\n\r\n"},
+      {Variant(Null{}), kAnswerNo, false, ""},
+      {Variant(" A|B "), kAnswerOk, false, "A\r\nB\r\n\r\n"},
+      {Variant("A| B|"), kAnswerNo, true, "A\r\n B\r\n\r\n\r\n"},
   };
   platform.Answer(Found());
   for (const auto& row : rows) {
     platform.box_answer = row.answer;
     platform.Answer(Reason(row.reason));
-    EXPECT_EQ(GSabrel::IsLengthyReport(5), row.declined) << row.name;
+    EXPECT_EQ(GSabrel::IsLengthyReport(5), row.declined) << row.lines;
     platform.Answer(Reason(row.reason));
-    EXPECT_EQ(GSabrel::IsLengthyReportGroup(5), row.declined) << row.name;
+    EXPECT_EQ(GSabrel::IsLengthyReportGroup(5), row.declined) << row.lines;
     const std::string box = "box 292 [Lengthy/Complex Report Warning] " + row.lines;
     const std::string told = platform.Conversation();
-    EXPECT_EQ(Has(told, box + report + "\n"), !row.lines.empty()) << row.name << told;
-    EXPECT_EQ(Has(told, box + group + "\n"), !row.lines.empty()) << row.name << told;
+    EXPECT_EQ(Has(told, box + report), !row.lines.empty()) << told;
+    EXPECT_EQ(Has(told, box + group), !row.lines.empty()) << told;
   }
   platform.trace = true;
-  platform.Answer(Reason(Variant(Null{})));
-  platform.Answer(Reason(Variant(Null{})));
   EXPECT_FALSE(GSabrel::IsLengthyReport(-5) || GSabrel::IsLengthyReportGroup(7));
+  const std::string traced = "trace switch\ntrace Checking expression.\r\nQuery: BEGIN ";
+  const std::string call = " ; END;\nmake procedure call\ncall ";
   EXPECT_EQ(platform.Conversation(),
-            "trace switch\ntrace Checking expression.\r\nQuery: BEGIN LengthyReport.Reason( -5 ) ; "
-            "END;\nmake procedure call\ncall [LengthyReport.Reason]" +
-                kAddress +
-                "0 (,string,) (-5,integer,) (,integer,)\n"
-                "trace switch\ntrace Checking expression.\r\nQuery: BEGIN "
-                "LengthyReport.LengthyReports( 7 ) ; END;\nmake procedure call\n"
-                "call [LengthyReport.LengthyReports]" +
+            traced + "LengthyReport.Reason( -5 )" + call + "[LengthyReport.Reason]" + kAddress +
+                "0 (,string,) (-5,integer,) (,integer,)\n" + traced +
+                "LengthyReport.LengthyReports( 7 )" + call + "[LengthyReport.LengthyReports]" +
                 kAddress + "0 (,string,) (7,integer,)\n");
 }
 
 TEST_F(ReportChecks, LookForTheOptionalPackageOnce) {
-  const std::pair<std::function<void()>, bool> rows[] = {
-      {[&] { platform.Answer(Found()); }, true},
-      {[&] {
-         platform.Answer(Rows{{"object_name"}, {}});
-       },
-       false},
-      {[&] { platform.Answer(Refuse(942)); }, false},
-  };
-  for (const auto& [answer, configured] : rows) {
+  for (const bool refused : {true, false}) {
     UnloadThread();
-    static_cast<void>(platform.Conversation());
-    answer();
-    EXPECT_EQ(GSabrel::LengthyReportsConfigured(), configured);
+    if (refused) platform.Answer(Refuse(942));
+    EXPECT_FALSE(GSabrel::LengthyReportsConfigured());
     EXPECT_THAT(platform.Conversation(),
                 HasSubstr("query [Select object_name, object_type From user_objects Where "
                           "object_name='LENGTHYREPORT' And object_type='PACKAGE']" +
                           kAddress + "0\n"));
-    EXPECT_EQ(GSabrel::LengthyReportsConfigured(), configured);
-    EXPECT_FALSE(!configured && (GSabrel::IsLengthyReport(5) || GSabrel::IsLengthyReportGroup(5)));
-    EXPECT_EQ(platform.Conversation(), "");
+    EXPECT_FALSE(GSabrel::IsLengthyReport(5) || GSabrel::IsLengthyReportGroup(5));
+    EXPECT_EQ(platform.Conversation(), "") << "nor is anything called";
   }
 }
 
@@ -140,30 +118,20 @@ TEST_F(ReportChecks, LetTheReportRunWhateverFails) {
 }
 
 TEST_F(ReportChecks, GroupsNeedWhatTheirReportsNeed) {
-  for (const bool csp : {true, false}) {
-    const std::string column = csp ? "CHANSETPLANID" : "DTSCOPEID";
-    const auto needed = [&](Rows rows) {
-      platform.Answer(std::move(rows));
-      return csp ? GSabrel::IsCspNeeded(-5) : GSabrel::IsDtsNeeded(-5);
-    };
-    EXPECT_FALSE(needed({{"Id"}, {}}));
-    EXPECT_THAT(platform.Conversation(),
-                HasSubstr("query [SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C." + column +
-                          " From JOB_GROUP A, JOB_GROUP_ITEM B, PM_REPORT C Where (B.GROUP_ID = "
-                          "A.ID) AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-5) AND (C." +
-                          column + " IS NOT NULL)]" + kAddress + "60\n"));
-    EXPECT_TRUE(needed({{"Id"}, {{Variant(1)}}}));
-    platform.Answer(Refuse(942));
-    EXPECT_FALSE(csp ? GSabrel::IsCspNeeded(1) : GSabrel::IsDtsNeeded(1));
-  }
+  const auto query = [](const std::string& column) {
+    return HasSubstr("query [SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C." + column +
+                     " From JOB_GROUP A, JOB_GROUP_ITEM B, PM_REPORT C Where (B.GROUP_ID = A.ID) "
+                     "AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-5) AND (C." +
+                     column + " IS NOT NULL)]" + kAddress + "60\n");
+  };
+  EXPECT_FALSE(GSabrel::IsCspNeeded(-5)) << "no rows";
+  EXPECT_THAT(platform.Conversation(), query("CHANSETPLANID"));
+  EXPECT_FALSE(GSabrel::IsDtsNeeded(-5)) << "no rows";
+  EXPECT_THAT(platform.Conversation(), query("DTSCOPEID"));
 }
 
 TEST_F(ReportChecks, TheRowLimitGoesByTheSpreadsheetsVersion) {
-  const struct {
-    const char* version;
-    std::int32_t fits;
-  } rows[] = {
-      {"11.0", 65000}, {" 11.9 ", 65000}, {"12.0", 1048000}, {"16", 1048000}, {"-1", 65000}};
+  const std::pair<const char*, std::int32_t> rows[] = {{" 11.9 ", 65000}, {"12.0", 1048000}};
   platform.locale = {",", ".", ".", ":", DateOrder::kDayMonthYear};
   for (const auto& [version, fits] : rows) {
     platform.spreadsheet_version = version;
@@ -171,7 +139,7 @@ TEST_F(ReportChecks, TheRowLimitGoesByTheSpreadsheetsVersion) {
     EXPECT_EQ(GSabrel::TestRowLimit(fits + 1), Variant(true)) << version;
     EXPECT_EQ(platform.Conversation(), "start excel.application\nstart excel.application\n");
   }
-  for (const char* version : {"", "12.0.1", "12,0", "new"}) {
+  for (const char* version : {"", "12.0.1", "12,0"}) {
     platform.spreadsheet_version = version;
     EXPECT_EQ(OutcomeOf([] { return GSabrel::TestRowLimit(1); }), "raises 13 Type mismatch")
         << version;
@@ -191,46 +159,38 @@ TEST_F(ReportChecks, ATaskIsJudgedByItsSizeElseByItsLimit) {
     const char* name;
     Rows rows;
     const char* outcome;
-    bool starts = false;
+    const char* version = "12.0";
   } rows[] = {
-      {"a limit that is set", cells(Variant(1)), "true"},
-      {"one as text", cells(Variant("-2")), "true"},
+      {"a limit that is set", cells(Variant("-2")), "true"},
       {"none", cells(Variant(0)), "false"},
-      {"null", cells(Variant(Null{})), "false"},
       {"a letter", cells(Variant("Y")), "false"},
-      {"a size beyond", cells(Variant(0), Variant(1048001)), "true", true},
-      {"a size within", cells(Variant(2000000), Variant(1048000)), "false", true},
-      {"no size", cells(Variant(1048001), Variant(0)), "true", true},
-      {"no size and no limit", cells(Variant(Null{}), Variant(Null{})), "false", true},
+      {"a size beyond", cells(Variant(0), Variant(1048001)), "true"},
+      {"a size within", cells(Variant(2000000), Variant(1048000)), "false"},
+      {"no size", cells(Variant(1048001), Variant(0)), "true"},
       {"a limit too long", cells(Variant(3e9)),
        "raises 6 OverflowUnexpected error, Task Id:5 ,An unexpected error occurred"},
       {"no row", Rows{{"limit"}, {}},
        "raises code 6 Query returned no records.Report does not exists, Report Id:5 Unexpected "
        "error, Task Id:5 ,An unexpected error occurred"},
+      {"no spreadsheet", cells(Variant(1), Variant(5)),
+       "raises 13 Type mismatchUnexpected error, Task Id:5 ,An unexpected error occurred", ""},
   };
   for (const auto& row : rows) {
     const bool sizes = row.rows.columns.size() == 2;
     KnowColumns(sizes, true);
     platform.Answer(row.rows);
+    platform.spreadsheet_version = row.version;
     EXPECT_EQ(OutcomeOf([] { return GSabrel::ReportTooBigForXL("5 "); }), row.outcome) << row.name;
     const std::string told = platform.Conversation();
     EXPECT_THAT(
         told, HasSubstr(std::string("query [SELECT LIMIT") + (sizes ? ", NVL(SIZEINROWS,0)" : "") +
                         " FROM TASK_FILENAME B WHERE B.TASKID= 5 ]" + kAddress + "60\n"));
-    EXPECT_EQ(Has(told, "start"), row.starts) << row.name;
+    EXPECT_EQ(Has(told, "start"), sizes) << row.name;
     EXPECT_EQ(platform.OpenCursors(), 0) << row.name;
   }
   KnowColumns(false, false);
   EXPECT_FALSE(GSabrel::ReportTooBigForXL("5"));
   EXPECT_EQ(platform.Conversation(), "") << "a site without limits is not asked";
-  KnowColumns(true, true);
-  platform.Answer(Refuse(942));
-  EXPECT_THAT(OutcomeOf([] { return GSabrel::ReportTooBigForXL("x"); }),
-              ::testing::StartsWith("raises code 6 Query returned no records.Report does not"));
-  platform.spreadsheet_version = "";
-  platform.Answer(cells(Variant(1), Variant(5)));
-  EXPECT_EQ(OutcomeOf([] { return GSabrel::ReportTooBigForXL("5"); }),
-            "raises 13 Type mismatchUnexpected error, Task Id:5,An unexpected error occurred");
 }
 
 TEST_F(ReportChecks, AJobCountsItsTooBigReportsAndSkipsWhatCannotBeChecked) {
@@ -240,14 +200,10 @@ TEST_F(ReportChecks, AJobCountsItsTooBigReportsAndSkipsWhatCannotBeChecked) {
   platform.Answer(Rows{{"LIMIT"}, {}});
   platform.Answer(Rows{{"LIMIT"}, {{Variant(2)}}});
   EXPECT_EQ(GSabrel::JobReportsTooBigForXL("7"), 2);
-  const std::string told = platform.Conversation();
-  EXPECT_THAT(told,
+  EXPECT_THAT(platform.Conversation(),
               HasSubstr("query [select task_id FROM Report_Status_V where Job_ID=7 and "
                         "Spool_Filename IS NOT NULL and status_word='Done' order by task_id]" +
                         kAddress + "60\n"));
-  for (const char* id : {"1", "3", "4"}) {
-    EXPECT_THAT(told, HasSubstr("B.TASKID= " + std::string(id) + "]"));
-  }
   platform.Answer(Refuse(942));
   EXPECT_EQ(GSabrel::JobReportsTooBigForXL("7"), 0) << "no rows to walk";
 }

@@ -37,4 +37,12 @@ std::string Outcome(Make make) {
   return number == 0 ? shown : "!" + std::to_string(number);
 }
 
+/// What `make` gives for each of `inputs`, each after a blank.
+template <class Inputs, class Make>
+std::string Outcomes(const Inputs& inputs, Make make) {
+  std::string all;
+  for (const auto& input : inputs) all += " " + Outcome([&] { return make(input); });
+  return all;
+}
+
 }  // namespace sabrel::testing

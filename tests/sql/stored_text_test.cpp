@@ -1,7 +1,10 @@
 // Stored texts: the statements that they become, in order, and what comes back from rows.
 #include "sabrel/sql/stored_text.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
 
 #include "tests/support/outcome.h"
 #include "tests/support/scripted_platform.h"
@@ -9,7 +12,6 @@
 namespace sabrel {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::OutcomeOf;
 using testing::Refuse;
 using testing::Rows;
@@ -25,9 +27,9 @@ std::string Repeated(std::string_view part, int times) {
 
 class StoredText : public ::testing::Test {
  protected:
-  // Statements and row sets since the last call, shortened to what differs: "I1 'abc'" is an insert
-  // with ordinal 1, "W 1|abc 2|d" a row set, all of Id 7.
-  std::vector<std::string> Sent() {
+  // Statements and row sets since the last call, a line each, shortened to what differs: "I1,'abc'"
+  // is an insert with ordinal 1, "W [7|1|abc]" a row set, all of Id 7.
+  std::string Sent() {
     const std::pair<std::string, std::string> shortened[] = {
         {"execute [INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,", "I"},
         {"execute [DELETE FROM PM_StringTable WHERE Id = 7]", "D"},
@@ -36,29 +38,23 @@ class StoredText : public ::testing::Test {
         {"query [SELECT StringData FROM PM_StringTable WHERE Id = 7 ORDER BY Ordinal]", "L"},
         {"write [PM_StringTable] Id:INT Ordinal:INT StringData:STRING", "W"},
     };
-    std::vector<std::string> sent;
-    const std::string told = platform.Conversation();
-    for (std::size_t at = 0; at < told.size();) {
-      const std::size_t end = told.find('\n', at);
-      std::string line = told.substr(at, end - at);
-      at = end + 1;
+    std::string sent;
+    std::istringstream told(platform.Conversation());
+    for (std::string line; std::getline(told, line);) {
       for (const auto& [text, name] : shortened) {
         if (!line.starts_with(text)) continue;
-        line.replace(0, text.size(), name);
-        const auto address = line.find(name == "I" ? ")] host=" : " host=");
-        sent.push_back(line.substr(0, address));
+        const auto end = line.find(name == "I" ? ")] host=" : " host=");
+        sent += name + line.substr(0, end).substr(text.size()) + "\n";
       }
     }
     return sent;
   }
-  // What saving `text` as Id 7 sends, a statement a line; the deletion is left out.
+  // What saving `text` as Id 7 sends after the deletion.
   std::string Saved(std::string text, bool lines = false, std::string_view delimiter = "\r\n") {
     GDBString::UpdateDBString(7, std::move(text), lines, delimiter);
-    std::string all;
-    for (const std::string& line : Sent()) {
-      if (line != "D") all += line + "\n";
-    }
-    return all;
+    const std::string sent = Sent();
+    EXPECT_TRUE(sent.starts_with("D\n"));
+    return sent.substr(2);
   }
   void Chunk(std::int32_t length) {
     UnloadThread();
@@ -72,26 +68,23 @@ class StoredText : public ::testing::Test {
 
 TEST_F(StoredText, PiecesAreCutByCharactersInOneRequestFromElevenOn) {
   const std::string wide = "aé€𝄞";
+  std::string ten;
+  std::string eleven = "W";
+  for (int i = 1; i <= 10; ++i) {
+    ten += "I" + std::to_string(i) + ",'" + wide + "'\n";
+    eleven += " [7|" + std::to_string(i) + "|\\p'\\\\\\r]";
+  }
   const struct {
     const char* name;
     std::string text;
     std::string sent;
   } rows[] = {
       {"empty", "", "I1,NULL\n"},
-      {"shorter", "abc", "I1,'abc'\n"},
       {"just as long", "abcd", "I1,'abcd'\n"},
-      {"one longer", "abcde", "I1,'abcd'\nI2,'e'\n"},
       {"quotes doubled after cutting", "ab''''''", "I1,'ab'''''\nI2,''''''''''\n"},
-      {"wide", Repeated(wide, 2) + "€", "I1,'aé€𝄞'\nI2,'aé€𝄞'\nI3,'€'\n"},
       {"invalid bytes count one each", "\xFF\xFE\xC3zy", "I1,'\xFF\xFE\xC3z'\nI2,'y'\n"},
-      {"ten pieces", Repeated(wide, 10),
-       "I1,'aé€𝄞'\nI2,'aé€𝄞'\nI3,'aé€𝄞'\nI4,'aé€𝄞'\nI5,'aé€𝄞'\nI6,'aé€𝄞'\nI7,'aé€𝄞'\nI8,"
-       "'aé€𝄞'\nI9,'aé€𝄞'\nI10,'aé€𝄞'\n"},
-      {"eleven", Repeated("|'\\\r", 10) + "\n",
-       "W [7|1|\\p'\\\\\\r] [7|2|\\p'\\\\\\r] [7|3|\\p'\\\\\\r] [7|4|\\p'\\\\\\r] "
-       "[7|5|\\p'\\\\\\r] "
-       "[7|6|\\p'\\\\\\r] [7|7|\\p'\\\\\\r] [7|8|\\p'\\\\\\r] [7|9|\\p'\\\\\\r] [7|10|\\p'\\\\\\r] "
-       "[7|11|\\n]\n"},
+      {"ten pieces", Repeated(wide, 10), ten},
+      {"eleven", Repeated("|'\\\r", 10) + "\n", eleven + " [7|11|\\n]\n"},
   };
   Chunk(4);
   for (const auto& row : rows) EXPECT_EQ(Saved(row.text), row.sent) << row.name;
@@ -105,18 +98,13 @@ TEST_F(StoredText, LinesAreRowsAndTheLastOneIsCutWithoutADelimiter) {
     std::string sent;
   } rows[] = {
       {"ends with the delimiter", "ab\r\ncd\r\n", "\r\n", "W [7|1|ab] [7|2|cd]\n"},
-      {"does not", "ab\r\ncd", "\r\n", "W [7|1|ab] [7|2|c]\n"},
-      {"one line", "abc", "\r\n", "W [7|1|ab]\n"},
       {"a wide last character", "aé", "\r\n", "W [7|1|a]\n"},
       {"one character", "a", "\r\n", "W\n"},
       {"an empty line leaves a gap", "a\r\n\r\nb\r\n", "\r\n", "W [7|1|a] [7|3|b]\n"},
-      {"empty lines alone", "\r\n\r\n", "\r\n", "W\n"},
       {"long lines are cut", "𝄞bcdefg\r\nab", "\r\n", "W [7|1|𝄞bcd] [7|2|a]\n"},
-      {"half a delimiter is text", "a\rb\n\r\n", "\r\n", "W [7|1|a\\rb\\n]\n"},
       {"another delimiter", "a€€b€€", "€€", "W [7|1|a] [7|2|b]\n"},
       {"found without overlap", "aaaxb", "aa", "W [7|2|ax]\n"},
       {"none", "ab\r\nc", "", "W [7|1|ab\\r\\n]\n"},
-      {"empty", "", "\r\n", "I1,NULL\n"},
   };
   Chunk(4);
   for (const auto& row : rows)
@@ -127,19 +115,17 @@ TEST_F(StoredText, TheLengthOfARowIsAskedForWhenItIsNeededUntilItIsKnown) {
   CDBString text;
   text.Id(7);
   text.Save();
-  EXPECT_THAT(Sent(), ElementsAre("D", "I1,NULL")) << "not for an empty text";
+  EXPECT_EQ(Sent(), "D\nI1,NULL\n") << "not for an empty text";
   text.Text("abc");
-  platform.Answer(Rows{});
   for (int i = 0; i < 2; ++i) {
-    platform.DropAnswers();
     EXPECT_EQ(OutcomeOf([&] { return (text.Save(), true); }), "raises 11 Division by zero");
-    EXPECT_THAT(Sent(), ElementsAre("D", "C")) << "the rows are gone";
+    EXPECT_EQ(Sent(), "D\nC\n") << "the rows are gone";
   }
   platform.Answer(Rows{});
   platform.Answer(One(Variant(2)));
   text.Save();
   text.Save();
-  EXPECT_THAT(Sent(), ElementsAre("D", "C", "I1,'ab'", "I2,'c'", "D", "I1,'ab'", "I2,'c'"));
+  EXPECT_EQ(Sent(), "D\nC\nI1,'ab'\nI2,'c'\nD\nI1,'ab'\nI2,'c'\n");
 }
 
 // The n-th statement fails, for every n: what was sent before stays sent, nothing follows.
@@ -147,14 +133,14 @@ TEST_F(StoredText, ASaveThatFailsStopsWhereItFails) {
   for (const bool bulk : {false, true}) {
     Chunk(4);
     const std::string whole = Repeated("abcd", bulk ? 11 : 3);
-    const std::size_t statements = bulk ? 2 : 4;
-    for (std::size_t n = 0; n < statements; ++n) {
+    for (int n = 1; n <= (bulk ? 2 : 4); ++n) {
       platform.DropAnswers();
-      for (std::size_t i = 0; i < n; ++i) platform.Answer(Rows{});
+      for (int i = 1; i < n; ++i) platform.Answer(Rows{});
       platform.Answer(Refuse(1653, "full"));
       EXPECT_EQ(OutcomeOf([&] { return (GDBString::UpdateDBString(7, whole), true); }),
                 "raises database 1653");
-      EXPECT_EQ(Sent().size(), n + 1);
+      const std::string sent = Sent();
+      EXPECT_EQ(std::count(sent.begin(), sent.end(), '\n'), n);
     }
   }
 }
@@ -165,28 +151,21 @@ TEST_F(StoredText, IdentifiersDecideWhatHappens) {
   text.Text("ab");
   text.Update();
   text.Delete();
-  text.Load();
   text.Load(-7);
-  EXPECT_THAT(Sent(), ElementsAre()) << "nothing without an Id";
-  EXPECT_EQ(text.Text(), "ab");
+  EXPECT_EQ(text.Text() + Sent(), "ab") << "nothing without an Id";
   platform.Answer(One(Variant(7)));
   text.Save(-1);
-  EXPECT_THAT(Sent(), ElementsAre("S", "I1,'ab'"));
-  EXPECT_TRUE(text.IsValid());
   text.Delete();
-  EXPECT_THAT(Sent(), ElementsAre("D"));
+  EXPECT_EQ(Sent(), "S\nI1,'ab'\nD\n");
   EXPECT_EQ(std::to_string(text.Id()) + text.Text(), "7ab") << "Id and text stay";
   platform.Answer(One(Variant(8)));
   platform.Answer(Refuse(1653));
   EXPECT_EQ(OutcomeOf([&] { return (text.Create(), true); }), "raises database 1653");
   EXPECT_EQ(text.Id(), 8) << "the new Id, though nothing is there";
-  static_cast<void>(platform.Conversation());
   platform.Answer(Refuse(2289));
   text.Create();
   EXPECT_EQ(text.Id(), 0);
-  const std::string told = platform.Conversation();
-  EXPECT_TRUE(testing::Has(told, "assertion false")) << told;
-  EXPECT_TRUE(testing::Has(told, "VALUES (0,1,'ab')")) << told;
+  EXPECT_TRUE(testing::Has(platform.Conversation(), "VALUES (0,1,'ab')")) << "sent all the same";
 }
 
 TEST_F(StoredText, RowsBecomeTextAgain) {
@@ -197,8 +176,6 @@ TEST_F(StoredText, RowsBecomeTextAgain) {
   EXPECT_TRUE(testing::Has(platform.Conversation(), "trace switch\ntrace aé 'b' \n"));
   platform.Answer(stored);
   EXPECT_EQ(GDBString::LoadDBString(7, true, "|")->Text(), "aé|| 'b' |");
-  platform.Answer(Rows{{"StringData"}, {}});
-  EXPECT_EQ(GDBString::LoadDBString(7, true)->Text(), "");
   platform.Answer(Rows{{"StringData"}, {{Variant(Null{})}}});
   EXPECT_EQ(GDBString::LoadDBString(7, true)->Text(), "\r\n") << "an empty text has one row";
 
@@ -215,16 +192,17 @@ TEST_F(StoredText, RowsBecomeTextAgain) {
 // A trace line is the host's code: it may give the object another text and Id, or fail in its own
 // way.
 TEST_F(StoredText, AHostMayMeddleWhileATextIsSaved) {
-  for (int line = 1; line <= 4; ++line) {
+  const std::string whole(20, 'a');
+  const std::string rest = "I1,'" + whole + "'\nI2,'" + whole + "'\nI3,'aaaaaaaaaa'\n";
+  const std::string sent[] = {"D\nI1,NULL\n", "D\nC\nI1,NULL\n", "D\nC\n" + rest, "D\nC\n" + rest};
+  for (int line = 0; line < 4; ++line) {
     UnloadThread();
-    static_cast<void>(platform.Conversation());
     platform.trace = true;
     CDBString text;
-    EXPECT_EQ(text.RowDelimiter(), "\r\n");
     text.Text(std::string(50, 'a'));
     int lines = 0;
     platform.on_trace = [&] {
-      if (++lines != line) return;
+      if (lines++ != line) return;
       text.Text("another");
       text.Id(9);
       text.ClearText();
@@ -232,16 +210,10 @@ TEST_F(StoredText, AHostMayMeddleWhileATextIsSaved) {
     platform.Answer(Rows{});
     platform.Answer(One(Variant(20)));
     text.Save(7);
-    platform.on_trace = nullptr;
-    platform.trace = false;
-    const std::string rest(10, 'a');
-    if (line > 2) {
-      EXPECT_THAT(Sent(), ElementsAre("D", "C", "I1,'" + rest + rest + "'",
-                                      "I2,'" + rest + rest + "'", "I3,'" + rest + "'"));
-    }
+    EXPECT_EQ(Sent(), sent[line]) << line;
+    platform.DropAnswers();
   }
   platform.on_trace = [] { throw std::logic_error("disk"); };
-  platform.trace = true;
   EXPECT_EQ(OutcomeOf([] { return (GDBString::UpdateDBString(7, "x"), true); }), "raises 51 disk");
 }
 
@@ -253,19 +225,14 @@ TEST_F(StoredText, TheTextObjectIsSharedAndNeverAbsent) {
   text->TextString(nullptr);
   text->ClearText();
   EXPECT_EQ(held->Text(), "");
-  EXPECT_THAT(Sent(), ElementsAre());
 }
 
 TEST_F(StoredText, TheEnvelopeOfAQueryIsNeverSent) {
   CDBString text;
-  EXPECT_EQ(text.ExecuteXMLQuery(), "");
-  NamedValues arguments;
-  arguments.Add("A", Variant(1));
+  const NamedValues arguments;
   EXPECT_EQ(text.ExecuteXMLQuery(-7, &arguments), "");
-  EXPECT_EQ(OutcomeOf([&] { return text.ExecuteXMLQuery(7, &arguments); }),
-            "raises 13 Type mismatch");
-  EXPECT_EQ(text.Id(), 7);
-  EXPECT_EQ(platform.Conversation(), "");
+  EXPECT_EQ(OutcomeOf([&] { return text.ExecuteXMLQuery(7); }), "raises 13 Type mismatch");
+  EXPECT_EQ(std::to_string(text.Id()) + platform.Conversation(), "7");
 }
 
 }  // namespace

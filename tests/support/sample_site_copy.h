@@ -15,6 +15,7 @@ class TemporaryFolder {
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  [[nodiscard]] const std::string& Path() const { return path_; }
   [[nodiscard]] std::string Path(const std::string& name) const { return path_ + "/" + name; }
 
  private:

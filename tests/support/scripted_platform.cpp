@@ -8,7 +8,7 @@ namespace sabrel::testing {
 
 struct ScriptedPlatform::Script {
   ScriptedPlatform* owner = nullptr;
-  std::deque<std::variant<Rows, Refusal, RoutineOutcome>> answers;
+  std::deque<ScriptedAnswer> answers;
   std::string conversation;
   DatabaseError last_error;
   std::map<std::string, std::string> properties;
@@ -50,6 +50,13 @@ namespace {
 
 using Script = ScriptedPlatform::Script;
 
+// A seam's interface, answered by the script.
+template <class Interface>
+struct Scripted : Interface {
+  explicit Scripted(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+  std::shared_ptr<Script> script_;
+};
+
 std::string AddressText(const DataServerAddress& a) {
   return " host=" + a.host + " port=" + std::to_string(a.port) + " user=" + a.user +
          " password=" + a.password + " timeout=" + std::to_string(a.timeout_s);
@@ -67,10 +74,9 @@ void AddCell(RowBlock& block, const Variant& value) {
   }
 }
 
-class ScriptedCursor final : public Cursor {
- public:
+struct ScriptedCursor final : Scripted<Cursor> {
   ScriptedCursor(std::shared_ptr<Script> script, Rows rows)
-      : script_(std::move(script)), rows_(std::move(rows)) {
+      : Scripted(std::move(script)), rows_(std::move(rows)) {
     ++script_->open_cursors;
   }
   ~ScriptedCursor() override {
@@ -90,16 +96,13 @@ class ScriptedCursor final : public Cursor {
     return next_ < rows_.rows.size();
   }
 
- private:
-  std::shared_ptr<Script> script_;
   Rows rows_;
   std::size_t next_ = 0;
   int fetches_ = 0;
 };
 
-class ScriptedLink final : public DataLink {
- public:
-  explicit ScriptedLink(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+struct ScriptedLink final : Scripted<DataLink> {
+  using Scripted::Scripted;
 
   std::unique_ptr<Cursor> Query(std::string_view sql, const DataServerAddress& address) override {
     script_->Step("query [" + std::string(sql) + "]" + AddressText(address));
@@ -124,13 +127,9 @@ class ScriptedLink final : public DataLink {
     script_->Step(line);
     static_cast<void>(script_->Next(Rows{}));
   }
-
- private:
-  std::shared_ptr<Script> script_;
 };
 
-class ScriptedRowlink final : public LinkedRowlink {
- public:
+struct ScriptedRowlink final : LinkedRowlink {
   explicit ScriptedRowlink(std::shared_ptr<Script> script)
       : LinkedRowlink(std::make_shared<ScriptedLink>(script)), script_(std::move(script)) {}
 
@@ -153,13 +152,44 @@ class ScriptedRowlink final : public LinkedRowlink {
   }
   void Cancel() noexcept override {}
 
- private:
   std::shared_ptr<Script> script_;
 };
 
-class ScriptedServices final : public Services {
- public:
-  explicit ScriptedServices(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+struct ScriptedKey final : Scripted<RegistryKey> {
+  ScriptedKey(std::shared_ptr<Script> script, std::string path)
+      : Scripted(std::move(script)), path_(std::move(path)) {}
+
+  static std::unique_ptr<RegistryKey> Open(const std::shared_ptr<Script>& script,
+                                           std::string path) {
+    script->Step("open key " + path);
+    for (const auto& [name, value] : script->owner->registry) {
+      if (name.starts_with(path + "\\")) return std::make_unique<ScriptedKey>(script, path);
+    }
+    return nullptr;
+  }
+  std::unique_ptr<RegistryKey> OpenSubkey(std::string_view name) const override {
+    return Open(script_, path_ + "\\" + std::string(name));
+  }
+  std::string ReadString(std::string_view name, std::string_view default_value) const override {
+    return Find(name).value_or(std::string(default_value));
+  }
+  bool ReadBoolean(std::string_view name, bool default_value) const override {
+    return Find(name).value_or(default_value ? "1" : "0") == "1";
+  }
+
+  std::optional<std::string> Find(std::string_view name) const {
+    script_->Step("read " + std::string(name));
+    const auto& values = script_->owner->registry;
+    const auto found = values.find(path_ + "\\" + std::string(name));
+    return found == values.end() ? std::nullopt : std::optional(found->second);
+  }
+  std::string path_;
+};
+
+// What a host gives besides the Data Server.
+struct ScriptedHost final : Services, Application, Registry, SpreadsheetApplication {
+  explicit ScriptedHost(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+
   bool TraceSwitch() const override {
     script_->Step("trace switch");
     return script_->owner->trace;
@@ -184,13 +214,6 @@ class ScriptedServices final : public Services {
                   " [" + std::string(message) + "]");
   }
 
- private:
-  std::shared_ptr<Script> script_;
-};
-
-class ScriptedApplication final : public Application {
- public:
-  explicit ScriptedApplication(std::shared_ptr<Script> script) : script_(std::move(script)) {}
   std::string ProductName() const override {
     script_->MayFail();
     return script_->owner->product_name;
@@ -218,73 +241,20 @@ class ScriptedApplication final : public Application {
   }
   void Notify() override { script_->Step("notify"); }
 
- private:
-  std::shared_ptr<Script> script_;
-};
-
-class ScriptedKey final : public RegistryKey {
- public:
-  ScriptedKey(std::shared_ptr<Script> script, std::string path)
-      : script_(std::move(script)), path_(std::move(path)) {}
-
-  static std::unique_ptr<RegistryKey> Open(const std::shared_ptr<Script>& script,
-                                           std::string path) {
-    script->Step("open key " + path);
-    for (const auto& [name, value] : script->owner->registry) {
-      if (name.starts_with(path + "\\")) return std::make_unique<ScriptedKey>(script, path);
-    }
-    return nullptr;
-  }
-  std::unique_ptr<RegistryKey> OpenSubkey(std::string_view name) const override {
-    return Open(script_, path_ + "\\" + std::string(name));
-  }
-  std::string ReadString(std::string_view name, std::string_view default_value) const override {
-    const std::string* value = Find(name);
-    return value == nullptr ? std::string(default_value) : *value;
-  }
-  bool ReadBoolean(std::string_view name, bool default_value) const override {
-    const std::string* value = Find(name);
-    return value == nullptr ? default_value : *value == "1";
-  }
-
- private:
-  const std::string* Find(std::string_view name) const {
-    script_->Step("read " + std::string(name));
-    const auto found = script_->owner->registry.find(path_ + "\\" + std::string(name));
-    return found == script_->owner->registry.end() ? nullptr : &found->second;
-  }
-  std::shared_ptr<Script> script_;
-  std::string path_;
-};
-
-class ScriptedRegistry final : public Registry {
- public:
-  explicit ScriptedRegistry(std::shared_ptr<Script> script) : script_(std::move(script)) {}
   std::unique_ptr<RegistryKey> OpenKey(std::string_view path) const override {
     return ScriptedKey::Open(script_, std::string(path));
   }
 
- private:
-  std::shared_ptr<Script> script_;
-};
-
-class ScriptedSpreadsheet final : public SpreadsheetApplication {
- public:
-  explicit ScriptedSpreadsheet(std::shared_ptr<Script> script) : script_(std::move(script)) {}
   std::unique_ptr<SpreadsheetInstance> CreateInstance(std::string_view automation_class) override {
-    class Instance final : public SpreadsheetInstance {
-     public:
+    struct Instance final : SpreadsheetInstance {
       explicit Instance(std::string version) : version_(std::move(version)) {}
       std::string Version() const override { return version_; }
-
-     private:
       std::string version_;
     };
     script_->Step("start " + std::string(automation_class));
     return std::make_unique<Instance>(script_->owner->spreadsheet_version);
   }
 
- private:
   std::shared_ptr<Script> script_;
 };
 
@@ -301,10 +271,9 @@ ScriptedPlatform::ScriptedPlatform(std::function<std::shared_ptr<Rowlink>()> ope
   script_->owner = this;
   UnloadThread();
   InstallPlatform([script = script_, open_session = std::move(open_session)] {
-    return Platform{
-        open_session ? open_session() : std::make_shared<ScriptedRowlink>(script),
-        std::make_shared<ScriptedServices>(script), std::make_shared<ScriptedApplication>(script),
-        std::make_shared<ScriptedRegistry>(script), std::make_shared<ScriptedSpreadsheet>(script)};
+    const auto host = std::make_shared<ScriptedHost>(script);
+    return Platform{open_session ? open_session() : std::make_shared<ScriptedRowlink>(script), host,
+                    host, host, host};
   });
 }
 
@@ -313,12 +282,8 @@ ScriptedPlatform::~ScriptedPlatform() {
   InstallPlatform({});
 }
 
-void ScriptedPlatform::Answer(Rows rows) { script_->answers.emplace_back(std::move(rows)); }
-void ScriptedPlatform::Answer(Refusal refusal) {
-  script_->answers.emplace_back(std::move(refusal));
-}
-void ScriptedPlatform::Answer(RoutineOutcome outcome) {
-  script_->answers.emplace_back(std::move(outcome));
+void ScriptedPlatform::Answer(ScriptedAnswer answer) {
+  script_->answers.push_back(std::move(answer));
 }
 
 void ScriptedPlatform::DropAnswers() { script_->answers.clear(); }

@@ -2,7 +2,7 @@
 // every call.
 //
 //   ScriptedPlatform platform;                       // installs itself for this thread
-//   platform.Answer({{"ID"}, {{Variant(7)}}});       // the next statement's rows
+//   platform.Answer(Rows{{"ID"}, {{Variant(7)}}});  // the next statement's rows
 //   ... EXPECT_EQ(platform.Conversation(), "query [SELECT ...] host= port=0 user= password=
 //   timeout=60\n...");
 #pragma once
@@ -35,6 +35,8 @@ struct Refusal {
   std::int32_t connection_code = 0;
 };
 
+using ScriptedAnswer = std::variant<Rows, Refusal, RoutineOutcome>;
+
 [[nodiscard]] Refusal Refuse(std::int32_t native_number, std::string message = "refused");
 [[nodiscard]] Refusal ConnectionRefusal(std::int32_t code);
 
@@ -49,9 +51,7 @@ class ScriptedPlatform {
   ScriptedPlatform& operator=(const ScriptedPlatform&) = delete;
 
   /// Answers to statements and calls, in order; with none left a query has one column and no rows.
-  void Answer(Rows rows);
-  void Answer(Refusal refusal);
-  void Answer(RoutineOutcome outcome);
+  void Answer(ScriptedAnswer answer);
   /// Forgets the answers that nothing asked for.
   void DropAnswers();
 

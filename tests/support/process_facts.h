@@ -1,0 +1,27 @@
+// What this process holds, for tests that compare it with what it held before.
+#pragma once
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace sabrel::testing {
+
+[[nodiscard]] inline std::size_t EntriesIn(const char* folder) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+}
+/// Less the one that reads the folder.
+[[nodiscard]] inline std::size_t OpenDescriptors() { return EntriesIn("/proc/self/fd") - 1; }
+[[nodiscard]] inline std::size_t RunningThreads() { return EntriesIn("/proc/self/task"); }
+
+[[nodiscard]] inline std::size_t ResidentBytes() {
+  std::size_t all_pages = 0;
+  std::size_t resident_pages = 0;
+  std::ifstream("/proc/self/statm") >> all_pages >> resident_pages;
+  return resident_pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace sabrel::testing
