@@ -339,7 +339,7 @@ void Connection::Write(std::string_view head, const RowSet& rows, std::int32_t t
       WriteArrays(head, rows, timeout_s);
     }
     EndTransaction(true);
-  } catch (const DriverFailure&) {
+  } catch (...) {
     SQLEndTran(SQL_HANDLE_DBC, handle_, SQL_ROLLBACK);
     SQLSetConnectAttr(handle_, SQL_ATTR_AUTOCOMMIT, NumberArgument(SQL_AUTOCOMMIT_ON), 0);
     throw;

@@ -229,7 +229,6 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
   return Reporting(*last_error_, *target.session, [&] {
     CheckParameters(call);
     const auto answer = std::make_shared<Answer>();
-    const Deadline deadline = DeadlineIn(target.timeout_s);
     Lease(target.session)
         .Do(
             [answer, call, timeout_s = target.timeout_s](Workplace& here) {
@@ -255,7 +254,7 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
               }
               answer->row = here.connection->Call(signature, values, timeout_s);
             },
-            deadline);
+            DeadlineIn(target.timeout_s));
     RoutineOutcome outcome;
     const Signature& signature = *answer->signature;
     const bool has_position = call.parameters.size() > signature.arguments.size();

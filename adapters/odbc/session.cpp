@@ -74,7 +74,9 @@ void Session::Close() noexcept {
 }
 
 Lease::Lease(std::shared_ptr<Session> session)
-    : session_(std::move(session)), place_(session_->Take()) {}
+    : session_(std::move(session)), place_(session_->Take()) {
+  if (!place_.is_connected) Connect();
+}
 
 Lease::~Lease() {
   if (place_.worker) session_->GiveBack(std::move(place_));
@@ -124,7 +126,6 @@ void Lease::Connect() {
 }
 
 void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
-  if (!place_.is_connected) Connect();
   try {
     RunWatched(std::move(task), deadline, ConnectionFailure::kReceiveTimeOut);
   } catch (const DriverFailure& failure) {

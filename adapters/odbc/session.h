@@ -87,7 +87,8 @@ class Session {
 /// A borrowed connection.
 class Lease {
  public:
-  /// Errors: the last code of an address where too many workers were left behind
+  /// Connects where that is to be done, within the profile's own limit for it.
+  /// Errors: Refused; the last code of an address where too many workers were left behind
   explicit Lease(std::shared_ptr<Session> session);
   /// Gives the connection back, or drops it where a request left it unusable.
   ~Lease();
@@ -96,9 +97,8 @@ class Lease {
   Lease(const Lease&) = delete;
   Lease& operator=(const Lease&) = delete;
 
-  /// Runs `task` on the connection's thread until `deadline`, connecting first where that is to be
-  /// done. `task` must own all that it refers to, since it may outlive the call. `verb` tells
-  /// errors apart. Errors: Refused
+  /// Runs `task` on the connection's thread until `deadline`. `task` must own all that it refers
+  /// to, since it may outlive the call. `verb` tells errors apart. Errors: Refused
   void Do(Worker::Task task, Deadline deadline, Verb verb = Verb::kOther);
   /// The same without waiting and without errors.
   void Post(Worker::Task task) noexcept;

@@ -18,6 +18,8 @@ constexpr std::size_t kNumberBytes = 64;
 // Code units that a text's buffer holds: as wide as the column is declared, within limits.
 constexpr std::size_t kMostTextUnits = 4001;
 constexpr std::size_t kUnknownTextUnits = 1001;
+// Drivers count in milliseconds of 32 bits.
+constexpr std::int32_t kLongestTimeoutSeconds = 1000000;
 
 std::size_t TextUnits(SQLULEN declared) {
   const bool is_known = declared > 0 && declared < kMostTextUnits;
@@ -63,8 +65,10 @@ Statement::~Statement() {
 
 void Statement::SetTimeout(std::int32_t timeout_s) {
   // A driver without time-outs: the caller's clock holds all the same.
-  SQLSetStmtAttr(handle_, SQL_ATTR_QUERY_TIMEOUT,
-                 NumberArgument(static_cast<std::uintptr_t>(std::max(timeout_s, 0))), 0);
+  SQLSetStmtAttr(
+      handle_, SQL_ATTR_QUERY_TIMEOUT,
+      NumberArgument(static_cast<std::uintptr_t>(std::clamp(timeout_s, 0, kLongestTimeoutSeconds))),
+      0);
 }
 
 void Statement::Execute(const std::u16string& text, std::int32_t timeout_s) {

@@ -8,6 +8,7 @@
 
 #include "adapters/shared/dialect/dialect.h"
 #include "adapters/shared/dialect/token.h"
+#include "adapters/shared/verb.h"
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel::odbc {
@@ -291,15 +292,20 @@ std::string CompileCall(const dialect::BlockStep& step) {
          TextConstant(arguments) + ", " + std::to_string(step.arguments.size()) + ");";
 }
 
-// As one statement, so that the block is one round trip and one transaction.
+// A block is one transaction, which a COMMIT or ROLLBACK within would part.
+std::string CompileStep(const dialect::BlockStep& step) {
+  if (step.is_call) return CompileCall(step);
+  if (VerbOf(dialect::KindOf(step.statement)) == Verb::kOther) {
+    throw SyntaxFailure{6550, "PLS-00103: a block is made of calls, INSERT, UPDATE and DELETE"};
+  }
+  return "EXECUTE " + TextConstant(CompileForPostgresql(step.statement)) + ';';
+}
+
+// As one statement, so that the block is one round trip.
 std::string CompileBlock(std::string_view block) {
   std::string steps;
   for (const dialect::BlockStep& step : dialect::ParseBlock(block)) {
-    if (step.is_call) {
-      steps += ' ' + CompileCall(step);
-    } else if (dialect::KindOf(step.statement) != StatementKind::kTransaction) {
-      steps += " EXECUTE " + TextConstant(CompileForPostgresql(step.statement)) + ';';
-    }
+    steps += ' ' + CompileStep(step);
   }
   if (steps.empty()) return {};
   std::string tag = "$sabrel$";

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/shared/dialect/rewriter.h"
+#include "sabrel/platform/utf8.h"
 
 namespace sabrel::dialect {
 
@@ -60,6 +61,43 @@ void Rewriter::NameOrCall() {
     return Call(first, last);
   }
   SpellNames(first, last);
+}
+
+// a, t.a, t.*
+bool Rewriter::IsPlainColumn(std::size_t first) const {
+  const Token& last = tokens_[at_ - 1];
+  for (std::size_t i = first; i + 1 < at_; ++i) {
+    if ((i - first) % 2 == 1 ? !IsSymbol(tokens_[i], '.') : IsSymbol(tokens_[i], '-')) return false;
+  }
+  if (last.kind == TokenKind::kQuotedName || IsSymbol(last, '*')) return true;
+  const bool is_pseudo_column = last.word == Word::kNextval || last.word == Word::kCurrval ||
+                                (last.word == Word::kSystemDate && first + 1 == at_);
+  return last.kind == TokenKind::kWord && last.word != Word::kNull && !is_pseudo_column;
+}
+
+// Oracle names a column by its expression without blanks, in upper case.
+void Rewriter::KeepColumnName(std::size_t first) {
+  const Word last = tokens_[at_ - 1].word;
+  if (last == Word::kNextval || last == Word::kCurrval) first = at_ - 1;
+  std::string name;
+  for (std::size_t i = first; i < at_; ++i) {
+    const Token& token = tokens_[i];
+    const bool parts_words =
+        i > first && token.kind == TokenKind::kWord && tokens_[i - 1].kind != TokenKind::kSymbol;
+    const bool follows_word =
+        i > first && tokens_[i - 1].kind == TokenKind::kWord && token.kind != TokenKind::kSymbol;
+    if (parts_words || follows_word) name += ' ';
+    if (token.kind == TokenKind::kQuotedName) {
+      name += ValueOfName(sql_, token);
+    } else {
+      name += token.kind == TokenKind::kWord ? Upper(token) : std::string(TextOf(sql_, token));
+    }
+  }
+  std::erase(name, '"');
+  if (!traits_.names_columns) name = UpperCase(name);
+  const std::string quoted = "\"" + name + "\"";
+  const std::string spelled = engine_.NameSpelling(quoted);
+  edits_.AppendBehind(at_ - 1, " AS " + (spelled.empty() ? quoted : spelled));
 }
 
 // All uses of a sequence in one row are one value in Oracle; engines draw at each.

@@ -130,6 +130,8 @@ class Rewriter {
   void CallName(std::size_t first, std::size_t last);
   void Arguments();
   void Decode(std::size_t name);
+  [[nodiscard]] bool IsPlainColumn(std::size_t first) const;
+  void KeepColumnName(std::size_t first);
   void UseSequence(std::size_t first, std::size_t last);
   void Window();
   void ExpressionList();
@@ -140,8 +142,6 @@ class Rewriter {
   void SelectCore(SelectFacts& facts, QueryShape& shape);
   [[nodiscard]] std::size_t SelectList();
   [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
-  [[nodiscard]] bool IsPlainColumn(std::size_t first) const;
-  void KeepColumnName(std::size_t first);
   void FromList();
   void TableReference();
   bool JoinWords();

@@ -1,0 +1,91 @@
+// What the driver must carry unharmed, and the ways to it that other drivers than psqlodbc need.
+#include <gtest/gtest.h>
+
+#include "adapters/odbc/connection.h"
+#include "adapters/odbc/odbc_rowlink.h"
+#include "sabrel/platform/date.h"
+#include "sabrel/platform/utf8.h"
+#include "tests/support/postgresql_server.h"
+
+namespace sabrel::testing {
+namespace {
+
+class OdbcValues : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!PostgresqlServer()) GTEST_SKIP() << "no PostgreSQL server";
+    site = std::make_unique<PostgresqlDatabase>();
+    rowlink = MakeOdbcRowlink(ProfileSet(site->Profile()));
+  }
+  [[nodiscard]] std::shared_ptr<Recordset> Open(const std::string& sql) const {
+    const auto rows = rowlink->MakeRecordset();
+    rows->Open(sql, "", 0, "", "", 60);
+    return rows;
+  }
+  [[nodiscard]] Variant Ask(const std::string& sql) const {
+    return Open(sql)->Fields().Item(0).Value();
+  }
+  std::unique_ptr<PostgresqlDatabase> site;
+  std::shared_ptr<Rowlink> rowlink;
+};
+
+TEST_F(OdbcValues, TextsOfEveryLengthAndCharacterComeBack) {
+  const std::string smile = "\U0001F600";
+  std::vector<std::string> texts;
+  // A buffer holds 4,000 units of UTF-16; a character beyond 16 bits takes two of them.
+  for (const std::size_t length : {1U, 3998U, 3999U, 4000U, 4001U, 8000U, 8001U, 100000U}) {
+    texts.push_back(std::string(length, 'x'));
+    texts.push_back(std::string(length, 'x') + smile);
+    texts.push_back(smile + std::string(length, 'x') + "\u20AC");
+  }
+  std::string sql;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    sql += (i > 0 ? " UNION ALL SELECT " : "SELECT ") + std::to_string(i) + " AS N, '" + texts[i] +
+           "' AS T, '" + texts[texts.size() - 1 - i] + "' AS U FROM DUAL";
+  }
+  const auto rows = Open(sql + " ORDER BY N");
+  for (std::size_t i = 0; i < texts.size(); ++i, rows->MoveNext()) {
+    ASSERT_FALSE(rows->EndOfFile());
+    EXPECT_TRUE(rows->Fields().Item("T").Value() == Variant(texts[i])) << i;
+    EXPECT_TRUE(rows->Fields().Item("U").Value() == Variant(texts[texts.size() - 1 - i])) << i;
+  }
+  std::string all;
+  for (char32_t point = 1; point <= 0x10FFFF; ++point) {
+    if (point < 0xD800 || point > 0xDFFF) AppendUtf8(all, point);
+  }
+  std::string quoted = all;
+  quoted.insert(quoted.find('\''), 1, '\'');
+  EXPECT_TRUE(Ask("SELECT '" + quoted + "' FROM DUAL") == Variant(all));
+}
+
+TEST_F(OdbcValues, TheServersClockIsTheClock) {
+  const Variant now = Ask("SELECT SYSDATE FROM DUAL");
+  ASSERT_EQ(now.kind(), VariantKind::kDate);
+  EXPECT_LE(std::abs(now.Get<Date>().WholeSeconds() - Date::Now().WholeSeconds()), 2);
+}
+
+TEST_F(OdbcValues, BoundCallsAndArraysOfRowsDoWhatTextDoes) {
+  odbc::Connection connection(odbc::PostgresqlEngine(), site->Profile(), odbc::Opening::kSite,
+                              std::make_shared<odbc::CancelPoint>());
+  const auto add = connection.Find("EA_Client.Add_Common_Entity", 2, 10);
+  ASSERT_TRUE(add && add->is_function);
+  RowBlock row(1);
+  connection.CallBound(*add, {"N'\u00E4", std::nullopt}, 10, row);
+  ASSERT_EQ(row.Rows(), 1U);
+  const std::string id = std::to_string(row.Cell(0, 0).Get<std::int32_t>());
+  EXPECT_EQ(Ask("SELECT Name FROM EA_COMMON_ENTITY WHERE Id = " + id), Variant("N'\u00E4"));
+
+  RowSet rows{"PM_StringTable", {{"Id", "INT"}, {"Ordinal", "INT"}, {"StringData", "STRING"}}, {}};
+  for (int i = 1; i <= 1200; ++i) {  // several arrays
+    rows.rows.Add("9|" + std::to_string(i) + "|" +
+                  (i == 700 ? std::string(EncodedNull()) : EncodePiece("'\u20AC|" + id)));
+  }
+  const std::string head = "INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES ";
+  connection.WriteArrays(head, rows, 30);
+  EXPECT_EQ(Ask("SELECT COUNT(StringData) FROM PM_StringTable WHERE Id = 9"), Variant(1199));
+  EXPECT_EQ(Ask("SELECT StringData FROM PM_StringTable WHERE Id = 9 AND Ordinal = 1200"),
+            Variant("'\u20AC|" + id));
+}
+
+}  // namespace
+}  // namespace sabrel::testing

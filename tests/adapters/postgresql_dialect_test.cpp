@@ -1,0 +1,110 @@
+#include "adapters/odbc/postgresql/postgresql_dialect.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "adapters/odbc/engine.h"
+#include "adapters/shared/dialect/dialect.h"
+
+namespace sabrel::odbc {
+namespace {
+
+// What is sent for `sql`, without the dictionary's schema and double blanks; "!" and the number of
+// a refusal.
+std::string Sent(std::string_view sql) {
+  try {
+    std::string sent = CompileForPostgresql(dialect::RequireOneStatement(sql));
+    constexpr std::string_view kSchema = "sabrel_dictionary.";
+    for (auto at = sent.find(kSchema); at != std::string::npos; at = sent.find(kSchema, at)) {
+      sent.replace(at, kSchema.size(), "@");
+    }
+    const auto both_blank = [](char a, char b) { return a == ' ' && b == ' '; };
+    sent.erase(std::unique(sent.begin(), sent.end(), both_blank), sent.end());
+    return sent;
+  } catch (const dialect::SyntaxFailure& failure) {
+    return "!" + std::to_string(failure.native_number);
+  }
+}
+
+TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
+  const struct {
+    const char* name;
+    const char* oracle;
+    const char* postgresql;
+  } rows[] = {
+      {"names", "SELECT LIMIT, t.End, \"ID\", \"aB\", X#, 1 DAY FROM s.User t ORDER BY LIMIT DESC",
+       "SELECT \"limit\", t.\"end\", \"id\", \"aB\", \"x#\", 1 \"day\" FROM s.\"user\" t ORDER BY "
+       "\"limit\" DESC"},
+      {"names of columns", "SELECT COUNT(*), 'a', t.*, q.NEXTVAL, SYSDATE, NULL, a b FROM t",
+       "SELECT COUNT(*) AS \"count(*)\", 'a' AS \"'a'\", t.*, @next_value('q') AS \"nextval\", "
+       "@sysdate() AS \"sysdate\", NULL AS \"null\", a b FROM t"},
+      {"comments", "SELECT/*+ a /* b */c--d\nFROM t", "SELECT c FROM t"},
+      {"constants", "SELECT a FROM t WHERE b=-1 AND c='' AND d=N'it''s' AND e=q'[\\]' AND f=1.5d",
+       "SELECT a FROM t WHERE b=-1 AND c=NULL AND d='it''s' AND e='\\' AND f=1.5"},
+      {"patterns", "SELECT a FROM t WHERE b LIKE 'a\\%' OR NOT (c NOT LIKE 'x' ESCAPE '!')",
+       "SELECT a FROM t WHERE b LIKE 'a\\%' ESCAPE '' OR NOT (c NOT LIKE 'x' ESCAPE '!')"},
+      {"texts put together", "SELECT a||'b'||UPPER(c)||NULL x FROM t",
+       "SELECT @text_or_null(concat(@to_char(a),'b',UPPER(c),@to_char(NULL))) x FROM t"},
+      {"arithmetic", "SELECT d+1, a/b*2, 1+2 FROM t",
+       "SELECT d+1 AS \"d+1\", a*1.0/b*1.0*2 AS \"a/b*2\", 1+0.0+2 AS \"1+2\" FROM t"},
+      {"functions", "SELECT nvl(TRUNC(d,'MI'),SYSDATE) x, pkg.F(1) y FROM t",
+       "SELECT @nvl(@trunc(d,'MI'),@sysdate()) x, pkg.F(1) y FROM t"},
+      {"decode", "SELECT DECODE(a,1,b,NULL,c) x, DECODE(a,'t',b,NULL,c) y FROM t",
+       "SELECT CASE COALESCE((@to_number(a)),'NaN'::numeric) WHEN 1 THEN b WHEN "
+       "COALESCE((NULL),'NaN'::numeric) THEN c END x, CASE COALESCE((@to_char(a)),'') WHEN 't' "
+       "THEN "
+       "b WHEN COALESCE((NULL),'') THEN c END y FROM t"},
+      {"queries in FROM", "SELECT a FROM (SELECT a FROM t), (SELECT b FROM u) x WHERE ROWNUM<=3",
+       "SELECT a FROM (SELECT a FROM t) sabrel_1, (SELECT b FROM u) x LIMIT 3"},
+      {"set operators", "SELECT a FROM t MINUS SELECT b FROM u ORDER BY 1 FETCH FIRST 2 ROWS ONLY",
+       "SELECT a FROM t EXCEPT SELECT b FROM u ORDER BY 1 FETCH FIRST 2 ROWS ONLY"},
+      {"locks", "SELECT a FROM t FOR UPDATE OF t.a NOWAIT",
+       "SELECT a FROM t FOR UPDATE OF t NOWAIT"},
+      {"locks of columns", "SELECT a FROM t FOR UPDATE OF a SKIP LOCKED",
+       "SELECT a FROM t FOR UPDATE SKIP LOCKED"},
+      {"locks awaited", "SELECT a FROM t FOR UPDATE WAIT 5", "!900"},
+      {"parameters", "DELETE FROM t WHERE a=:a", "!1008"},
+      {"table",
+       "CREATE TABLE t (a NUMBER(10,2) PRIMARY KEY, \"B\" VARCHAR2(20 CHAR) DEFAULT 'x', c DATE, d "
+       "NUMBER(*,0), e LONG RAW, f TIMESTAMP(3) WITH TIME ZONE, g INTEGER, h BLOB(9))",
+       "CREATE TABLE t (a numeric(10,2) PRIMARY KEY, \"b\" varchar(20) DEFAULT ('x'), c "
+       "timestamp(0), d numeric(38,0), e bytea , f timestamp(3) WITH TIME ZONE, g numeric(38), h "
+       "bytea)"},
+      {"column", "ALTER TABLE t ADD (Limit CLOB)", "ALTER TABLE t ADD \"limit\" text"},
+      {"cast", "SELECT CAST(a AS NUMBER(5)) x FROM t", "SELECT CAST(a AS numeric(5)) x FROM t"},
+      {"drop", "DROP TABLE t CASCADE CONSTRAINTS PURGE", "DROP TABLE t CASCADE "},
+      {"truncate", "TRUNCATE TABLE t", "TRUNCATE TABLE t"},
+      {"sequence", "CREATE SEQUENCE S.\"aB\" NOCACHE",
+       "CREATE SEQUENCE s.\"aB\" INCREMENT BY 1 START WITH 1"},
+      {"sequence from 0", "CREATE SEQUENCE q START WITH 0",
+       "CREATE SEQUENCE q INCREMENT BY 1 MINVALUE 0 START WITH 0"},
+      {"dropped sequence", "DROP SEQUENCE Q", "CALL @drop_sequence('q')"},
+      {"routine", "CREATE FUNCTION f RETURN NUMBER IS BEGIN NULL; END;", "!900"},
+      {"transaction", "COMMIT", ""},
+      {"block", "BEGIN Pkg.P(1, b => 'O''Hara'||SYSDATE); q; DELETE t WHERE a='$sabrel$'; END;",
+       "DO $sabrel1$BEGIN PERFORM @run('Pkg.P', '1, b => "
+       "@text_or_null(concat(''O''''Hara'',@to_char(@sysdate())))', 2); PERFORM @run('q', '', 0); "
+       "EXECUTE 'DELETE FROM t WHERE a=''$sabrel$'''; END$sabrel1$"},
+      {"block of nothing", "BEGIN NULL; END;", ""},
+      {"block that commits", "BEGIN DELETE t; COMMIT; END;", "!6550"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Sent(row.oracle), row.postgresql) << row.name;
+}
+
+TEST(PostgresqlEngine, CallsRoutinesByTextWithConstantsOfTheirTypes) {
+  using dialect::Direction;
+  Signature signature{false,
+                      "p.r",
+                      "",
+                      {{"a", Direction::kIn, "numeric"},
+                       {"b", Direction::kOut, "text"},
+                       {"c", Direction::kInOut, "text"}}};
+  const auto call = [&] { return PostgresqlEngine().CallText(signature, {"1", {}, "it's"}); };
+  EXPECT_EQ(call(), "CALL p.r(CAST('1' AS numeric), CAST(NULL AS text), CAST('it''s' AS text))");
+  signature.is_function = true;
+  EXPECT_EQ(call(), "SELECT * FROM p.r(CAST('1' AS numeric), CAST('it''s' AS text))");
+}
+
+}  // namespace
+}  // namespace sabrel::odbc
