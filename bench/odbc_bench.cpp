@@ -84,6 +84,7 @@ class Direct {
 };
 
 constexpr const char* kPoint = "SELECT COUNT(*) FROM PM_Groups WHERE Group_Name = 'PCMD'";
+constexpr const char* kLookUp = "SELECT Name, Changed FROM PM_REPORT WHERE Id = 3";
 constexpr const char* kScan =
     "SELECT A.N, B.N AS M, A.N * 100 + B.N AS V, 'name of row' AS NAME FROM PM_PIVOT A, PM_PIVOT "
     "B, PM_PIVOT C, PM_PIVOT D, PM_PIVOT E";
@@ -105,6 +106,8 @@ void ServerQueryDirect(benchmark::State& state, const char* sql) {
 }
 BENCHMARK_CAPTURE(ServerQuery, point, kPoint)->UseRealTime();
 BENCHMARK_CAPTURE(ServerQueryDirect, point, kPoint)->UseRealTime();
+BENCHMARK_CAPTURE(ServerQuery, look_up, kLookUp)->UseRealTime();
+BENCHMARK_CAPTURE(ServerQueryDirect, look_up, kLookUp)->UseRealTime();
 BENCHMARK_CAPTURE(ServerQuery, scan, kScan)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ServerQueryDirect, scan, kScan)->UseRealTime()->Unit(benchmark::kMillisecond);
 
@@ -114,7 +117,7 @@ constexpr int kRows = 1000;
 void ServerWrite(benchmark::State& state) {
   if (!HasSite(state)) return;
   const auto rowlink = MakeOdbcRowlink(ProfileSet(Profile()));
-  int id = 100000;
+  static int id = 100000;
   for (auto _ : state) {
     const auto writer = rowlink->MakeRowSetWriter();
     writer->Table("PM_StringTable");
@@ -128,7 +131,7 @@ void ServerWrite(benchmark::State& state) {
 void ServerWriteDirect(benchmark::State& state) {
   if (!HasSite(state)) return;
   Direct direct;
-  int id = 200000;
+  static int id = 200000;
   for (auto _ : state) {
     direct.Run("BEGIN");
     ++id;

@@ -30,8 +30,9 @@ constexpr const char* kFooter =
     "  2024-03-09T17:05:00. Row counts, messages and progress go to standard error.\n\n"
     "A profile file (--profile) has a line [name] per Data Server and lines Setting = value "
     "behind:\n"
-    "  Driver = sqlite, Database = FILE, Host, Port, UserName, Password, ConnectTimeout, "
-    "ReceiveTimeout.";
+    "  Driver (sqlite, or an ODBC driver as `odbcinst -q -d` lists it: PostgreSQL's or Oracle's),\n"
+    "  Host, Port, Database (file, database or service), UserName, Password, ConnectTimeout and\n"
+    "  ReceiveTimeout in seconds.";
 
 // What is wrong with a version, or nothing.
 std::string VersionFault(const std::string& text) {

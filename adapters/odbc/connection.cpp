@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -41,7 +42,16 @@ std::string_view WithoutRemarks(std::string_view message) {
   for (const std::string_view severity : {"ERROR: ", "FATAL: "}) {
     if (message.starts_with(severity)) message.remove_prefix(severity.size());
   }
-  return message.substr(0, message.find(";\n"));
+  message = message.substr(0, message.rfind(";\n"));
+  return message.substr(0, message.find_last_not_of(" \r\n") + 1);
+}
+
+/// When a driver is to give up connecting: late enough for the caller's clock to decide what is
+/// told, since a driver counts in whole seconds and does not say that its time was over.
+std::int32_t DriverLimit(std::int32_t connect_timeout_s) {
+  constexpr std::int32_t kLater = 2;
+  constexpr std::int32_t kLongest = 1000000;  // drivers count in milliseconds of 32 bits
+  return connect_timeout_s <= 0 ? 0 : std::min(connect_timeout_s, kLongest) + kLater;
 }
 
 std::string Text(const Variant& value) {
@@ -92,21 +102,16 @@ std::vector<ParameterColumn> Columns(
 Diagnosis DiagnosisOf(SQLSMALLINT handle_type, SQLHANDLE handle) {
   constexpr std::size_t kStateUnits = 6;
   std::u16string state(kStateUnits, u'\0');
-  std::u16string message(512, u'\0');
+  // A driver cuts a message that its first reader has no room for into several diagnoses.
+  constexpr SQLSMALLINT kMessageUnits = std::numeric_limits<SQLSMALLINT>::max();
+  std::u16string message(kMessageUnits, u'\0');
   SQLINTEGER native = 0;
   SQLSMALLINT length = 0;
-  const auto read = [&] {
-    return SQLGetDiagRecW(handle_type, handle, 1, WideArgument(state), &native,
-                          WideArgument(message), static_cast<SQLSMALLINT>(message.size()), &length);
-  };
-  SQLRETURN result = read();
-  if (SQL_SUCCEEDED(result) && static_cast<std::size_t>(length) >= message.size()) {
-    message.resize(static_cast<std::size_t>(length) + 1);
-    result = read();
-  }
+  const SQLRETURN result = SQLGetDiagRecW(handle_type, handle, 1, WideArgument(state), &native,
+                                          WideArgument(message), kMessageUnits, &length);
   if (!SQL_SUCCEEDED(result)) return {"HY000", 0, "the driver failed without saying why"};
   state.resize(kStateUnits - 1);
-  message.resize(std::min(message.size(), static_cast<std::size_t>(std::max<int>(length, 0))));
+  message.resize(static_cast<std::size_t>(std::clamp<int>(length, 0, kMessageUnits - 1)));
   const std::string text = ToUtf8(message);
   return {ToUtf8(state), native, std::string(WithoutRemarks(WithoutPrefixes(text)))};
 }
@@ -121,10 +126,11 @@ Connection::Connection(const Engine& engine, const ConnectionProfile& profile, O
     : engine_(engine), cancel_point_(std::move(cancel_point)) {
   const std::u16string text = ToWide(engine.ConnectionText(profile));
   Require(SQLAllocHandle(SQL_HANDLE_DBC, Environment(), &handle_), SQL_HANDLE_ENV, Environment());
+  const std::int32_t limit_s = DriverLimit(profile.ConnectTimeout);
   try {
-    if (profile.ConnectTimeout > 0) {
+    if (limit_s > 0) {
       SQLSetConnectAttr(handle_, SQL_ATTR_LOGIN_TIMEOUT,
-                        NumberArgument(static_cast<std::uintptr_t>(profile.ConnectTimeout)), 0);
+                        NumberArgument(static_cast<std::uintptr_t>(limit_s)), 0);
     }
     Require(SQLDriverConnectW(handle_, nullptr, WideArgument(text),
                               static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr,
@@ -137,7 +143,7 @@ Connection::Connection(const Engine& engine, const ConnectionProfile& profile, O
   if (opening == Opening::kBare) return;
   try {
     for (const std::string& statement : engine.OpeningStatements()) {
-      Execute(ToWide(statement), profile.ConnectTimeout);
+      Execute(ToWide(statement), limit_s);
     }
   } catch (...) {
     SQLDisconnect(handle_);
@@ -286,7 +292,9 @@ void Connection::CallBound(const Signature& signature,
           SQL_HANDLE_STMT, statement.Handle());
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     Parameter& parameter = parameters[i];
-    if (parameter.direction != SQL_PARAM_INPUT) parameter.units.resize(kMostUnits);
+    if (parameter.direction != SQL_PARAM_INPUT) {
+      parameter.units.resize(std::max(kMostUnits, parameter.units.size()));
+    }
     parameter.units.push_back(u'\0');
     constexpr SQLULEN kTextSize = 32767;
     constexpr SQLULEN kNumberSize = 40;
@@ -307,8 +315,10 @@ void Connection::CallBound(const Signature& signature,
       continue;
     }
     const auto units = static_cast<std::size_t>(parameter.length) / sizeof(SQLWCHAR);
-    const std::string value =
-        ToUtf8(std::u16string_view(parameter.units).substr(0, std::min(units, kMostUnits)));
+    if (parameter.length < 0 || units >= parameter.units.size()) {
+      throw DriverFailure({"22001", 6502, "a text that a routine gave back has no room"});
+    }
+    const std::string value = ToUtf8(std::u16string_view(parameter.units).substr(0, units));
     if (parameter.is_number) {
       AppendExactNumber(row, value);
     } else {

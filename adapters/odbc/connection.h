@@ -22,7 +22,7 @@ enum class Opening : std::uint8_t { kSite, kBare };
 
 class Connection {
  public:
-  /// Connects, the driver being told to give up after the profile's connect time-out.
+  /// Connects, the driver being told to give up soon after the profile's connect time-out.
   /// Errors: DriverFailure
   Connection(const Engine& engine, const ConnectionProfile& profile, Opening opening,
              std::shared_ptr<CancelPoint> cancel_point);

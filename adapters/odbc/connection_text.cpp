@@ -11,6 +11,8 @@ namespace sabrel::odbc {
 namespace {
 
 constexpr std::int32_t kHighestPort = 65535;
+constexpr std::size_t kMostDriverBytes = 255;
+constexpr std::size_t kMostBytes = 2000;
 
 [[noreturn]] void Refuse(std::string_view setting, std::string_view reason) {
   throw RuntimeError(
@@ -18,8 +20,13 @@ constexpr std::int32_t kHighestPort = 65535;
       "Setting " + std::string(setting) + " of the connection profile " + std::string(reason));
 }
 
-/// No driver is given a line's end: what a log or a trace would cut in two is no setting.
-void RequirePlainText(std::string_view setting, std::string_view value) {
+/// No driver is given a line's end: what a log or a trace would cut in two is no setting. Nor one
+/// that is too long: driver managers have fixed room for a driver's name, and count a whole string
+/// in 16 bits.
+void RequirePlainText(std::string_view setting, std::string_view value, std::size_t most_bytes) {
+  if (value.size() > most_bytes) {
+    Refuse(setting, "is too long; give at most " + std::to_string(most_bytes) + " bytes");
+  }
   if (!IsSendableText(value)) Refuse(setting, "is not valid UTF-8 text; save the file as UTF-8");
   if (value.find_first_of("\r\n") != std::string_view::npos) {
     Refuse(setting, "holds a line's end; remove it");
@@ -27,11 +34,11 @@ void RequirePlainText(std::string_view setting, std::string_view value) {
 }
 
 void RequireSettings(const ConnectionProfile& profile) {
-  RequirePlainText("Driver", profile.Driver);
-  RequirePlainText("Host", profile.Host);
-  RequirePlainText("Database", profile.Database);
-  RequirePlainText("UserName", profile.UserName);
-  RequirePlainText("Password", profile.Password);
+  RequirePlainText("Driver", profile.Driver, kMostDriverBytes);
+  RequirePlainText("Host", profile.Host, kMostBytes);
+  RequirePlainText("Database", profile.Database, kMostBytes);
+  RequirePlainText("UserName", profile.UserName, kMostBytes);
+  RequirePlainText("Password", profile.Password, kMostBytes);
   if (profile.Driver.empty())
     Refuse("Driver", "is missing; give the name that odbcinst -q -d shows");
   if (profile.Port < 0 || profile.Port > kHighestPort) {

@@ -1,7 +1,8 @@
 // The connection strings that drivers are given, from the settings of a profile.
 //
 // Every value is quoted by the rules of the driver manager and of the driver; what no quoting
-// carries is refused. The result holds the password: it goes to the driver and nowhere else.
+// carries, or a driver has no room for, is refused. The result holds the password: it goes to the
+// driver and nowhere else.
 //
 //   PostgresqlConnectionText({.Driver = "PostgreSQL Unicode", .Host = "db", .Database = "plant"})
 #pragma once

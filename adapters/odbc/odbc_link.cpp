@@ -57,7 +57,7 @@ void FetchInto(Block& block, Workplace& here, std::size_t byte_limit) {
     here.statement.reset();
     throw;
   }
-  if (!block.has_more) here.statement.reset();
+  here.is_read = !block.has_more;
 }
 
 /// Rows of a statement: the first ones are there already, and where there are more the statement
@@ -72,10 +72,7 @@ class OdbcCursor final : public Cursor {
         last_error_(std::move(last_error)),
         timeout_s_(timeout_s),
         opening_(deadline) {}
-  ~OdbcCursor() override {
-    if (!lease_) return;
-    lease_->Post([](Workplace& here) { here.statement.reset(); });
-  }
+  ~OdbcCursor() override { Finish(); }
   OdbcCursor(const OdbcCursor&) = delete;
   OdbcCursor& operator=(const OdbcCursor&) = delete;
 
@@ -86,10 +83,13 @@ class OdbcCursor final : public Cursor {
   bool Fetch(RowBlock& block, std::size_t byte_limit) override {
     if (first_.rows.Rows() > 0 || !lease_) {
       block = std::exchange(first_.rows, RowBlock(first_.names.size()));
-      if (!lease_ || block.Bytes() >= byte_limit) return lease_.has_value();
+      if (!lease_ || block.Bytes() >= byte_limit) {
+        bytes_ += block.Bytes();
+        return lease_.has_value();
+      }
     }
-    // The query's own time counts towards that of the first block: both serve one opening.
-    const Deadline deadline = opening_ ? std::exchange(opening_, {}) : DeadlineIn(timeout_s_);
+    // The query and the blocks that its opening reads share one limit; each later one has its own.
+    const Deadline deadline = bytes_ < Recordset::kOpenBytes ? opening_ : DeadlineIn(timeout_s_);
     const auto next = std::make_shared<Block>();
     next->rows = std::move(block);
     try {
@@ -98,21 +98,28 @@ class OdbcCursor final : public Cursor {
                    deadline);
       });
     } catch (...) {
-      lease_.reset();
+      Finish();
       throw;
     }
     block = std::move(next->rows);
+    bytes_ += block.Bytes();
     if (!next->has_more) lease_.reset();
     return next->has_more;
   }
 
  private:
+  void Finish() noexcept {
+    if (lease_) lease_->Post([](Workplace& here) { here.statement.reset(); });
+    lease_.reset();
+  }
+
   std::shared_ptr<Session> session_;
   std::optional<Lease> lease_;
   Block first_;
   std::shared_ptr<DatabaseError> last_error_;
   std::int32_t timeout_s_;
   Deadline opening_;
+  std::size_t bytes_ = 0;  // that were handed out
 };
 
 bool IsNumber(std::string_view text) {
@@ -242,6 +249,7 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
               const std::size_t declared = signature.arguments.size();
               const bool has_position = signature.is_function && given == declared + 1;
               if (given != declared && !has_position) {
+                here.connection->ForgetRoutines();  // another may have taken its place
                 throw Refused({6550, {}},
                               "PLS-00306: wrong number or types of arguments in call to '" +
                                   UpperCase(call.procedure) + "'");
@@ -252,7 +260,12 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
                 const bool is_in = signature.arguments[i].direction != dialect::Direction::kOut;
                 if (is_in && !value.empty()) values[i] = value;
               }
-              answer->row = here.connection->Call(signature, values, timeout_s);
+              try {
+                answer->row = here.connection->Call(signature, values, timeout_s);
+              } catch (...) {
+                here.connection->ForgetRoutines();
+                throw;
+              }
             },
             DeadlineIn(target.timeout_s));
     RoutineOutcome outcome;
@@ -283,6 +296,7 @@ void OdbcLink::Write(const RowSet& rows) {
     // One row of nulls, compiled for the names' sake; its values are then taken off again.
     sql += ") VALUES " + values;
     std::string head = target.session->Server().Compile(dialect::RequireOneStatement(sql));
+    if (!head.ends_with(values)) throw dialect::SyntaxFailure{903, "invalid table name"};
     head.resize(head.size() - values.size());
     for (const std::string_view row : rows.rows) {
       if (!IsSendableText(row)) throw dialect::SyntaxFailure{911, "invalid character in a row"};

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/odbc/driver.h"
+#include "adapters/odbc/driver_state.h"
 #include "adapters/odbc/reachability.h"
 
 namespace sabrel::odbc {
@@ -12,6 +13,9 @@ namespace {
 // How long a caller waits beyond a limit for the server to end the statement by itself, which
 // keeps the connection.
 constexpr std::chrono::milliseconds kGrace{200};
+
+constexpr std::int32_t kCancelled = 1013;
+constexpr const char* kCancelledText = "user requested cancel of current operation";
 
 Meaning Failed(ConnectionFailure code) { return {0, code}; }
 
@@ -24,7 +28,15 @@ Meaning Failed(ConnectionFailure code) { return {0, code}; }
   const Meaning meaning = engine.MeaningOf(diagnosis, Verb::kOther);
   const bool is_unclear = meaning.connection == ConnectionFailure::kRefusedOrSevered ||
                           meaning.connection == ConnectionFailure::kConnectTimeOut;
-  if (!is_unclear) throw Refused(meaning, diagnosis.message, diagnosis.state);
+  if (!is_unclear) {
+    const bool has_driver = meaning.connection != ConnectionFailure::kHostUnknown;
+    throw Refused(meaning,
+                  has_driver
+                      ? diagnosis.message
+                      : "the ODBC driver \"" + profile.Driver +
+                            "\" is not there (odbcinst -q -d lists what is): " + diagnosis.message,
+                  diagnosis.state);
+  }
   const auto code = ReachabilityOf(profile.Host, profile.Port, deadline);
   throw Refused(Failed(code.value_or(ConnectionFailure::kRefusedOrSevered)), diagnosis.message,
                 diagnosis.state);
@@ -60,7 +72,6 @@ Session::Place Session::Take() {
     idle_.pop_back();
     return place;
   }
-  RequireFewLeftBehind(address_);
   return {std::make_unique<Worker>(address_), false};
 }
 
@@ -79,6 +90,9 @@ Lease::Lease(std::shared_ptr<Session> session)
 }
 
 Lease::~Lease() {
+  // A cancelling may still be on its way: it would hit the next statement, or the end of a
+  // transaction.
+  if (was_cancelled_) place_.is_connected = false;
   if (place_.worker) session_->GiveBack(std::move(place_));
 }
 
@@ -96,14 +110,20 @@ void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure c
     CancelSwitch& cancel_;
     Worker& worker_;
   };
+  RequireFewLeftBehind(session_->address_);
   const Watch watch(*session_->cancel_, *place_.worker);
   const auto patience = deadline ? Deadline(*deadline + kGrace) : deadline;
-  const Worker::End end = place_.worker->Run(std::move(task), patience, code);
+  Worker::End end = Worker::End::kDone;
+  try {
+    end = place_.worker->Run(std::move(task), patience, code);
+  } catch (...) {
+    was_cancelled_ = was_cancelled_ || place_.worker->WasCancelled();
+    throw;
+  }
+  was_cancelled_ = was_cancelled_ || place_.worker->WasCancelled();
   if (end == Worker::End::kDone) return;
   place_.is_connected = false;
-  if (end == Worker::End::kCancelled) {
-    throw Refused({1013, std::nullopt}, "user requested cancel of current operation");
-  }
+  if (end == Worker::End::kCancelled) throw Refused({kCancelled, std::nullopt}, kCancelledText);
   throw Refused(Failed(code), code == ConnectionFailure::kConnectTimeOut
                                   ? "the server did not take the connection in time"
                                   : "the server did not answer in time");
@@ -131,10 +151,13 @@ void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
   } catch (const DriverFailure& failure) {
     const Diagnosis& diagnosis = failure.What();
     Meaning meaning = session_->engine_.MeaningOf(diagnosis, verb);
+    // The driver may be out of step where it was cancelled between two calls.
+    if (was_cancelled_ && meaning.native_number == kUndescribed) {
+      throw Refused({kCancelled, std::nullopt}, kCancelledText, diagnosis.state);
+    }
     // The server ends a statement alike when its time is over and when it was asked to.
-    constexpr std::int32_t kCancelled = 1013;
     constexpr std::chrono::milliseconds kEarly{100};
-    if (meaning.native_number == kCancelled && deadline && !place_.worker->WasCancelled() &&
+    if (meaning.native_number == kCancelled && deadline && !was_cancelled_ &&
         std::chrono::steady_clock::now() + kEarly >= *deadline) {
       meaning = Failed(ConnectionFailure::kReceiveTimeOut);
     }

@@ -87,10 +87,9 @@ class Session {
 /// A borrowed connection.
 class Lease {
  public:
-  /// Connects where that is to be done, within the profile's own limit for it.
-  /// Errors: Refused; the last code of an address where too many workers were left behind
+  /// Connects where that is to be done, within the profile's own limit for it. Errors: as Do
   explicit Lease(std::shared_ptr<Session> session);
-  /// Gives the connection back, or drops it where a request left it unusable.
+  /// Gives the connection back, or drops it where a request was cancelled or left it unusable.
   ~Lease();
   Lease(Lease&&) noexcept = default;
   Lease& operator=(Lease&&) = delete;
@@ -98,7 +97,8 @@ class Lease {
   Lease& operator=(const Lease&) = delete;
 
   /// Runs `task` on the connection's thread until `deadline`. `task` must own all that it refers
-  /// to, since it may outlive the call. `verb` tells errors apart. Errors: Refused
+  /// to, since it may outlive the call. `verb` tells errors apart. Errors: Refused; the last code
+  /// of an address where too many workers were left behind
   void Do(Worker::Task task, Deadline deadline, Verb verb = Verb::kOther);
   /// The same without waiting and without errors.
   void Post(Worker::Task task) noexcept;
@@ -109,6 +109,7 @@ class Lease {
 
   std::shared_ptr<Session> session_;
   Session::Place place_;
+  bool was_cancelled_ = false;  // ever
 };
 
 }  // namespace sabrel::odbc

@@ -47,7 +47,9 @@ void AppendExactNumber(RowBlock& block, std::string_view text) {
     block.AddDecimal(Decimal::Parse(text));
   } catch (const RuntimeError&) {
     double number = 0.0;
-    std::from_chars(text.data(), end, number);
+    if (std::from_chars(text.data(), end, number).ec == std::errc::result_out_of_range) {
+      throw DriverFailure({"22003", 1426, "a number that is too large for a double"});
+    }
     block.AddDouble(number);
   }
 }

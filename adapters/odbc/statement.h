@@ -65,7 +65,7 @@ class Statement {
 };
 
 /// Appends the number that `text` writes: a whole one of any size, an exact one, or the nearest
-/// double where it is too large for either.
+/// double where it is too large for either. Errors: DriverFailure where that cannot hold it
 void AppendExactNumber(RowBlock& block, std::string_view text);
 
 }  // namespace sabrel::odbc

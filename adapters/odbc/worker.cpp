@@ -127,6 +127,12 @@ void Worker::Live(const std::shared_ptr<State>& state) noexcept {
     lock.lock();
     job->done = true;
     state->has_news.notify_one();
+    if (state->workplace.is_read) {
+      lock.unlock();
+      state->workplace.statement.reset();
+      state->workplace.is_read = false;
+      lock.lock();
+    }
     if (state->left_behind) break;
   }
   state->jobs.clear();

@@ -31,6 +31,9 @@ struct Workplace {
   std::unique_ptr<Connection> connection;
   /// A statement whose rows are still being read.
   std::unique_ptr<Statement> statement;
+  /// All of them were: the statement ends, which may take a round trip, when its last rows are with
+  /// the caller.
+  bool is_read = false;
 };
 
 class Worker {

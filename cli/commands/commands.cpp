@@ -47,6 +47,7 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
 
 void AddSessionCommands(CLI::App& parent, Context& context) {
   AddStartUpCommands(parent, context);
+  AddServerCommands(parent, context);
   AddQueryCommands(parent, context);
   AddRoutineCommands(parent, context);
   AddLiteralCommand(parent, context);

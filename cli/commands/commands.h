@@ -31,6 +31,7 @@ void AddQueryCommands(CLI::App& parent, Context& context);
 void AddReportCommands(CLI::App& parent, Context& context);
 void AddRoutineCommands(CLI::App& parent, Context& context);
 void AddSchemaCommands(CLI::App& parent, Context& context);
+void AddServerCommands(CLI::App& parent, Context& context);
 void AddSettingCommands(CLI::App& parent, Context& context);
 void AddSliceCommand(CLI::App& parent, Context& context);
 void AddStartUpCommands(CLI::App& parent, Context& context);

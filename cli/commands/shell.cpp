@@ -11,7 +11,7 @@ namespace sabrel::cli {
 namespace {
 
 constexpr std::string_view kHelp =
-    "A line is a command as on the command line (login, registry, query, request, call, function,\n"
+    "A line is a command as on the command line (login, registry, server, query, request, call, function,\n"
     "proc, literal, convert, sequence, now, range, probe, length, reset, value, week, email, "
     "features,\n"
     "connection, compat, network-release, module-version, entity, report, validate, text, "

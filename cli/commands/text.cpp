@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "adapters/odbc/engine.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/outcome.h"
 #include "cli/line_mode.h"
@@ -82,9 +83,10 @@ void WarnOfLosses(Context& context, const TextArguments& arguments, std::string_
       context.Note(loss);
     }
   }
-  // A piece fills a row's characters. The embedded server counts characters, too.
-  const bool counts_characters = EqualIgnoringCase(context.SessionProfile().Driver, "sqlite");
-  if (!counts_characters && CharacterCount(text) != text.size()) {
+  // A piece fills a row's characters; of the servers only Oracle may count bytes.
+  const bool may_count_bytes =
+      odbc::EngineForDriver(context.SessionProfile().Driver) == &odbc::OracleEngine();
+  if (may_count_bytes && CharacterCount(text) != text.size()) {
     context.Note(
         "The text has letters beyond ASCII: a server whose limit is in bytes refuses a full row of "
         "them, and a save has then lost the old text.");

@@ -39,6 +39,7 @@ TEST(OdbcConnectionText, HostileSettingsStayInTheirPlaceOrAreRefused) {
       {Composed(oracle, "h", 0, "d", "u", std::string("secret\0", 7)), "5 Setting Password"},
       {Composed(pg, "h", 0, "d", "u", "secret\xFF"), "5 Setting Password"},
       {Composed(pg, "h", 0, "d", "secret\r", "p"), "5 Setting UserName"},
+      {Composed(pg, "h", 0, "d", "u", "secret" + std::string(1995, 'x')), "5 Setting Password"},
       {Composed(oracle, "h", 65536, "d", "u", "secret"), "5 Setting Port"},
       {Composed(oracle, "h/secret", 0, "d", "u", "p"), "5 Setting Host"},
       {Composed(oracle, "h", 0, "d?secret", "u", "p"), "5 Setting Database"}};

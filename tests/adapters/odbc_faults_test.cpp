@@ -43,10 +43,11 @@ bool BecomesTrue(const std::function<bool()>& fact, milliseconds within = millis
 /// One client with a network of its own to the server.
 class Client {
  public:
-  explicit Client(ConnectionProfile profile, std::int32_t receive_seconds = kLimitSeconds)
+  explicit Client(ConnectionProfile profile, std::int32_t receive_seconds = kLimitSeconds,
+                  std::int32_t connect_seconds = kLimitSeconds)
       : proxy(profile.Port) {
     profile.Port = proxy.Port();
-    profile.ConnectTimeout = kLimitSeconds;
+    profile.ConnectTimeout = connect_seconds;
     profile.ReceiveTimeout = receive_seconds;
     rowlink = MakeOdbcRowlink(ProfileSet(profile));
   }
@@ -111,7 +112,7 @@ const std::vector<Fault>& Faults() {
       {"slow bytes", 24, true,
        [](Client& c) {
          c.Prepare();
-         c.proxy.Become(Network::kSlow, 100);
+         c.proxy.Become(Network::kSlow, 10000);  // a block, but not an opening, within the limit
          c.ReadAll();
        }},
       {"half closed among rows", 30, false,
@@ -255,26 +256,39 @@ TEST_F(OdbcFaults, NothingIsLeftWhenTheyAreOver) {
 
 TEST_F(OdbcFaults, ASilentAddressIsAskedTwiceAtATime) {
   Client client(site->Profile());
-  client.Prepare();
+  {
+    const auto first = client.Open(kManyRows);  // each keeps a connection, which stays for others
+    const auto second = client.Open(kManyRows);
+    client.Prepare();
+  }
   client.proxy.Become(Network::kBlackHole);
   const auto code = [&] {
     const auto failure = FailureIn([&] { static_cast<void>(client.Ask("SELECT 1 FROM DUAL")); });
     return client.rowlink->ConnectionErrorCode(failure.value().Number());
   };
   EXPECT_EQ(code(), 24);
-  EXPECT_EQ(code(), 23) << "a new connection gets no answer either";
+  EXPECT_EQ(code(), 24);
   const auto start = Clock::now();
-  EXPECT_EQ(code(), 23);
+  EXPECT_EQ(code(), 24);
   EXPECT_LT(Clock::now() - start, milliseconds(500)) << "fails at once";
   client.proxy.Lift();
   EXPECT_TRUE(BecomesTrue([] { return odbc::WorkersLeftBehind() == 0; }));
   EXPECT_EQ(client.Ask("SELECT 1 FROM DUAL"), "1");
 }
 
+TEST_F(OdbcFaults, TheCallersClockTellsThatConnectingTookTooLong) {
+  Client client(site->Profile(), kLimitSeconds, 2);  // the least that a driver's own limit can be
+  client.proxy.Become(Network::kBlackHole);
+  const auto failure = FailureIn([&] { client.Prepare(); });
+  EXPECT_EQ(client.rowlink->ConnectionErrorCode(failure.value().Number()), 23);
+  client.proxy.Lift();
+  EXPECT_TRUE(BecomesTrue([] { return odbc::WorkersLeftBehind() == 0; }));
+}
+
 TEST_F(OdbcFaults, CancelEndsAStatementAlsoWhenTheNetworkIsSilent) {
   Client client(site->Profile());
   for (const bool is_silent : {false, true}) {
-    client.Prepare();
+    const std::string pid = client.Ask("SELECT pg_backend_pid() FROM DUAL");
     std::thread canceller([&] {
       std::this_thread::sleep_for(milliseconds(200));
       if (is_silent) client.proxy.Become(Network::kBlackHole);
@@ -290,6 +304,7 @@ TEST_F(OdbcFaults, CancelEndsAStatementAlsoWhenTheNetworkIsSilent) {
     EXPECT_EQ(CarriedCode(failure.value().Number()), kDatabaseErrorCode);
     EXPECT_EQ(client.rowlink->LastDatabaseError().native_number, 1013) << is_silent;
     client.proxy.Lift();
+    EXPECT_NE(client.Ask("SELECT pg_backend_pid() FROM DUAL"), pid) << "it may still be cancelled";
   }
   EXPECT_TRUE(BecomesTrue([] { return odbc::WorkersLeftBehind() == 0; }));
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/odbc/connection.h"
+#include "adapters/odbc/odbc_link.h"
 #include "adapters/odbc/odbc_rowlink.h"
 #include "sabrel/platform/date.h"
 #include "sabrel/platform/utf8.h"
@@ -56,12 +57,34 @@ TEST_F(OdbcValues, TextsOfEveryLengthAndCharacterComeBack) {
   std::string quoted = all;
   quoted.insert(quoted.find('\''), 1, '\'');
   EXPECT_TRUE(Ask("SELECT '" + quoted + "' FROM DUAL") == Variant(all));
+  EXPECT_TRUE(FailureIn([&] { (void)Ask("SELECT 1E300 * 1E300 FROM DUAL"); })) << "never 0";
 }
 
 TEST_F(OdbcValues, TheServersClockIsTheClock) {
   const Variant now = Ask("SELECT SYSDATE FROM DUAL");
   ASSERT_EQ(now.kind(), VariantKind::kDate);
   EXPECT_LE(std::abs(now.Get<Date>().WholeSeconds() - Date::Now().WholeSeconds()), 2);
+}
+
+TEST_F(OdbcValues, CallsTellWhatBecameOfThem) {
+  odbc::OdbcLink link{ProfileSet(site->Profile())};
+  link.ExecuteNative("CREATE TABLE late (n numeric PRIMARY KEY DEFERRABLE INITIALLY DEFERRED)");
+  const std::tuple<const char*, const char*, std::size_t, std::string> rows[] = {
+      {"a char", "RETURN a;", 1, "abc"},
+      {"a char, b text", "RETURN b;", 2, "ORA-00904"},  // the routine was another one
+      {"a char, b text", "RETURN b;", 2, "abc"},
+      {"a char, b text", "INSERT INTO late VALUES (1), (1); RETURN a;", 2, "ORA-00001"},
+      {"a char, b text", "RAISE '%', repeat(left(a, 1), 900);", 2,
+       "ORA-20000: " + std::string(900, 'a')}};
+  for (const auto& [head, body, given, told] : rows) {
+    link.ExecuteNative("DROP ROUTINE IF EXISTS f; CREATE FUNCTION f(" + std::string(head) +
+                       ") RETURNS text LANGUAGE plpgsql AS $$BEGIN " + body + " END$$");
+    const RoutineCall call{"f", {}, std::vector<RoutineParameter>(given, {"abc", "string", ""})};
+    Variant result;
+    const auto failure = FailureIn([&] { result = link.Call(call).result; });
+    const std::string text = failure ? failure->Description() : result.Get<std::string>();
+    EXPECT_EQ(text.substr(0, told.size()), told) << body;
+  }
 }
 
 TEST_F(OdbcValues, BoundCallsAndArraysOfRowsDoWhatTextDoes) {

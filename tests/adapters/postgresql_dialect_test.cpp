@@ -40,6 +40,13 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
        "SELECT COUNT(*) AS \"count(*)\", 'a' AS \"'a'\", t.*, @next_value('q') AS \"nextval\", "
        "@sysdate() AS \"sysdate\", NULL AS \"null\", a b FROM t"},
       {"comments", "SELECT/*+ a /* b */c--d\nFROM t", "SELECT c FROM t"},
+      {"one row", "SELECT MAX(a) AS m FROM t", "/**/SELECT MAX(a) AS m FROM t"},
+      {"one row of many values", "SELECT a m FROM DUAL", "/**/SELECT a m FROM DUAL"},
+      {"a row a group", "SELECT MAX(a) m FROM t GROUP BY b", "SELECT MAX(a) m FROM t GROUP BY b"},
+      {"a row a row", "SELECT MAX(a) OVER (PARTITION BY b) m FROM t",
+       "SELECT MAX(a) OVER (PARTITION BY b) m FROM t"},
+      {"two rows", "SELECT 1 m FROM DUAL UNION SELECT 2 m FROM DUAL",
+       "SELECT 1 m FROM DUAL UNION SELECT 2 m FROM DUAL"},
       {"constants", "SELECT a FROM t WHERE b=-1 AND c='' AND d=N'it''s' AND e=q'[\\]' AND f=1.5d",
        "SELECT a FROM t WHERE b=-1 AND c=NULL AND d='it''s' AND e='\\' AND f=1.5"},
       {"patterns", "SELECT a FROM t WHERE b LIKE 'a\\%' OR NOT (c NOT LIKE 'x' ESCAPE '!')",
@@ -103,7 +110,7 @@ TEST(PostgresqlEngine, CallsRoutinesByTextWithConstantsOfTheirTypes) {
   const auto call = [&] { return PostgresqlEngine().CallText(signature, {"1", {}, "it's"}); };
   EXPECT_EQ(call(), "CALL p.r(CAST('1' AS numeric), CAST(NULL AS text), CAST('it''s' AS text))");
   signature.is_function = true;
-  EXPECT_EQ(call(), "SELECT * FROM p.r(CAST('1' AS numeric), CAST('it''s' AS text))");
+  EXPECT_EQ(call(), "/**/SELECT * FROM p.r(CAST('1' AS numeric), CAST('it''s' AS text))");
 }
 
 }  // namespace

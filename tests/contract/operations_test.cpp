@@ -36,6 +36,80 @@ void Walk(ScriptedPlatform& platform, const std::vector<Step>& steps) {
   }
 }
 
+TEST_P(Contract, OperationsAtAClientsStartKnowMachineSettingsAndSchema) {
+  ScriptedPlatform platform(open_session);
+  const auto id = [] {
+    GSabrel::LoadMachineId();
+    return GSabrel::MachineId();
+  };
+  const auto release = [] {
+    GSabrel::InitializeProductInfo();
+    return GSabrel::ExecuteQueryReturningString(
+        "SELECT Value FROM PM_PRODUCT_INFO WHERE Property = 'ProductRelease'");
+  };
+  const auto attempts = [] {
+    GSabrel::LoadOtherInfo();
+    return GSabrel::NHighAttemptsEnabled();
+  };
+  const auto seconds_off = [] {
+    return std::abs(GSabrel::GetCurrentDateTime().WholeSeconds() - Date::Now().WholeSeconds());
+  };
+  const auto procedure = [] {
+    const Variant arguments[] = {Variant(5), Variant("2024-03-09 17:05:00")};
+    GSabrel::ExecuteProcedure("EA_EXP.Clear_EXP_Required", arguments);
+    return true;
+  };
+  const auto record = [] {
+    return GSabrel::GenerateRecordString(
+        GSabrel::ExecuteQuery("SELECT Id, Name, Changed FROM PM_REPORT WHERE Id <= 2 ORDER BY Id"));
+  };
+  const std::vector<Step> steps = {
+      {"machine", id, "103"},
+      {"the same machine", id, "103"},
+      {"product", release, "'7.3.0'"},
+      {"other settings", attempts, "'True'"},
+      {"first day", [] { return GSabrel::SystemFirstDayOfWeek(); }, "'2'"},
+      {"mail", [] { return GSabrel::EmailEnabled(); }, "false"},
+      {"value", [] { return GSabrel::SystemValueExists("ReportLanguage", "Deutsch"); }, "true"},
+      {"no value", [] { return GSabrel::SystemValueExists("ReportLanguage", "Welsh"); }, "false"},
+      {"clock", [=] { return seconds_off() <= 61; }, "true"},
+      {"sequence", [] { return GSabrel::GetNextInSequence("ZR_QUERY_SQ"); }, "100"},
+      {"no sequence", [] { return GSabrel::GetNextInSequence("NO_SQ"); }, "0", "Error: 2289"},
+      {"table", [] { return GSabrel::DoesTableExist("PM_Email"); }, "true"},
+      {"no table", [] { return GSabrel::DoesTableExist("PM_Emails"); }, "false"},
+      {"column", [] { return GSabrel::DoesFieldExist("PM_REPORT", "Busy_Hour"); }, "true"},
+      {"no column", [] { return GSabrel::DoesFieldExist("PM_REPORT", "Idle"); }, "false"},
+      {"length", [] { return GSabrel::DBColumnLength("PM_STRINGTABLE", "STRINGDATA"); }, "4000"},
+      {"names of modules", [] { return GSabrel::ModuleNameMaxLength(); }, "24"},
+      {"arguments", [] { return GSabrel::GetProcedureLength("EA_EXP", "EXPORT_REQUIRED") + 0; },
+       "4"},
+      {"routine", [] { return GSabrel::DoesThisProcedureExist("EA_EXP", "Export_Required"); },
+       "true"},
+      {"object", [] { return GSabrel::DoesDbObjectExist("LengthyReport", "PACKAGE"); }, "true"},
+      {"lengthy", [] { return GSabrel::LengthyReportsConfigured(); }, "true"},
+      {"version", [] { return GSabrel::GetModuleVersionName(1, 1); }, "'Traffic 6.0'"},
+      {"procedure", procedure, "true"},
+      {"function",
+       [] {
+         return GSabrel::ExecuteFunctionReturningLong("FS_GetColumnLength", "'PM_REPORT','NAME'");
+       },
+       "64"},
+      {"function's text",
+       [] {
+         return GSabrel::ExecuteFunctionReturningString("FS_GetColumnLength", "'PM_REPORT','NAME'");
+       },
+       "'64'"},
+      {"date",
+       [] { return GSabrel::ExecuteQueryReturningDate("SELECT MAX(Changed) FROM PM_REPORT"); },
+       "2024-03-01 09:00:00"},
+      {"rows as text", record,
+       "'\r\n                              ID: '1'\r\n                            NAME: 'Morning "
+       "Traffic'\r\n                         CHANGED: '02/10/2024 08:00:00''"},
+      {"limit", [] { return GSabrel::TestRowLimit(1048577); }, "'True'"},
+  };
+  Walk(platform, steps);
+}
+
 TEST_P(Contract, OperationsOnEntitiesChangeTheTablesAndTellWhenListsAreOld) {
   ScriptedPlatform platform(open_session);
   const Date time = Date::FromCivil({2024, 3, 9, 17, 5, 0});

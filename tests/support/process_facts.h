@@ -15,7 +15,14 @@ namespace sabrel::testing {
 }
 /// Less the one that reads the folder.
 [[nodiscard]] inline std::size_t OpenDescriptors() { return EntriesIn("/proc/self/fd") - 1; }
-[[nodiscard]] inline std::size_t RunningThreads() { return EntriesIn("/proc/self/task"); }
+/// Less the thread sanitizer's own.
+[[nodiscard]] inline std::size_t RunningThreads() {
+#ifdef __SANITIZE_THREAD__
+  return EntriesIn("/proc/self/task") - 1;
+#else
+  return EntriesIn("/proc/self/task");
+#endif
+}
 
 [[nodiscard]] inline std::size_t ResidentBytes() {
   std::size_t all_pages = 0;

@@ -65,9 +65,11 @@ class ServerOfOracle final : public Engine {
 
   /// A result is the nameless argument at position 0. Rows without a type stand for "no arguments"
   /// in older releases, which newer ones leave out; fields of records lie deeper than level 0.
+  /// A number without declared digits would come as a floating one.
   [[nodiscard]] std::string SignatureQuery(std::string_view name) const override {
     const std::string upper = UpperCase(name);
-    return "SELECT a.position AS POSITION, a.argument_name AS ARGUMENT_NAME, a.in_out AS IN_OUT, "
+    return "SELECT CAST(a.position AS NUMBER(9)) AS POSITION, a.argument_name AS ARGUMENT_NAME, "
+           "a.in_out AS IN_OUT, "
            "a.data_type AS DATA_TYPE, " +
            Literal(upper) +
            " AS CALL_NAME, p.overload AS OVERLOAD FROM all_procedures p LEFT JOIN all_arguments a "
@@ -87,7 +89,8 @@ class ServerOfOracle final : public Engine {
 }  // namespace
 
 const Engine& OracleEngine() {
-  static const ServerOfOracle engine;
+  // Never destroyed: workers may use it while the process ends.
+  static const ServerOfOracle& engine = *new ServerOfOracle;
   return engine;
 }
 

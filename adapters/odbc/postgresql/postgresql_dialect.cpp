@@ -355,7 +355,10 @@ std::string CompileForPostgresql(std::string_view statement) {
     case StatementKind::kDropSequence:
       return "CALL sabrel_dictionary.drop_sequence(" +
              TextConstant(PostgresqlName(dialect::DroppedName(statement))) + ")";
-    default: return dialect::Rewrite(statement, Dialect()).text;
+    default: {
+      const dialect::Rewritten rewritten = dialect::Rewrite(statement, Dialect());
+      return rewritten.has_one_row ? std::string(kWithoutCursor) + rewritten.text : rewritten.text;
+    }
   }
 }
 

@@ -1,5 +1,7 @@
 // PostgreSQL, reached by psqlodbc: calls go as text, because the driver's `{call ...}` cannot call
 // a procedure.
+#include <cstdlib>
+
 #include "adapters/odbc/connection_text.h"
 #include "adapters/odbc/engine.h"
 #include "adapters/odbc/postgresql/postgresql_dialect.h"
@@ -15,10 +17,11 @@ using dialect::TextConstant;
 
 // A row an argument. A function with out arguments declares its result as the first of them,
 // return_value. A routine without a package is looked for in the site's schema, then among ours.
+// Types are written for values of any length: "character" alone would keep one character.
 constexpr std::string_view kSignatureHead = R"sql(
 SELECT a.number - s.has_out_result::integer AS position, a.name AS argument_name,
        CASE a.mode WHEN 'o' THEN 'OUT' WHEN 'b' THEN 'IN/OUT' ELSE 'IN' END AS in_out,
-       format_type(a.type, NULL) AS data_type, s.call_name,
+       format_type(a.type, -1) AS data_type, s.call_name,
        CASE WHEN s.routines > 1 THEN s.overload END::integer AS overload
   FROM (SELECT p.*, p.prokind = 'f' AND NOT p.out_result AS has_plain_result,
                p.prokind = 'f' AND p.out_result AS has_out_result,
@@ -100,7 +103,8 @@ std::string Postgresql::SignatureQuery(std::string_view name) const {
 
 std::string Postgresql::CallText(const Signature& signature,
                                  const std::vector<std::optional<std::string>>& values) const {
-  std::string text = signature.is_function ? "SELECT * FROM " : "CALL ";
+  std::string text =
+      signature.is_function ? std::string(kWithoutCursor) + "SELECT * FROM " : "CALL ";
   text += signature.call_name + "(";
   bool is_first = true;
   for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
@@ -119,7 +123,13 @@ std::string Postgresql::CallText(const Signature& signature,
 }  // namespace
 
 const Engine& PostgresqlEngine() {
-  static const Postgresql engine;
+  // Never destroyed: workers may use it while the process ends.
+  static const Postgresql& engine = *[] {
+    // Not told this, the driver asks the process for its locale whenever it connects, with a
+    // function that two threads must not call at a time. What the host has set stays.
+    ::setenv("PGCLIENTENCODING", "UTF8", 0);
+    return new Postgresql;
+  }();
   return engine;
 }
 

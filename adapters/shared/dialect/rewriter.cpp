@@ -24,8 +24,9 @@ Rewriter::Rewriter(std::string_view sql, const Engine& engine)
 Rewritten Rewriter::Run(StatementKind kind) {
   // Checks of a table are also read by tools that know the engine but not this server's functions.
   compares_ = kind != StatementKind::kCreateTable && !IsText(Here(), "ALTER");
+  bool has_one_row = false;
   switch (kind) {
-    case StatementKind::kSelect: (void)Query(); break;
+    case StatementKind::kSelect: has_one_row = Query().has_one_row; break;
     case StatementKind::kInsert: Insert(); break;
     case StatementKind::kUpdate: Update(); break;
     case StatementKind::kDelete: Delete(); break;
@@ -35,7 +36,9 @@ Rewritten Rewriter::Run(StatementKind kind) {
     default: Fail(900, "invalid SQL statement");
   }
   if (IsWord(Word::kReturning)) Fail(900, "RETURNING is not supported");
-  return Finish(kind);
+  Rewritten rewritten = Finish(kind);
+  rewritten.has_one_row = has_one_row;
+  return rewritten;
 }
 
 Rewritten Rewriter::RunExpression() {
