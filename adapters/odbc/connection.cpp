@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/odbc/call_parameters.h"
 #include "adapters/odbc/driver.h"
 #include "adapters/odbc/wide_text.h"
 #include "sabrel/platform/row_text.h"
@@ -245,43 +246,10 @@ void Connection::CallByText(const Signature& signature,
   row = std::move(rows);
 }
 
-// `{? = call f(?, ?)}` with every parameter as text: the server converts to the declared types.
 void Connection::CallBound(const Signature& signature,
                            const std::vector<std::optional<std::string>>& values,
                            std::int32_t timeout_s, RowBlock& row) {
-  constexpr std::size_t kMostUnits = 32768;  // what a routine's text argument may hold
-  struct Parameter {
-    std::u16string units;
-    SQLLEN length = SQL_NULL_DATA;
-    SQLSMALLINT direction = SQL_PARAM_INPUT;
-    bool is_number = false;
-  };
-  std::vector<Parameter> parameters;
-  const auto is_number = [](std::string_view type) {
-    constexpr std::array kNumbers{
-        std::string_view("NUMBER"),        std::string_view("INTEGER"),
-        std::string_view("FLOAT"),         std::string_view("BINARY_DOUBLE"),
-        std::string_view("NUMERIC"),       std::string_view("PLS_INTEGER"),
-        std::string_view("BINARY_INTEGER")};
-    return std::any_of(kNumbers.begin(), kNumbers.end(),
-                       [&](std::string_view one) { return EqualIgnoringCase(type, one); });
-  };
-  if (signature.is_function) {
-    parameters.push_back({{}, SQL_NULL_DATA, SQL_PARAM_OUTPUT, is_number(signature.result_type)});
-  }
-  for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
-    Parameter& parameter = parameters.emplace_back();
-    if (values[i]) {
-      parameter.units = ToWide(*values[i]);
-      parameter.length = static_cast<SQLLEN>(parameter.units.size() * sizeof(SQLWCHAR));
-    }
-    const Signature::Argument& argument = signature.arguments[i];
-    parameter.is_number = is_number(argument.type);
-    if (argument.direction == dialect::Direction::kOut) parameter.direction = SQL_PARAM_OUTPUT;
-    if (argument.direction == dialect::Direction::kInOut) {
-      parameter.direction = SQL_PARAM_INPUT_OUTPUT;
-    }
-  }
+  std::vector<CallParameter> parameters = ParametersOf(signature, values);
   std::string text = signature.is_function ? "{? = call " : "{call ";
   text += signature.call_name + "(";
   for (std::size_t i = 0; i < signature.arguments.size(); ++i) text += i > 0 ? ",?" : "?";
@@ -291,11 +259,7 @@ void Connection::CallBound(const Signature& signature,
   Require(SQLPrepareW(statement.Handle(), WideArgument(wide), static_cast<SQLINTEGER>(wide.size())),
           SQL_HANDLE_STMT, statement.Handle());
   for (std::size_t i = 0; i < parameters.size(); ++i) {
-    Parameter& parameter = parameters[i];
-    if (parameter.direction != SQL_PARAM_INPUT) {
-      parameter.units.resize(std::max(kMostUnits, parameter.units.size()));
-    }
-    parameter.units.push_back(u'\0');
+    CallParameter& parameter = parameters[i];
     constexpr SQLULEN kTextSize = 32767;
     constexpr SQLULEN kNumberSize = 40;
     Require(
@@ -308,22 +272,8 @@ void Connection::CallBound(const Signature& signature,
   statement.ExecutePrepared(timeout_s);
   while (SQLMoreResults(statement.Handle()) == SQL_SUCCESS) {  // outputs are there behind the last
   }
-  for (const Parameter& parameter : parameters) {
-    if (parameter.direction == SQL_PARAM_INPUT) continue;
-    if (parameter.length == SQL_NULL_DATA) {
-      row.AddNull();
-      continue;
-    }
-    const auto units = static_cast<std::size_t>(parameter.length) / sizeof(SQLWCHAR);
-    if (parameter.length < 0 || units >= parameter.units.size()) {
-      throw DriverFailure({"22001", 6502, "a text that a routine gave back has no room"});
-    }
-    const std::string value = ToUtf8(std::u16string_view(parameter.units).substr(0, units));
-    if (parameter.is_number) {
-      AppendExactNumber(row, value);
-    } else {
-      row.AddText(value);
-    }
+  for (const CallParameter& parameter : parameters) {
+    if (parameter.direction != SQL_PARAM_INPUT) AppendOutput(row, parameter);
   }
   row.EndRow();
 }

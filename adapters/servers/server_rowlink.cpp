@@ -55,7 +55,7 @@ class ServerLink final : public DataLink {
 
 }  // namespace
 
-std::shared_ptr<Rowlink> MakeServerRowlink(ProfileSet profiles) {
+std::shared_ptr<Rowlink> MakeServerRowlink(const ProfileSet& profiles) {
   return std::make_shared<RowlinkOf<ServerLink>>(std::make_shared<ServerLink>(profiles));
 }
 

@@ -12,6 +12,6 @@
 namespace sabrel {
 
 /// The rowlink of one thread; nothing is opened or connected before the first statement.
-[[nodiscard]] std::shared_ptr<Rowlink> MakeServerRowlink(ProfileSet profiles);
+[[nodiscard]] std::shared_ptr<Rowlink> MakeServerRowlink(const ProfileSet& profiles);
 
 }  // namespace sabrel

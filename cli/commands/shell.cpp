@@ -11,11 +11,10 @@ namespace sabrel::cli {
 namespace {
 
 constexpr std::string_view kHelp =
-    "A line is a command as on the command line (login, registry, server, query, request, call, function,\n"
-    "proc, literal, convert, sequence, now, range, probe, length, reset, value, week, email, "
-    "features,\n"
-    "connection, compat, network-release, module-version, entity, report, validate, text, "
-    "slices),\n"
+    "A line is a command as on the command line (login, registry, server, query, request, call,\n"
+    "function, proc, literal, convert, sequence, now, range, probe, length, reset, value, week,\n"
+    "email, features, connection, compat, network-release, module-version, entity, report,\n"
+    "validate, text, slices),\n"
     "with its words parted by blanks and quoted with ' or \";\n"
     "`COMMAND --help` tells its arguments. Also:\n"
     "  SELECT ... or WITH ...      is a query; the rest of the line is SQL, no quoting needed\n"

@@ -101,11 +101,8 @@ std::string ReadSetting(std::string_view bytes, std::string_view name) {
 }
 
 TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
-  const struct {
-    const char* name;
-    const char* lines;  // of which "v" of the key A\B is read
-    const char* expected;
-  } rows[] = {
+  // Lines, of which "v" of the key A\B is read.
+  const std::tuple<const char*, const char*, const char*> rows[] = {
       {"LF only, comments, blanks", ";c\n\n [hklm\\a\\b] ; c\n \"v\" = \"x;y\" ;c\n", "x;y"},
       {"escapes", "[HKLM\\A\\B]\n\"v\"=\"C:\\\\Q \\\"x\\\"\"\n", "C:\\Q \"x\""},
       {"dword", "[HKLM\\A\\B]\n\"v\"=dword:0000002A\n", "true"},
@@ -121,17 +118,20 @@ TEST(RegistryFile, ReadsValuesAndNamesTheLineThatIsWrong) {
       {"short dword", "[HKLM\\A]\n\"v\"=dword:0000002\n", "line 3: a number of 8 hex"},
       {"half character", "[HKLM\\A]\n\"v\"=hex(1):41\n", "line 3: the text ends in half"},
       {"garbage", "[HKLM\\A]\nv=1\n", "line 3: this is neither a key"},
+      {"cut behind a value", "[HKLM\\A]\n\"v\"=\"x\"",
+       "line 3: the file ends without a line break"},
+      {"cut list", "[HKLM\\A]\n\"v\"=hex(2):41,00,\\\n", "line 4: the list of bytes ends with a"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    const std::string text = std::string(kHeader) + row.lines;
+  for (const auto& [name, lines, expected] : rows) {
+    SCOPED_TRACE(name);
+    const std::string text = std::string(kHeader) + lines;
     for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, Utf16OfAscii(text)}) {
       std::string read;
       const std::string failure = FailureOfCall([&] { read = ReadSetting(bytes, "v"); });
       if (failure == "0 ") {
-        EXPECT_EQ(read, row.expected);
+        EXPECT_EQ(read, expected);
       } else {
-        EXPECT_THAT(failure, HasSubstr(row.expected));
+        EXPECT_THAT(failure, HasSubstr(expected));
         EXPECT_THAT(failure, HasSubstr("321 The settings file \"s.reg\" is not usable, line "));
       }
     }
@@ -152,6 +152,7 @@ TEST(RegistryFile, TakesOrRefusesEncodings) {
       {"REGEDIT4\n;\xE9\n", "line 2: the text is neither UTF-8"},
       {"\xFE\xFF" + std::string(kHeader), "big-endian"},
       {Utf16(start).substr(2), "byte-order mark"},
+      {Utf16(start) + "x", "line 3: the file ends inside a character"},
       {deep + "]\n", "line 2: the key is nested too deeply"}};
   for (const auto& [bytes, told] : refused) {
     EXPECT_THAT(FailureOfCall([&, &text = bytes] { (void)ReadSetting(text, "v"); }),
@@ -159,87 +160,55 @@ TEST(RegistryFile, TakesOrRefusesEncodings) {
   }
 }
 
-TEST(RegistryFile, LoadsACutFileOnlyWhereALineEnds) {
-  const std::string text = std::string(kHeader) +
-                           "; c\r\n[HKLM\\A\\B]\r\n\"v\"=\"a\\\\b\"\r\n@=dword:0000002a\r\n"
-                           "\"w\"=hex(2):41,00,\\\r\n  42,00,00,00\r\n\"w\"=-\r\n[-HKLM\\A]\r\n";
-  for (const bool wide : {false, true}) {
-    const std::string bytes = wide ? Utf16OfAscii(text) : text;
-    int loaded = 0;
-    for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
-      const std::size_t characters = wide ? cut / 2 - (cut >= 2 ? 1 : 0) : cut;
-      const std::string_view kept = std::string_view(text).substr(0, characters);
-      const std::size_t last = kept.find_last_not_of("\r\n");
-      const bool whole = (!wide || cut % 2 == 0) && last + 1 < kept.size() && kept[last] != '\\';
-      const std::string failure =
-          FailureOfCall([&] { (void)RegistryFile::FromBytes(bytes.substr(0, cut), "s.reg"); });
-      EXPECT_EQ(failure == "0 ", whole) << cut << ": " << failure;
-      loaded += whole ? 1 : 0;
-    }
-    // Behind CR and behind LF of each line but the continued one and the last LF.
-    EXPECT_EQ(loaded, 15);
-  }
-}
-
 TEST(RegistryFile, OpensKeysThatOutliveIt) {
-  const TemporaryFolder folder;
-  std::ofstream(folder.Path("s.reg")) << "REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n";
-  auto registry = std::make_unique<RegistryFile>(folder.Path("s.reg"));
+  auto registry = std::make_unique<RegistryFile>(
+      RegistryFile::FromBytes("REGEDIT4\n[HKLM\\A\\B\\C]\n@=\"x\"\n", "s.reg"));
   EXPECT_EQ(registry->OpenKey("\\HKEY_LOCAL_MACHINE\\A\\X"), nullptr);
   const auto key = registry->OpenKey("\\hkey_local_machine\\a");
   registry.reset();
   EXPECT_EQ(key->OpenSubkey("C"), nullptr);
   EXPECT_EQ(key->OpenSubkey("b\\c")->ReadString("", "d"), "x");
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.Path("")); }), HasSubstr("Is a directory"));
-  EXPECT_THAT(FailureOfCall([&] { RegistryFile(folder.Path("no.reg")); }),
-              ::testing::ContainsRegex("75 .*no.reg\".*No such file"));
+  EXPECT_THAT(FailureOfCall([] { RegistryFile("/"); }),
+              ::testing::ContainsRegex("75 .*Is a directory"));
 }
 
 // Message boxes
 
 TEST(ConsoleServices, AnswersBoxesByModeAndStyleWhereNobodyCanBeAsked) {
-  const struct {
-    AnswerMode mode;
-    std::int32_t style;
-    std::int32_t answer;
-    std::string shown;
-  } rows[] = {
+  const std::tuple<AnswerMode, std::int32_t, std::int32_t, const char*> rows[] = {
       {AnswerMode::kYes, 52, 6, "[exclamation] C d\n  a\n  b\\x07\n  Yes or No? Yes\n"},
       {AnswerMode::kNo, 20, 7, "[critical] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
       {AnswerMode::kAsk, 292, 7, "[question] C d\n  a\n  b\\x07\n  Yes or No? No\n"},
       {AnswerMode::kAsk, 0, 1, "[message] C d\n  a\n  b\\x07\n"},
   };
   const TemporaryFolder folder;
-  for (const auto& row : rows) {
+  for (const auto& [mode, style, answer, shown] : rows) {
     ConsoleServicesOptions options;
-    options.answer = row.mode;
+    options.answer = mode;
     options.terminal = std::fopen(folder.Path("box").c_str(), "w");
-    EXPECT_EQ(ConsoleServices(options).ShowMessage("a\r\nb\a", row.style, "C\r\nd"), row.answer);
+    EXPECT_EQ(ConsoleServices(options).ShowMessage("a\r\nb\a", style, "C\r\nd"), answer);
     std::fclose(options.terminal);
-    EXPECT_EQ(Contents(folder.Path("box")), row.shown);
+    EXPECT_EQ(Contents(folder.Path("box")), shown);
   }
 }
 
 TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
-  const struct {
-    const char* typed;
-    std::int32_t style;
-    std::int32_t answer;
-  } rows[] = {{"YES\n", 292, 6}, {" no \n", 52, 7}, {"\n", 292, 7},
-              {"\n", 52, 6},     {"\x04", 52, 7},   {"what\ny\n", 292, 6}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.typed);
+  const std::tuple<const char*, std::int32_t, std::int32_t> rows[] = {
+      {"YES\n", 292, 6}, {" no \n", 52, 7}, {"\n", 292, 7},
+      {"\n", 52, 6},     {"\x04", 52, 7},   {"what\ny\n", 292, 6}};
+  for (const auto& [typed, style, answer] : rows) {
+    SCOPED_TRACE(typed);
     Terminal terminal;
     terminal.Hush();
     ConsoleServicesOptions options;
     options.terminal = terminal.File();
     options.answers_from = terminal.Descriptor();
     ConsoleServices services(options);
-    terminal.Type(row.typed);
-    EXPECT_EQ(services.ShowMessage("text", row.style, "caption"), row.answer);
+    terminal.Type(typed);
+    EXPECT_EQ(services.ShowMessage("text", style, "caption"), answer);
     terminal.ReadTo("] ");
     EXPECT_EQ(terminal.ReadTo("] "), std::string("caption\r\n  text\r\n  Yes or No? ") +
-                                         (row.style == 292 ? "[y/N] " : "[Y/n] "));
+                                         (style == 292 ? "[y/N] " : "[Y/n] "));
   }
 }
 
@@ -290,12 +259,6 @@ TEST(ConsoleServices, TellsTheCallerThatTheLogCannotBeWritten) {
   const TemporaryFolder folder;
   EXPECT_THAT(FailureOfCall([&] { ConsoleServices services(LogTo(folder.Path(""))); }),
               ::testing::ContainsRegex("75 The log file.*Is a directory"));
-  ConsoleServices full(LogTo("/dev/full"));
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_THAT(FailureOfCall([&] { full.WriteLog("entry"); }),
-                ::testing::ContainsRegex("\"/dev/full\".*No space left"));
-  }
-
   fs::create_directory(folder.Path("sub"));
   ConsoleServices rotating(LogTo(folder.Path("sub/s.log"), 50));
   rotating.WriteLog(std::string(60, '.'));
@@ -355,29 +318,24 @@ volatile std::sig_atomic_t g_interrupts = 0;
 
 TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
   Terminal terminal;
-  const auto prompt = [&] {
+  const auto prompt = [&](const std::function<void()>& person_does) {
+    const std::jthread person([&] {
+      terminal.ReadTo("Password: ");
+      person_does();
+    });
     return PromptWithoutEcho("Password: ", terminal.Descriptor(), terminal.File());
   };
-  {
-    std::jthread person([&] {
-      terminal.ReadTo("Password: ");
-      EXPECT_FALSE(terminal.Echoes());
-      terminal.Type("s\u00E9cret \n");
-    });
-    EXPECT_EQ(prompt(), "s\u00E9cret ");
-  }
+  const auto type = [&] {
+    EXPECT_FALSE(terminal.Echoes());
+    terminal.Type("s\u00E9cret \n");
+  };
+  EXPECT_EQ(prompt(type), "s\u00E9cret ");
   EXPECT_TRUE(terminal.Echoes());
 
   // A signal with a handler of the host's: it runs, on whatever thread, and the prompt ends.
-  g_interrupts = 0;
   const auto before = std::signal(SIGINT, [](int) { g_interrupts = g_interrupts + 1; });
-  {
-    std::jthread person([&] {
-      terminal.ReadTo("Password: ");
-      std::raise(SIGINT);
-    });
-    EXPECT_THAT(FailureOfCall([&] { (void)prompt(); }), HasSubstr("was interrupted"));
-  }
+  EXPECT_THAT(FailureOfCall([&] { (void)prompt([] { std::raise(SIGINT); }); }),
+              HasSubstr("was interrupted"));
   EXPECT_TRUE(terminal.Echoes());
   std::raise(SIGINT);
   EXPECT_EQ(g_interrupts, 2);

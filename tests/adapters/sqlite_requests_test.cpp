@@ -24,15 +24,12 @@ TEST_F(SqliteRequests, OpenRowsStandInNobodysWayAndStayAsTheyWere) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER, X VARCHAR2(200))"), "");
   ASSERT_EQ(Do("INSERT INTO T " + std::string(kWide)), "") << link->LastDatabaseError().message;
   const auto rows = link->MakeRecordset();
-  rows->Open("SELECT N FROM T t WHERE X LIKE 'x%'", "", 0, "", "", 0);
-  const auto wide = link->MakeRecordset();
-  wide->Open("SELECT N, X FROM T", "", 0, "", "", 5);
+  rows->Open("SELECT N, X FROM T", "", 0, "", "", 5);
   EXPECT_EQ(Do("DELETE FROM T WHERE N > 50000"), "");
   EXPECT_EQ(Do("CREATE TABLE U (N NUMBER)"), "");
   EXPECT_EQ(Do("DROP TABLE T"), "");
   link->ShutDown();
   EXPECT_EQ(Ask("SELECT COUNT(*) FROM U"), "0");
-  EXPECT_EQ(wide->RecordCount(), 100000);
   EXPECT_EQ(rows->RecordCount(), 100000);
 }
 
@@ -111,25 +108,20 @@ TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
   ASSERT_EQ(Do("CREATE PROCEDURE PAIR IS BEGIN INSERT INTO T VALUES (S.NEXTVAL, LPAD('x',3000));"
                " INSERT INTO T VALUES (S.NEXTVAL, LPAD('y',3000)); END;"),
             "");
+  const auto pairs = [&] { return Ask("SELECT COUNT(*) / 2 FROM T"); };
   std::mt19937 random(7);
   for (int round = 0; round < 50; ++round) {
+    const std::string before = pairs();
     link->ShutDown();
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
     const pid_t child = InChild([&] {
       Asking asking(File());
-      for (bool first = true;; first = false) {
-        if (!asking.Do("BEGIN PAIR; END;").empty()) return 1;
-        if (first && ::write(ready[1], "x", 1) != 1) return 1;
-      }
+      while (asking.Do("BEGIN PAIR; END;").empty()) continue;
+      return 1;
     });
-    char byte = 0;
-    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    while (pairs() == before) std::this_thread::yield();
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 15000));
     ::kill(child, SIGKILL);
     EXPECT_EQ(ResultOf(child), -1);
-    ::close(ready[0]);
-    ::close(ready[1]);
     EXPECT_EQ(Ask("SELECT MOD(COUNT(*), 2) FROM T"), "0");
     sqlite::Connection file(File(), std::make_shared<sqlite::StopSwitch>());
     sqlite::Statement check = file.Prepare("PRAGMA integrity_check");

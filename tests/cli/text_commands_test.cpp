@@ -68,7 +68,7 @@ TEST_F(CommandLine, KeepsTextsLineByLineAndTellsWhatThatLoses) {
 TEST_F(CommandLine, TellsWhatIsSwitchedOnAndWhatFits) {
   folder_.Write("profiles",
                 "[a]\nDriver = sqlite\nDatabase = @/plant.site\nHost = h\nPassword = s3cret\n"
-                "[b]\nDriver = odbc\n");
+                "[b]\nDriver = Oracle\n");
   EXPECT_THAT(Run("--format csv --profile @/profiles connection --machine m --copy").out,
               AllOf(HasSubstr("Host,h\n"), HasSubstr("MachineName,m\n"),
                     HasSubstr("SesEnabled,true\n"), Not(HasSubstr("s3cret"))));

@@ -23,19 +23,6 @@ TEST_P(Contract, RunsTheQueriesThatDeriveFeatures) {
   }
 }
 
-TEST_P(Contract, RunsRequestsUnchanged) {
-  Run("INSERT INTO PM_ClientMachine (Id, Domain, MachineName) VALUES "
-      "(SQ_ClientMachine.NEXTVAL,'D','M''1')");
-  Run("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,1,'a''b')");
-  Run("INSERT INTO PM_StringTable (Id, Ordinal, StringData) VALUES (7,2,NULL)");
-  Run("BEGIN EA_EXP.Clear_EXP_Required( 5,'2024-03-09 17:05:00' ); END;");
-  EXPECT_EQ(Value("SELECT COUNT(*) FROM PM_ClientMachine WHERE MachineName = 'M''1'"), Variant(1));
-  EXPECT_EQ(Value("SELECT StringData FROM PM_StringTable WHERE Id = 7 ORDER BY Ordinal"),
-            Variant("a'b"));
-  Run("DELETE FROM PM_StringTable WHERE Id = 7");
-  EXPECT_EQ(Value("SELECT COUNT(*) FROM PM_StringTable WHERE Id = 7"), Variant(0));
-}
-
 TEST_P(Contract, DictionaryViewsTellTheSchemaInUpperCase) {
   EXPECT_EQ(Value("SELECT FS_GetColumnLength('pm_stringtable','stringdata') FROM DUAL"),
             Variant(4000));

@@ -77,34 +77,28 @@ TEST_F(QueryExecution, RequestsShareOneChannelAndRaiseTheirFailures) {
 }
 
 TEST_F(QueryExecution, SingleValuesFallBackToTheirDefault) {
-  const struct {
-    const char* name;
-    std::vector<std::vector<Variant>> rows;
-    const char* values;  // as a number, a text, a serial
-  } rows[] = {
+  // Rows, and their value as a number, a text, a serial.
+  const std::tuple<const char*, std::vector<std::vector<Variant>>, const char*> rows[] = {
       {"no row", {}, "-9 none 5"},
       {"null", {{Variant(Null{})}}, "-9 none 5"},
       {"text", {{Variant("12")}, {Variant("13")}}, "12 12 !13"},
       {"date", {{Variant(Date(7.0))}}, "7 01/06/1900 7"},
   };
-  for (const auto& row : rows) {
-    for (int i = 0; i < 3; ++i) platform.Answer(Rows{{"A"}, row.rows});
+  for (const auto& [name, answer, values] : rows) {
+    for (int i = 0; i < 3; ++i) platform.Answer(Rows{{"A"}, answer});
     const std::string number = Outcome([] { return ExecuteQueryReturningLong("Q", -9); });
     const std::string text = Outcome([] { return ExecuteQueryReturningString("Q", "none"); });
     const std::string serial = Outcome(
         [] { return static_cast<int>(ExecuteQueryReturningDate("Q", Date(5.0)).Serial()); });
-    EXPECT_EQ(number + " " + text + " " + serial, row.values) << row.name;
-    EXPECT_EQ(platform.OpenCursors(), 0) << row.name;
-    EXPECT_THAT(platform.Conversation(), ::testing::Not(HasSubstr("box"))) << row.name;
+    EXPECT_EQ(number + " " + text + " " + serial, values) << name;
+    EXPECT_EQ(platform.OpenCursors(), 0) << name;
+    EXPECT_THAT(platform.Conversation(), ::testing::Not(HasSubstr("box"))) << name;
   }
 }
 
-TEST_F(QueryExecution, ProceduresAreCalledInTheirFixedForm) {
-  ExecuteProcedure("PKG.P", std::vector<Variant>{Variant(5), Variant("O'Hara")});
-  ExecuteProcedure("P", std::vector<Variant>{Variant(), Variant(7)});
-  const std::string conversation = platform.Conversation();
-  EXPECT_THAT(conversation, HasSubstr("[BEGIN PKG.P( 5,'O''Hara' ); END;] host= port=0 "));
-  EXPECT_THAT(conversation, HasSubstr("[BEGIN P( ,7 ); END;]"));
+TEST_F(QueryExecution, AProcedureHasACommaBetweenAnyTwoArguments) {
+  ExecuteProcedure("P", std::vector<Variant>{Variant(), Variant(7), Variant("O'Hara")});
+  EXPECT_THAT(platform.Conversation(), HasSubstr("[BEGIN P( ,7,'O''Hara' ); END;] host= port=0 "));
 }
 
 TEST_F(QueryExecution, ARecordReadsAsAlignedLines) {

@@ -167,11 +167,6 @@ TEST_F(PackageCalls, ResultsOutsideTheirRangeOverflow) {
   platform.Answer(Outputs({}, {Variant(32768)}));
   EXPECT_EQ(ready(Variant(kTime)), "raises 6 Overflow");
   EXPECT_THAT(Told(), Not(::testing::HasSubstr("returned"))) << "narrowed before it is told";
-  platform.Answer(Outputs(Variant(32768)));
-  std::int32_t code = 0;
-  std::string message;
-  EXPECT_EQ(OutcomeOf([&] { return GSabrel::Is_SMTP_Ready(code, message); }), "raises 6 Overflow");
-  static_cast<void>(Told());
   EXPECT_EQ(ready(Variant(Null{})), "raises 94 Invalid use of null");
   EXPECT_EQ(OutcomeOf([] { return GSabrel::EA_Add_EntityEQV(1, "x", Variant(Null{})); }),
             "raises 94 Invalid use of null");
@@ -196,19 +191,6 @@ TEST_F(PackageCalls, ARefusedRemovalIsToldByItsKind) {
   EXPECT_FALSE(GSabrel::EA_Remove_Common_Entity(7)) << "what cannot be shown is dropped";
 }
 
-TEST_F(PackageCalls, AnotherServerIsAskedForWhatTheTraceShowed) {
-  platform.trace = true;
-  std::string host = "first";
-  std::string user = "ana";
-  platform.on_trace = [&] {
-    host = "other";
-    user = "eve";
-  };
-  static_cast<void>(GSabrel::FindOrCreateUser(host, 1, user, "p", 5, "FALSE"));
-  EXPECT_THAT(Told(), ::testing::HasSubstr("host=first port=1 user=system password= timeout=5 "
-                                           "(ana,string,)"));
-}
-
 TEST_F(PackageCalls, UsersWhoMayNotWorkThereAreToldApart) {
   const std::pair<testing::Refusal, std::string> rows[] = {
       {Refuse(20011, "ORA-20011: no"), "raises code 8 User Not an Enterprise Remote User."},
@@ -218,7 +200,6 @@ TEST_F(PackageCalls, UsersWhoMayNotWorkThereAreToldApart) {
        "'Connection Failed'box 48 [FindOrCreateUser] Connection failed.\r\nno\n"},
       {testing::Refusal{DatabaseError{20001, "s", "o", "no", "see 20011"}, 0},
        "raises code 8 User Not an Enterprise Remote User."},
-      {ConnectionRefusal(23), "''"},
   };
   for (const auto& [refusal, outcome] : rows) {
     platform.Answer(refusal);

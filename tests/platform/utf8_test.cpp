@@ -41,31 +41,27 @@ TEST(Utf8, CutsFallBetweenCharacters) {
 }
 
 TEST(Utf8, CaseMapsOneLetterToOne) {
-  const struct {
-    const char* name;
-    std::string_view lower, upper;
-  } rows[] = {{"ascii", "az{`", "AZ{`"},
-              {"latin", "àöøþÿ÷āįĳķĺňŋŷźž", "ÀÖØÞŸ÷ĀĮĲĶĹŇŊŶŹŽ"},
-              {"no single partner", "ßµŉĸ", "ßµŉĸ"},
-              {"greek", "άέήίαρσϋόύώϗ", "ΆΈΉΊΑΡΣΫΌΎΏϏ"},
-              {"cyrillic", "аяѐџѡҁҋҿӂӎӏӑԯ", "АЯЀЏѠҀҊҾӁӍӀӐԮ"}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(UpperCase(row.lower), row.upper) << row.name;
-    EXPECT_EQ(LowerCase(row.upper), row.lower) << row.name;
+  const std::tuple<const char*, std::string_view, std::string_view> rows[] = {
+      {"ascii", "az{`", "AZ{`"},
+      {"latin", "àöøþÿ÷āįĳķĺňŋŷźž", "ÀÖØÞŸ÷ĀĮĲĶĹŇŊŶŹŽ"},
+      {"no single partner", "ßµŉĸ", "ßµŉĸ"},
+      {"greek", "άέήίαρσϋόύώϗ", "ΆΈΉΊΑΡΣΫΌΎΏϏ"},
+      {"cyrillic", "аяѐџѡҁҋҿӂӎӏӑԯ", "АЯЀЏѠҀҊҾӁӍӀӐԮ"}};
+  for (const auto& [name, lower, upper] : rows) {
+    EXPECT_EQ(UpperCase(lower), upper) << name;
+    EXPECT_EQ(LowerCase(upper), lower) << name;
   }
   EXPECT_EQ(UpperCase("ςſı") + LowerCase("İ"), "ΣSIi");
 }
 
 TEST(Utf8, ComparisonIgnoresCaseAndNothingElse) {
-  const struct {
-    std::string_view a, b;
-    bool equal;
-  } rows[] = {{"ab", "abc", false},    {"@", "`", false},  {"ΣΑΣ", "σας", true}, {"ſ", "S", true},
-              {"é", "e", false},       {"", "", true},     {"aé", "AÉ", true},   {"ß", "ss", false},
-              {"\x80", "\x81", false}, {"ab", "ba", false}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(EqualIgnoringCase(row.a, row.b), row.equal) << row.a << " " << row.b;
-    EXPECT_EQ(HashIgnoringCase(row.a) == HashIgnoringCase(row.b), row.equal) << row.a;
+  const std::tuple<std::string_view, std::string_view, bool> rows[] = {
+      {"ab", "abc", false},    {"@", "`", false},  {"ΣΑΣ", "σας", true}, {"ſ", "S", true},
+      {"é", "e", false},       {"", "", true},     {"aé", "AÉ", true},   {"ß", "ss", false},
+      {"\x80", "\x81", false}, {"ab", "ba", false}};
+  for (const auto& [a, b, equal] : rows) {
+    EXPECT_EQ(EqualIgnoringCase(a, b), equal) << a << " " << b;
+    EXPECT_EQ(HashIgnoringCase(a) == HashIgnoringCase(b), equal) << a;
   }
   EXPECT_TRUE(ContainsIgnoringCase("xaaÄb", "AäB") && ContainsIgnoringCase("", ""));
   EXPECT_FALSE(ContainsIgnoringCase("ab", "abc"));

@@ -27,11 +27,7 @@ const Date kMarch = Date::FromCivil({2024, 3, 9, 17, 5, 0});
 constexpr auto kMarchLiteral = "TO_DATE('2024-03-09 17:05:00','YYYY-MM-DD HH24:MI:SS')";
 
 TEST_F(Literals, StandForValuesInEveryLocale) {
-  const struct {
-    const char* name;
-    CDBLiteral literal;
-    const char* expected;
-  } rows[] = {
+  const std::tuple<const char*, CDBLiteral, const char*> rows[] = {
       {"empty text", DBStr(""), "NULL"},
       {"other bytes stay", DBStr("a\\\r\n\"\xC3\xA4\xFF"), "'a\\\r\n\"\xC3\xA4\xFF'"},
       {"no id", DBOrd(0), "NULL"},
@@ -48,7 +44,7 @@ TEST_F(Literals, StandForValuesInEveryLocale) {
       {"not a number", DBFloat(std::numeric_limits<double>::quiet_NaN()), "NULL"},
       {"small", DBFloat(0.00001), "1E-05"},
   };
-  for (const auto& row : rows) EXPECT_EQ(row.literal.Value(), row.expected) << row.name;
+  for (const auto& [name, literal, text] : rows) EXPECT_EQ(literal.Value(), text) << name;
   for (const std::string separator : {".", ",", "\u066B"}) {
     platform.locale.decimal_separator = separator;
     platform.locale.time_separator = ".";
@@ -59,11 +55,7 @@ TEST_F(Literals, StandForValuesInEveryLocale) {
 
 TEST_F(Literals, AnArgumentFollowsItsKind) {
   platform.locale.decimal_separator = ",";
-  const struct {
-    const char* name;
-    Variant value;
-    const char* expected;
-  } rows[] = {
+  const std::tuple<const char*, Variant, const char*> rows[] = {
       {"literal", CDBLiteral("SYSDATE").ToVariant(), "SYSDATE"},
       {"null", Variant(Null{}), "NULL"},
       {"zero", Variant(0.0), "0"},
@@ -76,7 +68,7 @@ TEST_F(Literals, AnArgumentFollowsItsKind) {
       {"decimal keeps the locale", Variant(Decimal::Parse("2.50")), "2,5"},
       {"error", Variant(ErrorValue{13}), "Error 13"},
   };
-  for (const auto& row : rows) EXPECT_EQ(DBArg(row.value), row.expected) << row.name;
+  for (const auto& [name, value, expected] : rows) EXPECT_EQ(DBArg(value), expected) << name;
   for (const Variant& bad : {Variant(ObjectRef()), Variant(std::vector<Variant>{Variant(1)}),
                              Variant(ObjectRef(std::make_shared<Plain>()))}) {
     EXPECT_EQ(testing::NumberOf([&] { return DBArg(bad); }), 13);
@@ -86,11 +78,7 @@ TEST_F(Literals, AnArgumentFollowsItsKind) {
 TEST_F(Literals, ListsPlaceTheirCommasByWhatStandsBefore) {
   platform.locale.decimal_separator = ",";
   const Variant none;
-  const struct {
-    std::vector<Variant> values;
-    const char* args;
-    const char* set_args;
-  } rows[] = {
+  const std::tuple<std::vector<Variant>, const char*, const char*> rows[] = {
       {{}, "  ", "  "},
       {{none, Variant(7)}, " 7 ", "  = 7 "},
       {{Variant(5), none, Variant(7)}, " 5,,7 ", " 5 = ,7 =  "},
@@ -99,9 +87,9 @@ TEST_F(Literals, ListsPlaceTheirCommasByWhatStandsBefore) {
        " 'NAME','abc',AGE,5 ",
        " NAME = 'abc',AGE = 5 "},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(DBArgs(row.values), row.args);
-    EXPECT_EQ(DBSetArgs(row.values), row.set_args);
+  for (const auto& [values, args, set_args] : rows) {
+    EXPECT_EQ(DBArgs(values), args);
+    EXPECT_EQ(DBSetArgs(values), set_args);
   }
 }
 

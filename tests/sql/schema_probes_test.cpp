@@ -33,12 +33,7 @@ class SchemaProbes : public ::testing::Test {
 
 TEST_F(SchemaProbes, SendTheirStatementsAndTraceThem) {
   platform.trace = true;
-  const struct {
-    std::function<bool()> probe;
-    std::string sql;
-    std::string address;
-    std::string trace;
-  } rows[] = {
+  const std::tuple<std::function<bool()>, std::string, std::string, std::string> rows[] = {
       {[] { return DoesTableExist("Pm_Email", "h", 5, "u", "p", 9); },
        "SELECT COUNT(table_name) FROM user_tables\r\n    WHERE table_name = 'PM_EMAIL'",
        "host=h port=5 user=u password=p timeout=9", "DoesTableExists succeeded for Pm_Email."},
@@ -55,12 +50,12 @@ TEST_F(SchemaProbes, SendTheirStatementsAndTraceThem) {
        "object_type='TABLE'",
        "host=h port=5 user=u password=p timeout=7", "DoesDbObjectExist succeeded for x."},
   };
-  for (const auto& row : rows) {
+  for (const auto& [probe, sql, address, trace] : rows) {
     Count(Variant("1"));
-    EXPECT_TRUE(row.probe()) << row.trace;
+    EXPECT_TRUE(probe()) << trace;
     const std::string conversation = platform.Conversation();
-    EXPECT_THAT(conversation, HasSubstr("query [" + row.sql + "] " + row.address + "\n"));
-    EXPECT_THAT(conversation, EndsWith("trace " + row.trace + "\r\nQuery: " + row.sql + "\n"));
+    EXPECT_THAT(conversation, HasSubstr("query [" + sql + "] " + address + "\n"));
+    EXPECT_THAT(conversation, EndsWith("trace " + trace + "\r\nQuery: " + sql + "\n"));
   }
 }
 

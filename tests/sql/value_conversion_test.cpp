@@ -14,11 +14,8 @@ using testing::Outcome;
 
 TEST(ValueConversion, FollowsItsRulesForNullAndOddTexts) {
   testing::ScriptedPlatform platform;
-  const struct {
-    const char* name;
-    Variant value;
-    const char* expected;  // as an id, an integer with -1 for null, a real with 5
-  } rows[] = {
+  // A value as an id, an integer with -1 for null, a real with 5.
+  const std::tuple<const char*, Variant, const char*> rows[] = {
       {"null", Variant(Null{}), "0 -1 5"},
       {"empty", Variant(), "0 0 0"},
       {"text", Variant("12"), "12 12 12"},
@@ -31,12 +28,12 @@ TEST(ValueConversion, FollowsItsRulesForNullAndOddTexts) {
       {"fifteen digits", Variant(0.1 + 0.2), "0 0 0.29999999999999999"},
       {"decimal", Variant(Decimal::Parse("5000000000.25")), "!6 !6 5000000000.25"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(Outcome([&] { return CVId(row.value); }) + " " +
-                  Outcome([&] { return CVInt(row.value, -1); }) + " " +
-                  Outcome([&] { return NumberText(CVDbl(row.value, 5), 17, "."); }),
-              row.expected)
-        << row.name;
+  for (const auto& [name, value, expected] : rows) {
+    EXPECT_EQ(Outcome([&, &v = value] { return CVId(v); }) + " " +
+                  Outcome([&, &v = value] { return CVInt(v, -1); }) + " " +
+                  Outcome([&, &v = value] { return NumberText(CVDbl(v, 5), 17, "."); }),
+              expected)
+        << name;
   }
   platform.locale.decimal_separator = ",";
   platform.locale.thousands_separator = ".";

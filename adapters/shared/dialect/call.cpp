@@ -63,6 +63,20 @@ void Rewriter::NameOrCall() {
   SpellNames(first, last);
 }
 
+// Whether the column is one call of an aggregate, as MAX(a), MAX(a) m or MAX(a) AS m.
+bool Rewriter::IsAggregateCall(std::size_t first, std::size_t end) const {
+  if (tokens_[first].kind != TokenKind::kWord || !IsSymbol(tokens_[first + 1], '(')) return false;
+  if (!IsAggregate(Upper(tokens_[first]))) return false;
+  int depth = 0;
+  for (std::size_t i = first + 1; i < end; ++i) {
+    if (IsSymbol(tokens_[i], '(')) ++depth;
+    if (!IsSymbol(tokens_[i], ')') || --depth > 0) continue;
+    const std::size_t left = end - (i + 1);
+    return left < 2 || (left == 2 && tokens_[i + 1].word == Word::kAs);
+  }
+  return false;
+}
+
 // a, t.a, t.*
 bool Rewriter::IsPlainColumn(std::size_t first) const {
   const Token& last = tokens_[at_ - 1];
@@ -174,36 +188,11 @@ void Rewriter::Call(std::size_t first, std::size_t last) {
 // the result that is wanted is computed. Oracle compares in the type of the first value searched;
 // where that is not known by a constant the engine's own DECODE must do.
 void Rewriter::Decode(std::size_t name) {
-  struct Argument {
-    std::size_t first;
-    std::size_t last;
-    Type type;
-    bool is_null;
-  };
-  std::vector<Argument> arguments;
-  {
-    const Level level(*this);
-    if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
-    do {
-      const std::size_t first = ++at_;
-      Condition();
-      const std::size_t constant = first + (IsSymbol(tokens_[first], '-') ? 1 : 0);
-      const bool is_one = constant + 1 == at_;
-      const Token& token = tokens_[constant];
-      const bool is_text = token.kind == TokenKind::kText;
-      const bool is_null =
-          is_one && (token.word == Word::kNull || (is_text && IsEmptyText(TextOf(sql_, token))));
-      Type type = Type::kUnknown;
-      if (is_one && token.kind == TokenKind::kNumber) type = Type::kNumber;
-      if (is_one && is_text && !is_null) type = Type::kText;
-      arguments.push_back({first, at_ - 1, type, is_null});
-    } while (IsSymbol(','));
-    ExpectSymbol(')', 907, "missing right parenthesis");
-  }
+  const std::vector<DecodeArgument> arguments = DecodeArguments();
   Type type = Type::kUnknown;
   bool may_be_null = false;
   for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
-    const Argument& searched = arguments[i];
+    const DecodeArgument& searched = arguments[i];
     may_be_null = may_be_null || searched.is_null || searched.type == Type::kUnknown;
     if (type != Type::kUnknown || searched.is_null) continue;
     if (searched.type == Type::kUnknown) break;
@@ -213,7 +202,7 @@ void Rewriter::Decode(std::size_t name) {
   std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
   if (const auto renamed = engine_.FunctionName(convert); !renamed.empty()) convert = renamed;
   if (type == Type::kUnknown) return;
-  const auto compare_with = [&](const Argument& argument) {
+  const auto compare_with = [&](const DecodeArgument& argument) {
     if (argument.type != type && !argument.is_null) {
       edits_.Wrap(argument.first, argument.last, convert);
     }
@@ -234,6 +223,28 @@ void Rewriter::Decode(std::size_t name) {
   }
   edits_.Replace(at_ - 1, " END");
   is_renamed_ = true;
+}
+
+std::vector<Rewriter::DecodeArgument> Rewriter::DecodeArguments() {
+  std::vector<DecodeArgument> arguments;
+  const Level level(*this);
+  if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
+  do {
+    const std::size_t first = ++at_;
+    Condition();
+    const std::size_t constant = first + (IsSymbol(tokens_[first], '-') ? 1 : 0);
+    const bool is_one = constant + 1 == at_;
+    const Token& token = tokens_[constant];
+    const bool is_text = token.kind == TokenKind::kText;
+    const bool is_null =
+        is_one && (token.word == Word::kNull || (is_text && IsEmptyText(TextOf(sql_, token))));
+    Type type = Type::kUnknown;
+    if (is_one && token.kind == TokenKind::kNumber) type = Type::kNumber;
+    if (is_one && is_text && !is_null) type = Type::kText;
+    arguments.push_back({first, at_ - 1, type, is_null});
+  } while (IsSymbol(','));
+  ExpectSymbol(')', 907, "missing right parenthesis");
+  return arguments;
 }
 
 void Rewriter::Arguments() {

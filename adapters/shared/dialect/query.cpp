@@ -90,20 +90,6 @@ void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
   lift_ = lift;
 }
 
-// Whether the column is one call of an aggregate, as MAX(a), MAX(a) m or MAX(a) AS m.
-bool Rewriter::IsAggregateCall(std::size_t first, std::size_t end) const {
-  if (tokens_[first].kind != TokenKind::kWord || !IsSymbol(tokens_[first + 1], '(')) return false;
-  if (!IsAggregate(Upper(tokens_[first]))) return false;
-  int depth = 0;
-  for (std::size_t i = first + 1; i < end; ++i) {
-    if (IsSymbol(tokens_[i], '(')) ++depth;
-    if (!IsSymbol(tokens_[i], ')') || --depth > 0) continue;
-    const std::size_t left = end - (i + 1);
-    return left < 2 || (left == 2 && tokens_[i + 1].word == Word::kAs);
-  }
-  return false;
-}
-
 // The number of columns; 0 where "*" hides it.
 std::size_t Rewriter::SelectList() {
   const bool was_renamed = is_renamed_;

@@ -48,6 +48,12 @@ class Rewriter {
     kNumberConstant,
     kTextConstant
   };
+  struct DecodeArgument {
+    std::size_t first;
+    std::size_t last;
+    Type type;  // of a constant
+    bool is_null;
+  };
   /// What the value of a query in an expression may be.
   struct QueryShape {
     bool has_one_column = false;
@@ -130,6 +136,8 @@ class Rewriter {
   void CallName(std::size_t first, std::size_t last);
   void Arguments();
   void Decode(std::size_t name);
+  std::vector<DecodeArgument> DecodeArguments();
+  [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
   [[nodiscard]] bool IsPlainColumn(std::size_t first) const;
   void KeepColumnName(std::size_t first);
   void UseSequence(std::size_t first, std::size_t last);
@@ -141,7 +149,6 @@ class Rewriter {
   QueryShape Query();
   void SelectCore(SelectFacts& facts, QueryShape& shape);
   [[nodiscard]] std::size_t SelectList();
-  [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
   void FromList();
   void TableReference();
   bool JoinWords();

@@ -1,0 +1,71 @@
+#include "adapters/odbc/call_parameters.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "adapters/odbc/driver.h"
+#include "adapters/odbc/statement.h"
+#include "adapters/odbc/wide_text.h"
+#include "sabrel/platform/utf8.h"
+
+namespace sabrel::odbc {
+namespace {
+
+bool IsNumberType(std::string_view type) {
+  constexpr std::array kNumbers{
+      std::string_view("NUMBER"),        std::string_view("INTEGER"),
+      std::string_view("FLOAT"),         std::string_view("BINARY_DOUBLE"),
+      std::string_view("NUMERIC"),       std::string_view("PLS_INTEGER"),
+      std::string_view("BINARY_INTEGER")};
+  return std::any_of(kNumbers.begin(), kNumbers.end(),
+                     [&](std::string_view one) { return EqualIgnoringCase(type, one); });
+}
+
+}  // namespace
+
+std::vector<CallParameter> ParametersOf(const Signature& signature,
+                                        const std::vector<std::optional<std::string>>& values) {
+  std::vector<CallParameter> parameters;
+  if (signature.is_function) {
+    parameters.push_back(
+        {{}, SQL_NULL_DATA, SQL_PARAM_OUTPUT, IsNumberType(signature.result_type)});
+  }
+  for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
+    CallParameter& parameter = parameters.emplace_back();
+    if (values[i]) {
+      parameter.units = ToWide(*values[i]);
+      parameter.length = static_cast<SQLLEN>(parameter.units.size() * sizeof(SQLWCHAR));
+    }
+    const Signature::Argument& argument = signature.arguments[i];
+    parameter.is_number = IsNumberType(argument.type);
+    if (argument.direction == dialect::Direction::kOut) parameter.direction = SQL_PARAM_OUTPUT;
+    if (argument.direction == dialect::Direction::kInOut) {
+      parameter.direction = SQL_PARAM_INPUT_OUTPUT;
+    }
+  }
+  constexpr std::size_t kMostUnits = 32768;  // what a routine's text argument may hold
+  for (CallParameter& parameter : parameters) {
+    if (parameter.direction != SQL_PARAM_INPUT) {
+      parameter.units.resize(std::max(kMostUnits, parameter.units.size()));
+    }
+    parameter.units.push_back(u'\0');
+  }
+  return parameters;
+}
+
+void AppendOutput(RowBlock& row, const CallParameter& parameter) {
+  if (parameter.length == SQL_NULL_DATA) return row.AddNull();
+  const auto units = static_cast<std::size_t>(parameter.length) / sizeof(SQLWCHAR);
+  if (parameter.length < 0 || units >= parameter.units.size()) {
+    throw DriverFailure({"22001", 6502, "a text that a routine gave back has no room"});
+  }
+  const std::string value = ToUtf8(std::u16string_view(parameter.units).substr(0, units));
+  if (parameter.is_number) {
+    AppendExactNumber(row, value);
+  } else {
+    row.AddText(value);
+  }
+}
+
+}  // namespace sabrel::odbc
