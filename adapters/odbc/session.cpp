@@ -29,7 +29,7 @@ Meaning Failed(ConnectionFailure code) { return {0, code}; }
   const bool is_unclear = meaning.connection == ConnectionFailure::kRefusedOrSevered ||
                           meaning.connection == ConnectionFailure::kConnectTimeOut;
   if (!is_unclear) {
-    const bool has_driver = meaning.connection != ConnectionFailure::kHostUnknown;
+    const bool has_driver = !IsOfDriverManager(diagnosis.state);
     throw Refused(meaning,
                   has_driver
                       ? diagnosis.message
