@@ -76,11 +76,6 @@ void StartQuietly(Work work) {
 
 }  // namespace
 
-Deadline DeadlineIn(std::int32_t seconds) {
-  if (seconds <= 0) return std::nullopt;
-  return std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-}
-
 struct Worker::State {
   struct Job {
     Task task;

@@ -16,14 +16,10 @@
 #include <string>
 
 #include "adapters/odbc/connection.h"
+#include "adapters/shared/deadline.h"
 #include "sabrel/platform/runtime_error.h"
 
 namespace sabrel::odbc {
-
-/// None: no limit.
-using Deadline = std::optional<std::chrono::steady_clock::time_point>;
-/// None for 0 seconds.
-[[nodiscard]] Deadline DeadlineIn(std::int32_t seconds);
 
 /// What a worker owns: made, used and destroyed on its thread only.
 struct Workplace {

@@ -50,11 +50,6 @@ void RemoveEmptyJournal(const std::string& path) noexcept {
 
 }  // namespace
 
-Deadline DeadlineIn(std::int32_t seconds) {
-  if (seconds <= 0) return std::nullopt;
-  return std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-}
-
 void StopSwitch::Add(Connection& connection) {
   const std::scoped_lock lock(mutex_);
   connections_.push_back(&connection);

@@ -12,12 +12,12 @@
 #include <list>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "adapters/shared/deadline.h"
 #include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/value.h"
 #include "sabrel/platform/row_block.h"
@@ -32,10 +32,6 @@ class Connection;
 /// Whether a commit waits until the disk has it; without, whoever makes the file brings it to the
 /// disk at the end.
 enum class Durability { kEachCommit, kAtTheEnd };
-
-using Deadline = std::optional<std::chrono::steady_clock::time_point>;
-/// The moment `seconds` from now; none for 0.
-[[nodiscard]] Deadline DeadlineIn(std::int32_t seconds);
 
 /// The connections that Cancel may stop; shared by a thread's rowlink and its connections.
 class StopSwitch {
