@@ -249,7 +249,7 @@ TEST_F(OdbcFaults, NothingIsLeftWhenTheyAreOver) {
   })) << odbc::WorkersLeftBehind()
       << " workers, " << RunningThreads() << " threads, " << OpenDescriptors() << " descriptors of "
       << descriptors;
-  EXPECT_LT(ResidentBytes(), memory + (std::size_t{64} << 20U));
+  EXPECT_TRUE(kKeepsFreedMemory || ResidentBytes() < memory + (std::size_t{64} << 20U));
   std::cout << "[ measured ] memory: " << memory / 1024 << " kB before, " << ResidentBytes() / 1024
             << " kB after\n";
 }

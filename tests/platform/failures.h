@@ -23,9 +23,9 @@ std::int32_t NumberOf(Action action) {
   return FailureIn(action).Number();
 }
 
-inline const std::string& Shown(const std::string& text) { return text; }
+inline const std::string& AsText(const std::string& text) { return text; }
 template <class Number>
-std::string Shown(Number number) {
+std::string AsText(Number number) {
   return std::to_string(number);
 }
 
@@ -33,7 +33,7 @@ std::string Shown(Number number) {
 template <class Make>
 std::string Outcome(Make make) {
   std::string shown;
-  const std::int32_t number = NumberOf([&] { return shown = Shown(make()); });
+  const std::int32_t number = NumberOf([&] { return shown = AsText(make()); });
   return number == 0 ? shown : "!" + std::to_string(number);
 }
 

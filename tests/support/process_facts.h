@@ -24,6 +24,13 @@ namespace sabrel::testing {
 #endif
 }
 
+/// The address sanitizer does, so that it knows who uses it.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr bool kKeepsFreedMemory = true;
+#else
+inline constexpr bool kKeepsFreedMemory = false;
+#endif
+
 [[nodiscard]] inline std::size_t ResidentBytes() {
   std::size_t all_pages = 0;
   std::size_t resident_pages = 0;
