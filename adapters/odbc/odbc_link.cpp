@@ -308,9 +308,12 @@ void OdbcLink::Write(const RowSet& rows) {
   });
 }
 
+OdbcLink::~OdbcLink() { ShutDown(); }
+
 void OdbcLink::ShutDown() noexcept {
   for (auto& [key, session] : sessions_) session->Close();
   sessions_.clear();
+  AwaitEndingWorkers();
 }
 
 }  // namespace sabrel::odbc

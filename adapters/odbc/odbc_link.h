@@ -20,6 +20,9 @@ class OdbcLink final : public DataLink {
   explicit OdbcLink(ProfileSet profiles,
                     std::shared_ptr<DatabaseError> last_error = std::make_shared<DatabaseError>(),
                     Opening opening = Opening::kSite);
+  ~OdbcLink() override;
+  OdbcLink(const OdbcLink&) = delete;
+  OdbcLink& operator=(const OdbcLink&) = delete;
 
   [[nodiscard]] std::unique_ptr<Cursor> Query(std::string_view sql,
                                               const DataServerAddress& address) override;

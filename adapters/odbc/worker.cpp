@@ -58,6 +58,33 @@ class LeftBehind {
   std::atomic<int> all_ = 0;
 };
 
+/// Workers that were told to end and have not yet. Never destroyed, as above.
+class Ending {
+ public:
+  static Ending& Instance() {
+    static Ending* const instance = new Ending;
+    return *instance;
+  }
+
+  void Add() noexcept {
+    const std::lock_guard lock(mutex_);
+    ++count_;
+  }
+  void Remove() noexcept {
+    const std::lock_guard lock(mutex_);
+    if (--count_ == 0) none_.notify_all();
+  }
+  void Await(std::chrono::milliseconds patience) noexcept {
+    std::unique_lock lock(mutex_);
+    none_.wait_for(lock, patience, [this] { return count_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable none_;
+  int count_ = 0;
+};
+
 /// Starts a thread that takes no signals: those belong to the host's own threads.
 template <class Work>
 void StartQuietly(Work work) {
@@ -101,6 +128,7 @@ Worker::Worker(std::string address) : state_(std::make_shared<State>()) {
 
 Worker::~Worker() {
   const std::lock_guard lock(state_->mutex);
+  if (!state_->left_behind) Ending::Instance().Add();
   state_->ends = true;
   state_->has_work.notify_one();
 }
@@ -135,7 +163,11 @@ void Worker::Live(const std::shared_ptr<State>& state) noexcept {
   state->workplace.statement.reset();
   state->workplace.connection.reset();
   lock.lock();
-  if (state->left_behind) LeftBehind::Instance().Remove(state->address);
+  if (state->left_behind) {
+    LeftBehind::Instance().Remove(state->address);
+  } else {
+    Ending::Instance().Remove();
+  }
 }
 
 Worker::End Worker::Run(Task task, Deadline deadline, ConnectionFailure code) {
@@ -212,6 +244,11 @@ void RequireFewLeftBehind(const std::string& address) {
   if (!code) return;
   throw ConnectionFailed(*code, "The Data Server at " + address +
                                     " does not answer: earlier requests still wait for it.");
+}
+
+void AwaitEndingWorkers() noexcept {
+  constexpr std::chrono::milliseconds kPatience{200};
+  Ending::Instance().Await(kPatience);
 }
 
 int WorkersLeftBehind() noexcept { return LeftBehind::Instance().All(); }

@@ -69,6 +69,9 @@ class Worker {
 
 /// Errors: the code of the last worker left behind for `address` when there are two
 void RequireFewLeftBehind(const std::string& address);
+/// Waits for workers that were told to end and close their connections, but not for long, and not
+/// for those left behind: a process that ended meanwhile would take the driver away under them.
+void AwaitEndingWorkers() noexcept;
 /// Workers now left behind, for whatever address.
 [[nodiscard]] int WorkersLeftBehind() noexcept;
 
