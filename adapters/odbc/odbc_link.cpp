@@ -8,16 +8,11 @@
 #include <vector>
 
 #include "adapters/odbc/wide_text.h"
+#include "adapters/shared/oracle_prefix.h"
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel::odbc {
 namespace {
-
-std::string OraclePrefix(std::int32_t number) {
-  std::string digits = std::to_string(number);
-  if (digits.size() < 5) digits.insert(0, 5 - digits.size(), '0');
-  return "ORA-" + digits + ": ";
-}
 
 /// Runs `work`; what the server refuses becomes the last database error and the failure that
 /// callers know.

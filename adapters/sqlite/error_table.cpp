@@ -4,16 +4,11 @@
 
 #include <charconv>
 
+#include "adapters/shared/oracle_prefix.h"
 #include "adapters/sqlite/failure.h"
 
 namespace sabrel::sqlite {
 namespace {
-
-std::string Padded(std::int32_t number) {
-  std::string digits = std::to_string(number);
-  if (digits.size() < 5) digits.insert(0, 5 - digits.size(), '0');
-  return digits;
-}
 
 /// A row of the table: a code (0 in its low byte: any extension of it), a piece of the engine's
 /// text ("" for any), the native number and its message; "$" in the message takes what follows the
@@ -140,8 +135,8 @@ std::string Filled(std::string_view message, std::string_view rest) {
 
 ServerFailure::ServerFailure(std::int32_t native_number, const std::string& message,
                              std::string detail)
-    : error_{native_number, "Embedded Data Server", "",
-             "ORA-" + Padded(native_number) + ": " + message, std::move(detail)} {}
+    : error_{native_number, "Embedded Data Server", "", OraclePrefix(native_number) + message,
+             std::move(detail)} {}
 
 NativeError NativeErrorOf(int code, std::string_view text, Verb verb) {
   if (code == SQLITE_CONSTRAINT_FOREIGNKEY) return ForeignKeyError(verb);

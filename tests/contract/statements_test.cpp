@@ -1,4 +1,4 @@
-// Every statement that the component sends must run as it stands.
+// Statements, the dictionary and quoted texts, as the component and its hosts send them.
 #include "sabrel/sql/literals.h"
 #include "tests/contract/contract.h"
 #include "tests/support/scripted_platform.h"
