@@ -49,7 +49,7 @@ std::shared_ptr<CSystemValues> CSystemValues::Values(const Variant& sName, std::
                                                      std::string_view sServerName) const {
   auto found = std::make_shared<CSystemValues>();
   if (sName.IsNull()) return found;
-  const std::string name = ToText(sName);
+  const std::string name = RaisingRuntimeErrors([&] { return ToText(sName); });
   for (const Entry& entry : entries_) {
     const bool same_server =
         sServerName.empty() || (entry->ServerName() == sServerName && entry->PortId() == nPortId);
@@ -67,7 +67,9 @@ CSystemValues::Entry CSystemValues::AddNew(std::string_view sName, std::string_v
                                            std::string_view sHostName, std::int32_t nPortNumber,
                                            std::string_view sUserName, std::string_view sPassword,
                                            std::int32_t nTimeOut) {
-  auto entry = AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  auto entry = RaisingRuntimeErrors([&] {
+    return AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  });
   entries_.Add(entry, entry->Key());
   return entry;
 }

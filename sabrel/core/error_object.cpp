@@ -115,7 +115,8 @@ void CErrorObject::CaptureDatabaseError() {
   db_source_.clear();
   db_description_.clear();
   if (!IsDBError()) return;
-  const DatabaseError error = CurrentPlatform().rowlink->LastDatabaseError();
+  const DatabaseError error =
+      RaisingRuntimeErrors([] { return CurrentPlatform().rowlink->LastDatabaseError(); });
   db_number_ = error.native_number;
   db_source_ = error.source + " (" + error.originator + ")";
   db_description_ = error.message + " (" + error.detail + ")";
@@ -123,12 +124,15 @@ void CErrorObject::CaptureDatabaseError() {
 }
 
 bool CErrorObject::IsDBError() const {
-  return number_ != 0 && CurrentPlatform().application->ErrorCodeOf(number_) == kDatabaseErrorCode;
+  return number_ != 0 && RaisingRuntimeErrors([&] {
+           return CurrentPlatform().application->ErrorCodeOf(number_) == kDatabaseErrorCode;
+         });
 }
 
 std::int32_t CErrorObject::ConnectionCode() const {
   if (number_ == 0 || IsDBError()) return 0;
-  return CurrentPlatform().rowlink->ConnectionErrorCode(number_);
+  return RaisingRuntimeErrors(
+      [&] { return CurrentPlatform().rowlink->ConnectionErrorCode(number_); });
 }
 
 bool CErrorObject::IsConnectionError() const { return !ConnectionText(ConnectionCode()).empty(); }

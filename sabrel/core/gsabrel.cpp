@@ -97,12 +97,24 @@ bool IncludeDSMonitor() { return Crossing<MSabrel::IncludeDSMonitor>(); }
 bool IncludeAddInManager() { return Crossing<MSabrel::IncludeAddInManager>(); }
 bool IsSubclassingOn() { return Crossing<MSabrel::IsSubclassingOn>(); }
 void ShutdownDBConnection() { MSabrel::ShutdownDBConnection(); }
-std::string DBConnectionName() { return MSabrel::DBConnectionName(); }
-void DBConnectionName(std::string_view value) { MSabrel::DBConnectionName(value); }
-std::string DBConnectionUID() { return MSabrel::DBConnectionUID(); }
-void DBConnectionUID(std::string_view value) { MSabrel::DBConnectionUID(value); }
-std::string DBConnectionPWD() { return MSabrel::DBConnectionPWD(); }
-void DBConnectionPWD(std::string_view value) { MSabrel::DBConnectionPWD(value); }
+std::string DBConnectionName() {
+  return RaisingRuntimeErrors([] { return MSabrel::DBConnectionName(); });
+}
+void DBConnectionName(std::string_view value) {
+  RaisingRuntimeErrors([&] { MSabrel::DBConnectionName(value); });
+}
+std::string DBConnectionUID() {
+  return RaisingRuntimeErrors([] { return MSabrel::DBConnectionUID(); });
+}
+void DBConnectionUID(std::string_view value) {
+  RaisingRuntimeErrors([&] { MSabrel::DBConnectionUID(value); });
+}
+std::string DBConnectionPWD() {
+  return RaisingRuntimeErrors([] { return MSabrel::DBConnectionPWD(); });
+}
+void DBConnectionPWD(std::string_view value) {
+  RaisingRuntimeErrors([&] { MSabrel::DBConnectionPWD(value); });
+}
 std::int32_t MachineId() { return Crossing<MSabrel::MachineId>(); }
 void InitializeProductInfo() { Crossing<MSabrel::InitializeProductInfo>(); }
 

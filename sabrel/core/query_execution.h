@@ -4,7 +4,8 @@
 // a failed request is raised to the caller. The box may run anything in the host: texts and state
 // that are needed after a query are copied before it. Either way the thread's error object holds
 // the failure. Addresses are handed on as they are: an empty host is the session's own server,
-// time-outs are seconds, 0 is that server's own setting.
+// time-outs are seconds, 0 is that server's own setting. Costs count requests to the Data Server as
+// round trips, here and in all that is built on this.
 //
 //   if (auto rows = ExecuteQuery("SELECT Id FROM T")) { ...; rows->Close(); }
 #pragma once

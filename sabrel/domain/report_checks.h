@@ -14,7 +14,7 @@ namespace sabrel::MSabrel {
 [[nodiscard]] bool LengthyReportsConfigured();
 
 /// True only when the user was asked and declined to run the report; false also after a failure.
-/// Errors: none. Cost: one call
+/// Errors: none. Cost: one call, behind LengthyReportsConfigured
 [[nodiscard]] bool IsLengthyReport(std::int32_t nReportID);
 /// The same for all reports of a job.
 [[nodiscard]] bool IsLengthyReportGroup(std::int32_t nJobID);

@@ -1,8 +1,8 @@
 // A packed run of rows: how fetched rows travel and wait.
 //
 // An adapter appends cell after cell and ends each row; readers take cells out by row and column. A
-// cell costs its text, or 4 or 8 bytes for a number or a date, plus 5 bytes; there is no allocation
-// per cell or row.
+// cell costs its text, or 4 to 16 bytes for a number or a date, plus 5 bytes; there is no
+// allocation per cell or row.
 #pragma once
 
 #include <cstddef>

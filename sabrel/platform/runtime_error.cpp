@@ -17,8 +17,11 @@ std::string UsualDescription(RuntimeErrorNumber number) {
     case RuntimeErrorNumber::kDivisionByZero: return "Division by zero";
     case RuntimeErrorNumber::kTypeMismatch: return "Type mismatch";
     case RuntimeErrorNumber::kInternal: return "Internal error";
+    case RuntimeErrorNumber::kAccessFailure: return "Path/File access error";
     case RuntimeErrorNumber::kObjectNotSet: return "Object variable not set";
     case RuntimeErrorNumber::kInvalidUseOfNull: return "Invalid use of null";
+    case RuntimeErrorNumber::kInvalidFileFormat: return "Invalid file format";
+    case RuntimeErrorNumber::kCannotCreateObject: return "Cannot create object";
     case RuntimeErrorNumber::kDuplicateKey:
       return "This key is already associated with an element of this collection";
     case RuntimeErrorNumber::kNoCurrentRecord: return "No current record";

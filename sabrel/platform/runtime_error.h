@@ -26,8 +26,11 @@ enum class RuntimeErrorNumber : std::int32_t {
   kDivisionByZero = 11,
   kTypeMismatch = 13,
   kInternal = 51,
+  kAccessFailure = 75,  // a file or terminal that cannot be opened, read or written
   kObjectNotSet = 91,
   kInvalidUseOfNull = 94,
+  kInvalidFileFormat = 321,   // a file whose contents are not what they should be
+  kCannotCreateObject = 429,  // a program that is not installed cannot be started
   kDuplicateKey = 457,
   kNoCurrentRecord = 3021,
   kNoSuchField = 3265,

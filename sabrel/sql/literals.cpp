@@ -25,12 +25,6 @@ std::string Quoted(std::string_view s) {
   return quoted;
 }
 
-// The number as the locale writes it, then the point in place of the locale's separator.
-std::string InvariantNumberText(double number, int digits) {
-  const std::string separator = CurrentPlatform().services->Locale().decimal_separator;
-  return ReplaceAll(NumberText(number, digits, separator), separator, ".");
-}
-
 std::string ObjectArg(const Variant& v) {
   const ObjectRef& object = v.Get<ObjectRef>();
   if (!object) throw RuntimeError(RuntimeErrorNumber::kTypeMismatch);
@@ -53,7 +47,7 @@ CDBLiteral DBInt(std::int32_t i, std::int32_t iNull) {
 CDBLiteral DBFloat(double i, std::int32_t iNull) {
   const auto sentinel = static_cast<double>(iNull);
   if (!(i < sentinel) && !(i > sentinel)) return CDBLiteral("NULL");
-  return CDBLiteral(InvariantNumberText(i, kDoubleDigits));
+  return CDBLiteral(NumberText(i, kDoubleDigits, "."));
 }
 
 CDBLiteral DBDateString(std::string_view sDate, std::string_view sFormat) {
@@ -92,8 +86,8 @@ std::string DBArg(const Variant& v) {
     case VariantKind::kObject: return ObjectArg(v);
     case VariantKind::kNull: return "NULL";
     case VariantKind::kSingle:
-      return InvariantNumberText(static_cast<double>(v.Get<float>()), kSingleDigits);
-    case VariantKind::kDouble: return InvariantNumberText(v.Get<double>(), kDoubleDigits);
+      return NumberText(static_cast<double>(v.Get<float>()), kSingleDigits, ".");
+    case VariantKind::kDouble: return NumberText(v.Get<double>(), kDoubleDigits, ".");
     case VariantKind::kDate: return DateToDBString(v.Get<Date>()).Value();
     case VariantKind::kString: return DBStr(v.Get<std::string>()).Value();
     case VariantKind::kBoolean: return DBStr(v.Get<bool>() ? "Y" : "N").Value();

@@ -66,7 +66,8 @@ namespace sabrel::MSabrel {
 /// One value as SQL text. A CDBLiteral gives its value; null, the empty string and the zero date
 /// give NULL; singles and doubles have "." as decimal point, currency and decimal the locale's;
 /// booleans are 'Y' and 'N'; empty gives "". Errors: 13 for what has no text (an array, an absent
-/// object, an object without default property)
+/// object, an object without default property); 94 and 91 for a default property that is null or
+/// absent
 [[nodiscard]] std::string DBArg(const Variant& v);
 
 /// The values as a comma list, padded. A value whose text is empty vanishes without a comma while
@@ -75,8 +76,8 @@ namespace sabrel::MSabrel {
 [[nodiscard]] std::string DBArgs(std::span<const Variant> vArgs);
 
 /// Pairs of column name and value as an assignment list, padded: " NAME = 'abc',AGE = 5 ". An odd
-/// number of elements leaves the last name with " = " and no value. Errors: as DBArg; 13 for a name
-/// that has no text
+/// number of elements leaves the last name with " = " and no value. Errors: as DBArg; for a name
+/// 13 where it has no text and 91 where it is an absent object
 [[nodiscard]] std::string DBSetArgs(std::span<const Variant> vArgs);
 
 /// "SELECT " + expression + " FROM DUAL"

@@ -41,9 +41,11 @@ std::int32_t CColumnLengthCache::ColumnLength(std::string_view sTable, std::stri
   // A copy: the query may run the host's code, and that may ask for another length.
   const std::string owned = key_;
   const std::string_view key = owned;
-  const std::int32_t length = MSabrel::ExecuteFunctionReturningLong(
-      "FS_GetColumnLength", MSabrel::DBStr(key.substr(0, table_end)).Value() + "," +
-                                MSabrel::DBStr(key.substr(table_end + 1)));
+  const std::int32_t length = RaisingRuntimeErrors([&] {
+    return MSabrel::ExecuteFunctionReturningLong(
+        "FS_GetColumnLength", MSabrel::DBStr(key.substr(0, table_end)).Value() + "," +
+                                  MSabrel::DBStr(key.substr(table_end + 1)));
+  });
   if (length > 0) lengths_.insert_or_assign(owned, length);
   return length;
 }

@@ -185,15 +185,18 @@ void CDBString::WriteLines(std::int32_t id, std::string_view text, std::string_v
 std::string CDBString::ExecuteXMLQuery(std::int32_t ordString, const NamedValues* nmvsArguments) {
   if (ordString > 0) id_ = ordString;
   if (!IsValid()) return {};
-  std::string envelope = "<QUERY Type='DB' RerunQuery='yes'  ForwardSetValues='yes'>";
-  if (nmvsArguments != nullptr) {
-    for (const NamedValues::Entry& argument : *nmvsArguments) {
-      envelope += NamedValueFragment(argument.name, ToJoinedText(argument.value));
+  const std::int32_t id = RaisingRuntimeErrors([&] {
+    std::string envelope = "<QUERY Type='DB' RerunQuery='yes'  ForwardSetValues='yes'>";
+    if (nmvsArguments != nullptr) {
+      for (const NamedValues::Entry& argument : *nmvsArguments) {
+        envelope += NamedValueFragment(argument.name, ToJoinedText(argument.value));
+      }
     }
-  }
-  envelope += "<SQL Query='" + SelectText() + "'/>";
-  envelope += "</QUERY>";
-  return ExecuteXMLQuery(ToInt32(Variant(envelope)));
+    envelope += "<SQL Query='" + SelectText() + "'/>";
+    envelope += "</QUERY>";
+    return ToInt32(Variant(envelope));
+  });
+  return ExecuteXMLQuery(id);
 }
 
 namespace GDBString {

@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <initializer_list>
 
 #include "sabrel/core/session.h"
+#include "sabrel/sql/schema_cache.h"
 #include "sabrel/sql/schema_probes.h"
 #include "tests/support/outcome.h"
 #include "tests/support/scripted_platform.h"
@@ -75,6 +77,13 @@ TEST_F(SystemValues, AHostMayMeddleWhileItIsAsked) {
       platform.DropAnswers();
       UnloadThread();
     }
+  }
+  platform.on_box = [] { throw std::logic_error("disk"); };
+  for (const auto& ask : std::initializer_list<std::function<void()>>{
+           [] { static_cast<void>(CSystemValues().AddNew("N", "V", "", 0, "", "", 0)); },
+           [] { static_cast<void>(CColumnLengthCache().ColumnLength("T", "C")); }}) {
+    platform.Answer(Refuse(942));
+    EXPECT_EQ(OutcomeOf([&] { return (ask(), true); }), "raises 51 disk");
   }
 }
 
