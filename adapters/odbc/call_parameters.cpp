@@ -1,29 +1,14 @@
 #include "adapters/odbc/call_parameters.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
 
 #include "adapters/odbc/driver.h"
 #include "adapters/odbc/statement.h"
 #include "adapters/odbc/wide_text.h"
+#include "adapters/shared/number_type.h"
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel::odbc {
-namespace {
-
-bool IsNumberType(std::string_view type) {
-  constexpr std::array kNumbers{
-      std::string_view("NUMBER"),        std::string_view("INTEGER"),
-      std::string_view("FLOAT"),         std::string_view("BINARY_DOUBLE"),
-      std::string_view("NUMERIC"),       std::string_view("PLS_INTEGER"),
-      std::string_view("BINARY_INTEGER")};
-  return std::any_of(kNumbers.begin(), kNumbers.end(),
-                     [&](std::string_view one) { return EqualIgnoringCase(type, one); });
-}
-
-}  // namespace
-
 std::vector<CallParameter> ParametersOf(const Signature& signature,
                                         const std::vector<std::optional<std::string>>& values) {
   std::vector<CallParameter> parameters;

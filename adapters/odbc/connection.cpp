@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -28,25 +27,6 @@ SQLHENV Environment() {
   return environment;
 }
 
-// "[unixODBC][Driver Manager]..." and the like.
-std::string_view WithoutPrefixes(std::string_view message) {
-  while (message.starts_with('[')) {
-    const std::size_t end = message.find(']');
-    if (end == std::string_view::npos) break;
-    message.remove_prefix(end + 1);
-  }
-  return message;
-}
-
-// A driver puts the severity before a server's message and a remark of its own behind it.
-std::string_view WithoutRemarks(std::string_view message) {
-  for (const std::string_view severity : {"ERROR: ", "FATAL: "}) {
-    if (message.starts_with(severity)) message.remove_prefix(severity.size());
-  }
-  message = message.substr(0, message.rfind(";\n"));
-  return message.substr(0, message.find_last_not_of(" \r\n") + 1);
-}
-
 /// When a driver is to give up connecting: late enough for the caller's clock to decide what is
 /// told, since a driver counts in whole seconds and does not say that its time was over.
 std::int32_t DriverLimit(std::int32_t connect_timeout_s) {
@@ -57,6 +37,39 @@ std::int32_t DriverLimit(std::int32_t connect_timeout_s) {
 
 std::string Text(const Variant& value) {
   return value.kind() == VariantKind::kString ? value.Get<std::string>() : std::string();
+}
+
+dialect::Direction DirectionOf(std::string_view in_out) {
+  if (in_out == "IN") return dialect::Direction::kIn;
+  return in_out == "OUT" ? dialect::Direction::kOut : dialect::Direction::kInOut;
+}
+
+/// What an engine's signature query returned.
+std::vector<Signature> SignaturesIn(const RowBlock& rows) {
+  enum : std::size_t { kPosition, kArgument, kDirection, kType, kCallName, kOverload, kColumns };
+  std::vector<Signature> found;
+  std::string overload;
+  for (std::size_t row = 0; row < rows.Rows() && rows.Columns() == kColumns; ++row) {
+    const Variant of = rows.Cell(row, kOverload);
+    const std::string this_overload =
+        of.kind() == VariantKind::kInt32 ? std::to_string(of.Get<std::int32_t>()) : Text(of);
+    if (found.empty() || this_overload != overload) {
+      overload = this_overload;
+      found.emplace_back().call_name = Text(rows.Cell(row, kCallName));
+    }
+    const Variant position = rows.Cell(row, kPosition);
+    if (position.kind() != VariantKind::kInt32) continue;
+    std::string type = Text(rows.Cell(row, kType));
+    if (position.Get<std::int32_t>() == 0) {
+      found.back().is_function = true;
+      found.back().result_type = std::move(type);
+    } else {
+      found.back().arguments.push_back({Text(rows.Cell(row, kArgument)),
+                                        DirectionOf(Text(rows.Cell(row, kDirection))),
+                                        std::move(type)});
+    }
+  }
+  return found;
 }
 
 void AppendConstant(std::string& sql, const std::optional<std::string>& piece) {
@@ -99,28 +112,6 @@ std::vector<ParameterColumn> Columns(
 }
 
 }  // namespace
-
-Diagnosis DiagnosisOf(SQLSMALLINT handle_type, SQLHANDLE handle) {
-  constexpr std::size_t kStateUnits = 6;
-  std::u16string state(kStateUnits, u'\0');
-  // A driver cuts a message that its first reader has no room for into several diagnoses.
-  constexpr SQLSMALLINT kMessageUnits = std::numeric_limits<SQLSMALLINT>::max();
-  std::u16string message(kMessageUnits, u'\0');
-  SQLINTEGER native = 0;
-  SQLSMALLINT length = 0;
-  const SQLRETURN result = SQLGetDiagRecW(handle_type, handle, 1, WideArgument(state), &native,
-                                          WideArgument(message), kMessageUnits, &length);
-  if (!SQL_SUCCEEDED(result)) return {"HY000", 0, "the driver failed without saying why"};
-  state.resize(kStateUnits - 1);
-  message.resize(static_cast<std::size_t>(std::clamp<int>(length, 0, kMessageUnits - 1)));
-  const std::string text = ToUtf8(message);
-  return {ToUtf8(state), native, std::string(WithoutRemarks(WithoutPrefixes(text)))};
-}
-
-void Require(SQLRETURN result, SQLSMALLINT handle_type, SQLHANDLE handle) {
-  if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
-  throw DriverFailure(DiagnosisOf(handle_type, handle));
-}
 
 Connection::Connection(const Engine& engine, const ConnectionProfile& profile, Opening opening,
                        std::shared_ptr<CancelPoint> cancel_point)
@@ -174,36 +165,10 @@ std::optional<Signature> Connection::Find(const std::string& name, std::size_t a
   auto known = routines_.find(key);
   if (known == routines_.end()) {
     const auto statement = Query(ToWide(engine_.SignatureQuery(key)), timeout_s);
-    enum : std::size_t { kPosition, kArgument, kDirection, kType, kCallName, kOverload, kColumns };
     RowBlock rows(statement->ColumnNames().size());
     while (statement->Fetch(rows, SIZE_MAX)) {
     }
-    std::vector<Signature> found;
-    std::string overload;
-    for (std::size_t row = 0; row < rows.Rows() && rows.Columns() == kColumns; ++row) {
-      const Variant of = rows.Cell(row, kOverload);
-      const std::string this_overload =
-          of.kind() == VariantKind::kInt32 ? std::to_string(of.Get<std::int32_t>()) : Text(of);
-      if (found.empty() || this_overload != overload) {
-        overload = this_overload;
-        found.emplace_back().call_name = Text(rows.Cell(row, kCallName));
-      }
-      const Variant position = rows.Cell(row, kPosition);
-      if (position.kind() != VariantKind::kInt32) continue;
-      std::string type = Text(rows.Cell(row, kType));
-      if (position.Get<std::int32_t>() == 0) {
-        found.back().is_function = true;
-        found.back().result_type = std::move(type);
-        continue;
-      }
-      const std::string direction = Text(rows.Cell(row, kDirection));
-      found.back().arguments.push_back(
-          {Text(rows.Cell(row, kArgument)),
-           direction == "IN"
-               ? dialect::Direction::kIn
-               : (direction == "OUT" ? dialect::Direction::kOut : dialect::Direction::kInOut),
-           std::move(type)});
-    }
+    std::vector<Signature> found = SignaturesIn(rows);
     if (found.empty()) return std::nullopt;  // it may be made any time: asked for again
     known = routines_.emplace(key, std::move(found)).first;
   }

@@ -52,14 +52,16 @@ class Connection {
   /// pieces are checked already. Errors: DriverFailure, after everything was rolled back
   void Write(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
 
-  void CallByText(const Signature& signature, const std::vector<std::optional<std::string>>& values,
-                  std::int32_t timeout_s, RowBlock& row);
+  // Oracle's way of calling and writing, public so that other servers can try it.
+
   void CallBound(const Signature& signature, const std::vector<std::optional<std::string>>& values,
                  std::int32_t timeout_s, RowBlock& row);
-  void WriteManyRows(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
   void WriteArrays(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
 
  private:
+  void CallByText(const Signature& signature, const std::vector<std::optional<std::string>>& values,
+                  std::int32_t timeout_s, RowBlock& row);
+  void WriteManyRows(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
   void SetAutocommit(bool on);
   void EndTransaction(bool commit);
 

@@ -63,10 +63,6 @@ std::string LibpqSetting(std::string_view name, std::string_view value) {
   return " " + std::string(name) + "='" + escaped + "'";
 }
 
-bool IsBracketed(std::string_view host) {
-  return host.size() >= 2 && host.front() == '[' && host.back() == ']';
-}
-
 /// The parts of "//host:port/service" have no quoting of their own.
 void RequireAddressPart(std::string_view setting, std::string_view value) {
   const bool plain = std::all_of(value.begin(), value.end(), [](char c) {
@@ -85,8 +81,7 @@ void RequireAddressPart(std::string_view setting, std::string_view value) {
 std::string OracleAddress(const ConnectionProfile& profile) {
   if (profile.Host.empty()) return profile.Database;
   constexpr std::int32_t kOraclePort = 1521;
-  std::string host = profile.Host;
-  if (IsBracketed(host)) host = host.substr(1, host.size() - 2);
+  std::string host(WithoutBrackets(profile.Host));
   RequireAddressPart("Host", host);
   RequireAddressPart("Database", profile.Database);
   if (host.find(':') != std::string::npos) host = "[" + host + "]";
@@ -111,10 +106,14 @@ constexpr std::string_view kOracleOptions = ";FWC=T;LOB=T;FEN=F;";
 
 }  // namespace
 
+std::string_view WithoutBrackets(std::string_view host) noexcept {
+  const bool has_brackets = host.size() >= 2 && host.front() == '[' && host.back() == ']';
+  return has_brackets ? host.substr(1, host.size() - 2) : host;
+}
+
 std::string PostgresqlConnectionText(const ConnectionProfile& profile) {
   RequireSettings(profile);
-  std::string_view host = profile.Host;
-  if (IsBracketed(host)) host = host.substr(1, host.size() - 2);
+  const std::string_view host = WithoutBrackets(profile.Host);
   // The driver takes braces off PWD and pqopt only: a name with ";" or a leading "{" fits into no
   // other keyword, and names longer than 255 bytes are cut there. libpq's own settings carry all.
   std::string address = LibpqSetting("host", host);

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "sabrel/platform/connection_profile.h"
 
@@ -18,5 +19,8 @@ namespace sabrel::odbc {
 [[nodiscard]] std::string PostgresqlConnectionText(const ConnectionProfile& profile);
 /// Port 0 is 1521. Errors: as above
 [[nodiscard]] std::string OracleConnectionText(const ConnectionProfile& profile);
+
+/// "[::1]" as "::1"; anything else as it is.
+[[nodiscard]] std::string_view WithoutBrackets(std::string_view host) noexcept;
 
 }  // namespace sabrel::odbc

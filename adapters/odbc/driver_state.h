@@ -28,13 +28,14 @@ inline constexpr StateRow kDriverStates[] = {
     {"HY008", {1013, {}}},
     {"HY013", {4030, {}}},
     {"HYC00", {3001, {}}},
+    {"IM001", {3001, {}}},  // the driver lacks the function
     {"IM", {0, ConnectionFailure::kHostUnknown}},
     {"01000", {0, ConnectionFailure::kHostUnknown}},
 };
 
 /// The driver is not installed: unixODBC raises 01000 where its library cannot be opened.
 [[nodiscard]] inline bool IsOfDriverManager(std::string_view state) {
-  return state.starts_with("IM") || state == "01000";
+  return (state.starts_with("IM") && state != "IM001") || state == "01000";
 }
 
 /// The first of `rows` that `state` is, or belongs to.

@@ -56,6 +56,11 @@ class Engine {
   /// The driver's connection string; the only text that holds the password.
   /// Errors: 5 for a setting that no quoting can carry (NUL, a line's end)
   [[nodiscard]] virtual std::string ConnectionText(const ConnectionProfile& profile) const = 0;
+  /// The Unix socket that a profile means; empty where it means a host and port, or what only the
+  /// driver knows.
+  [[nodiscard]] virtual std::string SocketFile(const ConnectionProfile& /*profile*/) const {
+    return {};
+  }
   /// Statements to send once when a connection was made, in the server's own language.
   [[nodiscard]] virtual std::vector<std::string> OpeningStatements() const = 0;
   /// The server's form of one statement, as dialect::RequireOneStatement returned it; empty where

@@ -141,6 +141,43 @@ void CheckParameters(const RoutineCall& call) {
   }
 }
 
+/// Whether the first parameter stands for a function's result.
+bool HasResultPosition(const RoutineCall& call, const Signature& signature) {
+  return signature.is_function && call.parameters.size() == signature.arguments.size() + 1;
+}
+
+/// The in-values of all arguments in order.
+std::vector<std::optional<std::string>> InValues(const RoutineCall& call,
+                                                 const Signature& signature) {
+  const std::size_t first = HasResultPosition(call, signature) ? 1 : 0;
+  std::vector<std::optional<std::string>> values(signature.arguments.size());
+  if (call.parameters.size() != values.size() + first) {
+    throw Refused({6550, {}}, "PLS-00306: wrong number or types of arguments in call to '" +
+                                  UpperCase(call.procedure) + "'");
+  }
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::string& value = call.parameters[first + i].value;
+    const bool is_in = signature.arguments[i].direction != dialect::Direction::kOut;
+    if (is_in && !value.empty()) values[i] = value;
+  }
+  return values;
+}
+
+/// `row` is the result and the out arguments in order.
+RoutineOutcome OutcomeOf(const RoutineCall& call, const Signature& signature, const RowBlock& row) {
+  RoutineOutcome outcome;
+  std::size_t column = 0;
+  outcome.result = signature.is_function ? row.Cell(0, column++) : Variant(Null{});
+  outcome.outputs.resize(call.parameters.size());
+  const std::size_t first = HasResultPosition(call, signature) ? 1 : 0;
+  if (first == 1) outcome.outputs[0] = outcome.result;
+  for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
+    if (signature.arguments[i].direction == dialect::Direction::kIn) continue;
+    outcome.outputs[first + i] = row.Cell(0, column++);
+  }
+  return outcome;
+}
+
 }  // namespace
 
 OdbcLink::OdbcLink(ProfileSet profiles, std::shared_ptr<DatabaseError> last_error, Opening opening)
@@ -156,8 +193,8 @@ OdbcLink::Target OdbcLink::Find(const DataServerAddress& address) {
     throw ConnectionFailed(ConnectionFailure::kHostUnknown,
                            "The connection profile \"" + profile.Name + "\" wants the driver \"" +
                                profile.Driver +
-                               "\"; name \"sqlite\" or an installed ODBC driver for PostgreSQL or "
-                               "Oracle (odbcinst -q -d lists them).");
+                               "\"; by its name it is no ODBC driver of PostgreSQL or Oracle "
+                               "(odbcinst -q -d lists those installed) and not \"sqlite\".");
   }
   Key key{profile.Driver,   profile.Host,     profile.Port,
           profile.Database, profile.UserName, profile.Password};
@@ -224,7 +261,7 @@ void OdbcLink::ExecuteNative(std::string_view sql) {
 
 RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
   struct Answer {
-    std::optional<Signature> signature;
+    Signature signature;
     RowBlock row{0};
   };
   const Target target = Find(call.address);
@@ -234,47 +271,23 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
     Lease(target.session)
         .Do(
             [answer, call, timeout_s = target.timeout_s](Workplace& here) {
-              const std::size_t given = call.parameters.size();
-              answer->signature = here.connection->Find(call.procedure, given, timeout_s);
-              if (!answer->signature) {
+              auto signature =
+                  here.connection->Find(call.procedure, call.parameters.size(), timeout_s);
+              if (!signature) {
                 throw Refused({6550, {}},
                               "PLS-00201: identifier '" + call.procedure + "' must be declared");
               }
-              const Signature& signature = *answer->signature;
-              const std::size_t declared = signature.arguments.size();
-              const bool has_position = signature.is_function && given == declared + 1;
-              if (given != declared && !has_position) {
-                here.connection->ForgetRoutines();  // another may have taken its place
-                throw Refused({6550, {}},
-                              "PLS-00306: wrong number or types of arguments in call to '" +
-                                  UpperCase(call.procedure) + "'");
-              }
-              std::vector<std::optional<std::string>> values(declared);
-              for (std::size_t i = 0; i < declared; ++i) {
-                const std::string& value = call.parameters[i + (has_position ? 1 : 0)].value;
-                const bool is_in = signature.arguments[i].direction != dialect::Direction::kOut;
-                if (is_in && !value.empty()) values[i] = value;
-              }
+              answer->signature = *std::move(signature);
               try {
-                answer->row = here.connection->Call(signature, values, timeout_s);
+                const auto values = InValues(call, answer->signature);
+                answer->row = here.connection->Call(answer->signature, values, timeout_s);
               } catch (...) {
-                here.connection->ForgetRoutines();
+                here.connection->ForgetRoutines();  // another may have taken its place
                 throw;
               }
             },
             DeadlineIn(target.timeout_s));
-    RoutineOutcome outcome;
-    const Signature& signature = *answer->signature;
-    const bool has_position = call.parameters.size() > signature.arguments.size();
-    std::size_t column = 0;
-    outcome.result = signature.is_function ? answer->row.Cell(0, column++) : Variant(Null{});
-    outcome.outputs.resize(call.parameters.size());
-    if (has_position) outcome.outputs[0] = outcome.result;
-    for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
-      if (signature.arguments[i].direction == dialect::Direction::kIn) continue;
-      outcome.outputs[i + (has_position ? 1 : 0)] = answer->row.Cell(0, column++);
-    }
-    return outcome;
+    return OutcomeOf(call, answer->signature, answer->row);
   });
 }
 

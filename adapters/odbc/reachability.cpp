@@ -14,11 +14,12 @@
 #include <memory>
 #include <thread>
 
+#include "adapters/odbc/connection_text.h"
+
 namespace sabrel::odbc {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Limit = std::optional<Clock::time_point>;
 
 class Socket {
  public:
@@ -51,14 +52,14 @@ ConnectionFailure FailureOfConnect(int error) {
 }
 
 /// Milliseconds until `limit` for poll, rounded up; -1 without a limit.
-int PollTime(const Limit& limit) {
+int PollTime(const Deadline& limit) {
   if (!limit) return -1;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(*limit - Clock::now()).count();
   return static_cast<int>(std::clamp<decltype(left)>(left, 0, std::numeric_limits<int>::max()));
 }
 
 /// The error that a connect under way ends with, 0 for a connection, ETIMEDOUT when `limit` passes.
-int ErrorOfConnect(int descriptor, const Limit& limit) {
+int ErrorOfConnect(int descriptor, const Deadline& limit) {
   while (true) {
     pollfd waited{descriptor, POLLOUT, 0};
     const int ready = ::poll(&waited, 1, PollTime(limit));
@@ -72,7 +73,7 @@ int ErrorOfConnect(int descriptor, const Limit& limit) {
 }
 
 std::optional<ConnectionFailure> Ask(int family, int protocol, const sockaddr* address,
-                                     socklen_t size, const Limit& limit) {
+                                     socklen_t size, const Deadline& limit) {
   const Socket socket(family, protocol);
   if (socket.Descriptor() < 0) return ConnectionFailure::kNetworkFailed;
   constexpr auto kPause = std::chrono::milliseconds(10);
@@ -91,17 +92,6 @@ std::optional<ConnectionFailure> Ask(int family, int protocol, const sockaddr* a
   return std::nullopt;
 }
 
-std::optional<ConnectionFailure> AskSocketFile(const std::string& folder, std::int32_t port,
-                                               const Limit& until) {
-  const std::string path = folder + "/.s.PGSQL." + std::to_string(port);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path) return ConnectionFailure::kHostUnknown;
-  std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-  return Ask(AF_UNIX, 0, static_cast<const sockaddr*>(static_cast<const void*>(&address)),
-             sizeof address, until);
-}
-
 /// How much a failure tells: an address that refuses is there, one that is silent may be.
 int Weight(ConnectionFailure failure) {
   if (failure == ConnectionFailure::kRefusedOrSevered) return 2;
@@ -110,7 +100,7 @@ int Weight(ConnectionFailure failure) {
 
 /// An equal share of the time that is left for each address not yet asked, so that a silent one
 /// leaves time for the next.
-Limit ShareOf(const Limit& until, std::ptrdiff_t addresses) {
+Deadline ShareOf(const Deadline& until, std::ptrdiff_t addresses) {
   if (!until) return until;
   const auto now = Clock::now();
   return now + std::max(*until - now, Clock::duration::zero()) / addresses;
@@ -118,14 +108,19 @@ Limit ShareOf(const Limit& until, std::ptrdiff_t addresses) {
 
 }  // namespace
 
-std::optional<ConnectionFailure> ReachabilityOf(const std::string& host, std::int32_t port,
-                                                std::optional<Clock::time_point> until) {
-  // Where Debian's client library looks when it is given no host.
-  if (host.empty()) return AskSocketFile("/var/run/postgresql", port, until);
-  if (host.front() == '/') return AskSocketFile(host, port, until);
+std::optional<ConnectionFailure> ReachabilityOfSocket(const std::string& file,
+                                                      const Deadline& until) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (file.size() >= sizeof address.sun_path) return ConnectionFailure::kHostUnknown;
+  std::memcpy(address.sun_path, file.c_str(), file.size() + 1);
+  return Ask(AF_UNIX, 0, static_cast<const sockaddr*>(static_cast<const void*>(&address)),
+             sizeof address, until);
+}
 
-  const bool bracketed = host.size() >= 2 && host.front() == '[' && host.back() == ']';
-  const std::string name = bracketed ? host.substr(1, host.size() - 2) : host;
+std::optional<ConnectionFailure> ReachabilityOf(const std::string& host, std::int32_t port,
+                                                const Deadline& until) {
+  const std::string name(WithoutBrackets(host));
   addrinfo wanted{};
   wanted.ai_family = AF_UNSPEC;
   wanted.ai_socktype = SOCK_STREAM;

@@ -37,9 +37,13 @@ Meaning Failed(ConnectionFailure code) { return {0, code}; }
                             "\" is not there (odbcinst -q -d lists what is): " + diagnosis.message,
                   diagnosis.state);
   }
-  const auto code = ReachabilityOf(profile.Host, profile.Port, deadline);
-  throw Refused(Failed(code.value_or(ConnectionFailure::kRefusedOrSevered)), diagnosis.message,
-                diagnosis.state);
+  std::optional<ConnectionFailure> code;
+  if (const std::string file = engine.SocketFile(profile); !file.empty()) {
+    code = ReachabilityOfSocket(file, deadline);
+  } else if (!profile.Host.empty()) {
+    code = ReachabilityOf(profile.Host, profile.Port, deadline);
+  }
+  throw Refused(Failed(code.value_or(*meaning.connection)), diagnosis.message, diagnosis.state);
 }
 
 }  // namespace

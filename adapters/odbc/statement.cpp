@@ -28,11 +28,6 @@ std::size_t TextUnits(SQLULEN declared) {
 
 }  // namespace
 
-void CancelPoint::Cancel() noexcept {
-  const std::lock_guard lock(mutex_);
-  if (statement_ != nullptr) SQLCancel(statement_);
-}
-
 void AppendExactNumber(RowBlock& block, std::string_view text) {
   if (text.find('.') != std::string_view::npos &&
       text.find_first_of("eE") == std::string_view::npos) {

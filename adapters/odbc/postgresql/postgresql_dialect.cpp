@@ -344,7 +344,7 @@ std::string CompileForPostgresql(std::string_view statement) {
   RefuseParameters(statement);
   switch (dialect::KindOf(statement)) {
     case StatementKind::kBlock: return CompileBlock(statement);
-    case StatementKind::kTransaction: return {};
+    case StatementKind::kTransaction: dialect::RequireCommit(statement); return {};
     case StatementKind::kCreateRoutine:
       throw SyntaxFailure{900,
                           "stored routines of this server are made in PL/pgSQL, with the server's "

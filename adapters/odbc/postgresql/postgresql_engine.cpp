@@ -54,6 +54,13 @@ class Postgresql final : public Engine {
   [[nodiscard]] std::string ConnectionText(const ConnectionProfile& profile) const override {
     return PostgresqlConnectionText(profile);
   }
+  [[nodiscard]] std::string SocketFile(const ConnectionProfile& profile) const override {
+    // Where Debian's client library looks when it is given no host.
+    constexpr std::string_view kUsualFolder = "/var/run/postgresql";
+    const std::string_view folder = profile.Host.empty() ? kUsualFolder : profile.Host;
+    if (folder.front() != '/') return {};
+    return std::string(folder) + "/.s.PGSQL." + std::to_string(profile.Port);
+  }
   [[nodiscard]] std::vector<std::string> OpeningStatements() const override {
     return {R"sql(DO $$
 BEGIN

@@ -11,7 +11,7 @@ namespace {
 
 // Most specific first: codes, then the classes that start them.
 constexpr StateRow kStates[] = {
-    {"0A000", {3001, {}}},       // not supported
+    {"0A000", {3001, {}}},       // not supported; see NumberByContext
     {"21000", {1427, {}}},       // scalar sub-select with several rows
     {"22001", {12899, {}}},      // too long for its column
     {"22003", {1426, {}}},       // number out of range; see NumberByContext
@@ -164,6 +164,10 @@ std::int32_t NumberByContext(const Diagnosis& diagnosis, Verb verb) {
   // One state for a sequence not yet drawn and for a view that cannot be written to.
   if (diagnosis.state == "55000" && diagnosis.message.find("currval") != std::string::npos) {
     return 8002;
+  }
+  // Where the server's messages are in English; elsewhere it stays "not supported".
+  if (diagnosis.state == "0A000" && diagnosis.message.starts_with("cannot truncate a table")) {
+    return 2266;
   }
   return 0;
 }

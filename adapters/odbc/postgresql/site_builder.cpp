@@ -8,6 +8,12 @@ namespace sabrel::odbc {
 SiteBuilder::SiteBuilder(const ConnectionProfile& profile)
     : link_(std::make_unique<OdbcLink>(ProfileSet(profile), std::make_shared<DatabaseError>(),
                                        Opening::kBare)) {
+  if (EngineForDriver(profile.Driver) != &PostgresqlEngine()) {
+    throw RuntimeError(RuntimeErrorNumber::kInvalidCall,
+                       "The connection profile \"" + profile.Name + "\" has the driver \"" +
+                           profile.Driver +
+                           "\"; a site is made with the ODBC driver of PostgreSQL, or as a file");
+  }
   // One thread's requests follow each other on one connection, so that they share this transaction.
   link_->ExecuteNative("BEGIN");
   for (const std::string_view statement : DictionaryStatements()) link_->ExecuteNative(statement);

@@ -20,8 +20,8 @@ class OdbcLink;
 
 class SiteBuilder {
  public:
-  /// Errors: a connection failure; a database error with native number 955 where the database holds
-  /// a site, 1031 where the user may not make one
+  /// Errors: 5 for a driver that is not PostgreSQL's; a connection failure; a database error with
+  /// native number 955 where the database holds a site, 1031 where the user may not make one
   explicit SiteBuilder(const ConnectionProfile& profile);
   /// Takes back what was not finished.
   ~SiteBuilder();
