@@ -1,6 +1,6 @@
 #include "adapters/console/configured_spreadsheet.h"
 
-#include "adapters/console/access_failure.h"
+#include "sabrel/platform/runtime_error.h"
 
 namespace sabrel {
 namespace {
@@ -19,7 +19,7 @@ class Instance final : public SpreadsheetInstance {
 std::unique_ptr<SpreadsheetInstance> ConfiguredSpreadsheet::CreateInstance(
     std::string_view automation_class) {
   if (version_.empty()) {
-    throw RuntimeError(kCannotCreateObject, "Sabrel",
+    throw RuntimeError(RuntimeErrorNumber::kCannotCreateObject,
                        "The spreadsheet application (" + std::string(automation_class) +
                            ") is not installed; configure its version (for example 12.0) if it "
                            "is");

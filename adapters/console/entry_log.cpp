@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "adapters/console/access_failure.h"
+#include "sabrel/platform/runtime_error.h"
 
 namespace sabrel {
 namespace {
@@ -76,7 +76,7 @@ class EntryLog::Destination {
     } catch (const spdlog::spdlog_ex& failure) {
       sink_.reset();
       throw RuntimeError(
-          kAccessFailure, "Sabrel",
+          RuntimeErrorNumber::kAccessFailure,
           "The log file \"" + options_.path.string() + "\" cannot be written: " + failure.what());
     }
   }

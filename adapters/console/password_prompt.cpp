@@ -111,11 +111,13 @@ std::optional<std::string> PromptOnce(std::string_view prompt, int input, std::F
   const int signal = echo_off.WaitForLine();
   if (signal == SIGTSTP) return std::nullopt;
   if (signal != 0) {
-    throw RuntimeError(kAccessFailure, "Sabrel", "The prompt for a password was interrupted");
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
+                       "The prompt for a password was interrupted");
   }
   auto line = ReadTerminalLine(input);
   if (!line) {
-    throw RuntimeError(kAccessFailure, "Sabrel", "No password was given: the input has ended");
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
+                       "No password was given: the input has ended");
   }
   return line;
 }
@@ -126,7 +128,7 @@ std::string PromptWithoutEcho(std::string_view prompt, int input, std::FILE* out
   static std::mutex one_prompt;
   const std::lock_guard lock(one_prompt);
   if (::isatty(input) != 1) {
-    throw RuntimeError(kAccessFailure, "Sabrel",
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                        "A password cannot be asked for: the input is not a terminal");
   }
   while (true) {

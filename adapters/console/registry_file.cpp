@@ -71,6 +71,8 @@ class Key final : public RegistryKey {
   SharedNode node_;
 };
 
+constexpr std::size_t kLongestFile = std::size_t{64} << 20U;
+
 std::string BytesOf(const std::filesystem::path& path) {
   const std::string what = "The settings file \"" + path.string() + "\" cannot be read";
   const auto close = [](std::FILE* file) { std::fclose(file); };
@@ -80,6 +82,10 @@ std::string BytesOf(const std::filesystem::path& path) {
   std::array<char, 4096> buffer{};
   while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
     bytes.append(buffer.data(), count);
+    if (bytes.size() > kLongestFile) {
+      throw RuntimeError(RuntimeErrorNumber::kInvalidFileFormat,
+                         what + ": it is longer than 64 MiB, which no exported settings are");
+    }
   }
   if (std::ferror(file.get()) != 0) throw AccessFailure(what, errno);
   return bytes;

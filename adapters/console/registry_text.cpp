@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "adapters/console/access_failure.h"
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel {
@@ -53,7 +53,7 @@ class RegistryTextParser {
 
  private:
   [[noreturn]] void FailAt(int line, const std::string& reason) const {
-    throw RuntimeError(kInvalidFileFormat, "Sabrel",
+    throw RuntimeError(RuntimeErrorNumber::kInvalidFileFormat,
                        "The settings file \"" + file_name_ + "\" is not usable, line " +
                            std::to_string(line) + ": " + reason);
   }

@@ -57,7 +57,10 @@ class OverheardRowlink::Ear {
     entry.failure = ConversationFailure{failure.Number(), failure.Source(),
                                         WithoutSecrets(failure.Description()), std::nullopt};
     if (CarriedCode(failure.Number()) == kDatabaseErrorCode) {
-      entry.failure->database = inner_->LastDatabaseError();
+      DatabaseError error = inner_->LastDatabaseError();
+      error.message = WithoutSecrets(error.message);
+      error.detail = WithoutSecrets(error.detail);
+      entry.failure->database = std::move(error);
     }
     Answered(entry);
   }

@@ -12,8 +12,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Entry = ConversationEntry;
 
-constexpr std::int32_t kInvalidFileFormat = 321;
-
 // Text that is not UTF-8 cannot stand in JSON; a number per byte keeps it.
 Json TextToJson(std::string_view text) {
   if (IsValidUtf8(text)) return text;
@@ -218,7 +216,7 @@ std::vector<ConversationEntry> ReadEntries(std::istream& in) {
       const Json json = Json::parse(line);
       ReadAnswer(json, EntryOf(json, entries));
     } catch (const std::exception& reason) {
-      throw RuntimeError(kInvalidFileFormat, "Sabrel",
+      throw RuntimeError(RuntimeErrorNumber::kInvalidFileFormat,
                          "Line " + std::to_string(number) +
                              " is no recorded entry: " + std::string(reason.what()));
     }

@@ -203,7 +203,13 @@ ProfileFile ReadProfileFile(const std::string& path) {
            ". Check its name and permissions.");
   }
   if (S_ISDIR(facts.st_mode)) Refuse("The profile file " + path + " is a folder; name a file.");
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  constexpr std::size_t kLongestFile = std::size_t{1} << 20U;
+  std::string text(kLongestFile + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (text.size() > kLongestFile) {
+    Refuse("The file " + path + " is longer than 1 MiB; name a file of profiles.");
+  }
   if (file.bad()) Refuse("Cannot read the profile file " + path + ".");
   std::vector<ConnectionProfile> profiles = FileReader(path).Read(text);
   const bool has_password = std::any_of(profiles.begin(), profiles.end(),
