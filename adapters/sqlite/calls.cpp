@@ -118,9 +118,7 @@ void Server::RunBlock(std::string_view block) {
         rewritten.kind != dialect::StatementKind::kDelete) {
       throw ServerFailure(6550, "PLS-00103: a block is made of calls, INSERT, UPDATE and DELETE");
     }
-    Statement statement = Prepare(rewritten);
-    while (statement.Step()) {
-    }
+    Prepare(rewritten).RunToEnd();
   }
   transaction.Commit();
 }

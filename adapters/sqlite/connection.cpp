@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "adapters/sqlite/catalogue.h"
+#include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
 #include "sabrel/platform/rowlink.h"
 
@@ -109,6 +110,10 @@ void Connection::Open() {
         return static_cast<Connection*>(self)->WaitForLock(waits) ? 1 : 0;
       },
       this);
+  WatchStatements();
+}
+
+void Connection::WatchStatements() noexcept {
   sqlite3_progress_handler(
       handle_, kOperationsBetweenChecks,
       [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
@@ -136,6 +141,10 @@ void Connection::Configure(Durability durability) {
 }
 
 Statement Connection::Prepare(std::string_view sql, Verb verb) {
+  if (verb != Verb::kOther) {
+    last_change_ = verb;
+    last_update_ = verb == Verb::kUpdate ? sql : std::string_view();
+  }
   if (const auto found = kept_by_text_.find(sql); found != kept_by_text_.end()) {
     const auto entry = found->second;
     kept_by_text_.erase(found);
@@ -237,7 +246,12 @@ void Connection::Fail(int code, sqlite3_stmt* handle, Verb verb) {
 }
 
 Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
-  if (verb != Verb::kUpdate || handle == nullptr) return verb;
+  const char* sql = sqlite3_sql(handle);
+  if (verb == Verb::kOther) {  // a COMMIT: keys that are checked at the end
+    verb = last_change_;
+    sql = last_update_.c_str();
+  }
+  if (verb != Verb::kUpdate || sql == nullptr) return verb;
   // Which columns the statement sets is known to the engine's compiler alone, which tells its
   // authorizer.
   struct Seen {
@@ -255,7 +269,7 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
       },
       &seen);
   sqlite3_stmt* again = nullptr;
-  sqlite3_prepare_v2(handle_, sqlite3_sql(handle), -1, &again, nullptr);
+  sqlite3_prepare_v2(handle_, sql, -1, &again, nullptr);
   sqlite3_finalize(again);
   sqlite3_set_authorizer(handle_, nullptr, nullptr);
   for (const auto& [table, column] : seen.columns) {
@@ -280,9 +294,7 @@ void Connection::RollBack() noexcept {
   for (int attempt = 0; attempt < 3 && InTransaction(); ++attempt) {
     sqlite3_progress_handler(handle_, 0, nullptr, nullptr);
     sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_progress_handler(
-        handle_, kOperationsBetweenChecks,
-        [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
+    WatchStatements();
   }
   broken_ = broken_ || InTransaction();
 }
@@ -308,6 +320,7 @@ Transaction::Transaction(Connection& connection, Kind kind) : connection_(&conne
 
 Transaction::~Transaction() {
   if (connection_->InTransaction()) connection_->RollBack();
+  connection_->last_change_ = Verb::kOther;
 }
 
 void Transaction::Commit() {

@@ -1,4 +1,4 @@
-// One connection of the engine to one file, and its prepared statements.
+// One connection of the engine to one file.
 //
 // Every call of the engine goes through here: its result code is checked in one place
 // (Connection::Fail), time-outs and cancelling reach every running statement, and prepared
@@ -18,9 +18,8 @@
 #include <vector>
 
 #include "adapters/shared/deadline.h"
-#include "adapters/sqlite/error_table.h"
-#include "adapters/sqlite/value.h"
-#include "sabrel/platform/row_block.h"
+#include "adapters/shared/verb.h"
+#include "adapters/sqlite/statement.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -45,40 +44,6 @@ class StopSwitch {
   friend class Operation;
   std::mutex mutex_;
   std::vector<Connection*> connections_;
-};
-
-/// A prepared statement while it is used; goes back to its connection's cache when it is done with.
-class Statement {
- public:
-  Statement(Connection& connection, sqlite3_stmt* handle, std::string key, Verb verb);
-  ~Statement();
-  Statement(Statement&& other) noexcept;
-  Statement& operator=(Statement&&) = delete;
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-
-  /// 1-based.
-  void Bind(int index, const Value& value);
-  void Bind(int index, std::string_view text);
-  void Bind(int index, std::int64_t number);
-  /// Moves to the next row; false at the end. Errors: the statement's
-  bool Step();
-  /// Ends the run; bound values stay.
-  void Reset() noexcept;
-  [[nodiscard]] int Parameters() const noexcept;
-  [[nodiscard]] int Columns() const noexcept;
-  [[nodiscard]] std::string_view ColumnName(int column) const;
-  [[nodiscard]] Value Column(int column) const;
-  [[nodiscard]] bool IsReadOnly() const noexcept;
-  /// Appends the current row.
-  void AppendRow(RowBlock& block) const;
-
- private:
-  void AppendCell(RowBlock& block, int column) const;
-  Connection* connection_;
-  sqlite3_stmt* handle_;
-  std::string key_;  // empty: not kept
-  Verb verb_;
 };
 
 class Connection {
@@ -124,9 +89,12 @@ class Connection {
   friend class Statement;
   friend class Operation;
   friend class StopSwitch;
+  friend class Transaction;
 
   void Open();
   void Configure(Durability durability);
+  /// Makes the engine ask MustStop while a statement runs.
+  void WatchStatements() noexcept;
   void KeepStatement(std::string key, sqlite3_stmt* handle) noexcept;
   [[nodiscard]] bool MustStop() const noexcept;
   [[nodiscard]] bool WaitForLock(int waits) noexcept;
@@ -142,6 +110,9 @@ class Connection {
   std::list<Kept> kept_;  // last used first
   std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;
   std::exception_ptr kept_failure_;
+  // Of the open transaction; the text of an UPDATE tells what it sets.
+  Verb last_change_ = Verb::kOther;
+  std::string last_update_;
   Deadline deadline_;
   std::chrono::steady_clock::time_point wait_started_;
   std::atomic<bool> running_ = false;

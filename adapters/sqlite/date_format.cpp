@@ -48,6 +48,4 @@ Element TakeElement(std::string_view& format) {
   return element;
 }
 
-/// Reads what TO_DATE takes.
-
 }  // namespace sabrel::sqlite

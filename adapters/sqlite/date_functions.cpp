@@ -24,7 +24,7 @@ std::string MomentFrom(const Value& value) {
 }
 
 Value ToDate(Arguments a, void*) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  if (HasNull(a)) return {};
   if (IsDate(a[0])) return a[0];
   return DateValue(
       ParseMoment(TextOf(a[0]), a.size() > 1 ? std::string_view(a[1].text) : kDefaultDateFormat));
@@ -140,12 +140,9 @@ std::string FormatNumber(const Value& number, std::string_view model) {
 }
 
 Value ToChar(Arguments a, void*) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
-  if (IsDate(a[0])) {
-    return TextValue(
-        FormatMoment(a[0].text, a.size() > 1 ? std::string_view(a[1].text) : kDefaultDateFormat));
-  }
-  if (a.size() < 2) return TextValue(TextOf(a[0]));
+  if (HasNull(a)) return {};
+  if (a.size() < 2) return TextValue(PlainTextOf(a[0]));
+  if (IsDate(a[0])) return TextValue(FormatMoment(a[0].text, a[1].text));
   return TextValue(FormatNumber(NumberOf(a[0]), TextOf(a[1])));
 }
 
@@ -159,7 +156,7 @@ std::int64_t PowerOfTen(std::int64_t exponent) {
 }
 
 Value Trunc(Arguments a, void*) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  if (HasNull(a)) return {};
   if (IsDate(a[0]) || (a.size() > 1 && a[1].kind == Value::Kind::kText)) {
     return DateValue(TruncateMoment(MomentFrom(a[0]), a.size() > 1 ? TextOf(a[1]) : "DD"));
   }
@@ -182,36 +179,18 @@ Value Trunc(Arguments a, void*) {
 }
 
 Value Round(Arguments a, void*) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  if (HasNull(a)) return {};
   if (IsDate(a[0])) {
     if (a.size() > 1) throw ServerFailure(1898, "ROUND of a date takes no unit here");
     return DateValue(TruncateMoment(MoveMoment(a[0].text, kSecondsPerDay / 2), "DD"));
   }
-  const std::int64_t digits = a.size() > 1 ? WholeOf(a[1]) : 0;
-  const Value number = NumberOf(a[0]);
-  if ((number.kind == Value::Kind::kInteger && digits >= 0) || digits > 15) return number;
-  if (digits < -18) return IntegerValue(0);
-  if (number.kind == Value::Kind::kInteger) {
-    const std::int64_t unit = PowerOfTen(-digits);
-    const std::int64_t rest = number.integer % unit;
-    std::int64_t rounded = number.integer - rest;
-    const bool goes_away = std::llabs(rest) >= unit / 2;
-    const std::int64_t step = goes_away ? (rest < 0 ? -unit : unit) : 0;
-    if (!__builtin_add_overflow(rounded, step, &rounded)) return IntegerValue(rounded);
-    return RealValue(static_cast<double>(number.integer - rest) + static_cast<double>(step));
-  }
-  const double scale = std::pow(10.0, static_cast<double>(std::llabs(digits)));
-  const double product = digits < 0 ? RealOf(number) / scale : RealOf(number) * scale;
-  if (std::fabs(product) >= kAllDigitsCount) return number;
-  // 2.675 * 100 is 267.49999999999997: the digits count.
-  const double rounded = std::round(product * (1.0 + 1e-15));
-  return Tidy(digits < 0 ? rounded * scale : rounded / scale);
+  return RoundedTo(NumberOf(a[0]), a.size() > 1 ? WholeOf(a[1]) : 0);
 }
 
 Value SystemDate(Arguments, void*) { return DateValue(Now()); }
 
 Value AddMonthsTo(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   const std::int64_t months = WholeOf(a[1]);
   if (std::llabs(months) > 200000) {
     throw ServerFailure(1841, "(full) year must be between 100 and 9999");
@@ -224,7 +203,7 @@ Value LastDayOf(Arguments a, void*) {
 }
 
 Value MonthsBetweenDates(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   return Tidy(MonthsBetween(MomentFrom(a[0]), MomentFrom(a[1])));
 }
 
@@ -243,14 +222,14 @@ Value Sum(const Value& left, const Value& right, int sign) {
 
 Value Add(Arguments a, void*) {
   if (IsDate(a[0]) && IsDate(a[1])) throw ServerFailure(975, "date + date not allowed");
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   if (IsDate(a[0])) return DateValue(MoveMoment(a[0].text, RealOf(a[1]) * kSecondsPerDay));
   if (IsDate(a[1])) return DateValue(MoveMoment(a[1].text, RealOf(a[0]) * kSecondsPerDay));
   return Sum(a[0], a[1], 1);
 }
 
 Value Subtract(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   if (IsDate(a[0]) && IsDate(a[1])) {
     return RealValue(SecondsBetween(a[1].text, a[0].text) / kSecondsPerDay);
   }
@@ -265,7 +244,7 @@ Value Subtract(Arguments a, void*) {
 }
 
 Value Divide(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   const Value dividend = NumberOf(a[0]);
   const Value divisor = NumberOf(a[1]);
   if (RealOf(divisor) == 0.0) throw ServerFailure(1476, "divisor is equal to zero");
@@ -276,15 +255,6 @@ Value Divide(Arguments a, void*) {
     return IntegerValue(dividend.integer / divisor.integer);
   }
   return Tidy(RealOf(dividend) / RealOf(divisor));
-}
-
-Value Concatenate(Arguments a, void*) {
-  std::string text;
-  for (const Value& part : a) {
-    text += TextOf(part);
-    RequireLength(text.size());
-  }
-  return TextValue(text);
 }
 
 template <Value (*kStep)(Arguments, void*)>
@@ -309,11 +279,33 @@ constexpr SqlFunction kFunctions[] = {
     {"SABREL_ADD", 2, -1, true, Chain<Add>},
     {"SABREL_SUB", 2, -1, true, Chain<Subtract>},
     {"SABREL_DIV", 2, 2, true, Divide},
-    {"SABREL_CONCAT", 2, -1, true, Concatenate},
-    {"CONCAT", 2, 2, true, Concatenate},
 };
 
 }  // namespace
+
+std::string PlainTextOf(const Value& value) {
+  return IsDate(value) ? FormatMoment(value.text, kDefaultDateFormat) : TextOf(value);
+}
+
+Value RoundedTo(const Value& number, std::int64_t digits) {
+  if ((number.kind == Value::Kind::kInteger && digits >= 0) || digits > 15) return number;
+  if (digits < -18) return IntegerValue(0);
+  if (number.kind == Value::Kind::kInteger) {
+    const std::int64_t unit = PowerOfTen(-digits);
+    const std::int64_t rest = number.integer % unit;
+    std::int64_t rounded = number.integer - rest;
+    const bool goes_away = std::llabs(rest) >= unit / 2;
+    const std::int64_t step = goes_away ? (rest < 0 ? -unit : unit) : 0;
+    if (!__builtin_add_overflow(rounded, step, &rounded)) return IntegerValue(rounded);
+    return RealValue(static_cast<double>(number.integer - rest) + static_cast<double>(step));
+  }
+  const double scale = std::pow(10.0, static_cast<double>(std::llabs(digits)));
+  const double product = digits < 0 ? RealOf(number) / scale : RealOf(number) * scale;
+  if (std::fabs(product) >= kAllDigitsCount) return number;
+  // 2.675 * 100 is 267.49999999999997: the digits count.
+  const double rounded = std::round(product * (1.0 + 1e-15));
+  return Tidy(digits < 0 ? rounded * scale : rounded / scale);
+}
 
 void RegisterDateFunctions(Connection& connection) {
   for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);

@@ -2,8 +2,10 @@
 #include <utility>
 
 #include "adapters/shared/dialect/token.h"
+#include "adapters/shared/number_type.h"
 #include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
+#include "adapters/sqlite/query_table.h"
 #include "adapters/sqlite/rounding.h"
 #include "adapters/sqlite/server.h"
 #include "sabrel/platform/utf8.h"
@@ -41,19 +43,20 @@ std::string ChecksOf(const ColumnDefinition& column) {
     }
     return checks;
   }
-  if (IsOneOf(column.type, {"NUMBER", "INTEGER", "INT", "SMALLINT", "DECIMAL", "NUMERIC", "FLOAT",
-                            "REAL", "DOUBLE PRECISION", "BINARY_DOUBLE", "BINARY_FLOAT"})) {
+  if (IsNumberType(column.type)) {
     // Not IN of the three kinds that are left: the engine builds a table of more than two values,
     // anew for each row that a trigger writes.
     std::string checks = Check(kNoDateCheck, label, "typeof(" + name + ") <> 'blob'") +
                          Check(kNumberCheck, label, "typeof(" + name + ") <> 'text'");
-    const bool has_precision = IsOneOf(column.type, {"NUMBER", "DECIMAL", "NUMERIC"});
+    const bool has_precision = IsOneOf(column.type, {"NUMBER", "DECIMAL", "DEC", "NUMERIC"});
     if (has_precision && column.width) {
       // What is written is rounded behind this check.
       const std::int64_t scale = column.scale.value_or(0);
       checks += Check(kPrecisionCheck, label,
                       "abs(round(" + name + "," + std::to_string(scale) + ")) < 1e" +
                           std::to_string(*column.width - scale));
+    } else {
+      checks += Check(kOverflowCheck, label, name + " BETWEEN -1e308 AND 1e308");
     }
     return checks;
   }
@@ -118,19 +121,42 @@ void RequireFreeName(Connection& engine, std::string_view name, const std::strin
   throw ServerFailure(955, "name is already used by an existing object: " + std::string(name));
 }
 
-/// What CREATE TABLE names, without its owner.
-std::string CreatedName(std::string_view statement) {
+/// What CREATE TABLE names, without its owner, and the query that the table is made of, if any.
+struct NewTable {
+  std::string name;
+  std::string_view head;  // up to the query's AS
+  std::string_view query;
+};
+
+NewTable PartsOf(std::string_view statement) {
   const std::vector<Token> tokens = dialect::Tokenize(statement);
   std::size_t name = 2;
   while (name + 2 < tokens.size() && tokens[name + 1].symbol == '.') name += 2;
-  return name < tokens.size() ? dialect::ValueOfName(statement, tokens[name]) : std::string();
+  if (name + 2 >= tokens.size()) return {};
+  NewTable table{dialect::ValueOfName(statement, tokens[name]), {}, {}};
+  if (tokens[name + 1].word != Word::kAs) return table;
+  table.head = statement.substr(0, tokens[name].end);
+  table.query = statement.substr(tokens[name + 2].begin);
+  return table;
+}
+
+/// CREATE TABLE with the columns of the query. Finding them must not draw the sequences: the query
+/// runs once more.
+std::string WithColumns(Server& server, const NewTable& table) {
+  server.Engine().Run("SAVEPOINT sabrel_columns");
+  std::string columns = ColumnsFor(server, table.query);
+  server.Engine().Run("ROLLBACK TO sabrel_columns; RELEASE sabrel_columns");
+  return std::string(table.head) + " " + columns;
 }
 
 void CreateTable(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
   static_cast<void>(server.Compile(statement));
-  RequireFreeName(engine, CreatedName(statement));
-  const std::string text = server.CompileOwn(WithChecks(statement)).text;
+  const NewTable parts = PartsOf(statement);
+  RequireFreeName(engine, parts.name);
+  const std::string listed = parts.query.empty() ? "" : WithColumns(server, parts);
+  const std::string text =
+      server.CompileOwn(WithChecks(parts.query.empty() ? statement : listed)).text;
   engine.Run(text.c_str());
   const std::string table = CreatedTable(engine);
   std::int64_t key_columns = 0;
@@ -147,6 +173,9 @@ void CreateTable(Server& server, std::string_view statement) {
   }
   RequireParents(engine, table);
   AddRounding(engine, table);
+  if (parts.query.empty()) return;
+  const std::string fill = "INSERT INTO " + QuotedName(parts.name) + " ";
+  server.Prepare(server.Compile(fill + std::string(parts.query))).RunToEnd();
 }
 
 bool IsWord(std::string_view text, const Token& token, std::string_view word) {
@@ -182,15 +211,16 @@ void RequireOwnObject(std::string_view statement) {
   if (dot != std::string::npos) throw ServerFailure(942, "table or view does not exist: " + name);
 }
 
-/// Refuses to take a table away from under those that refer to it.
-void RequireUnreferenced(Connection& engine, std::string_view table) {
+/// Refuses to take a table, or its rows, away from under those that refer to it.
+void RequireUnreferenced(Connection& engine, std::string_view table, std::int32_t native_number) {
   Statement child = engine.Prepare(
       "SELECT r.name FROM sqlite_schema r JOIN pragma_foreign_key_list(r.name) k"
       " WHERE r.type = 'table' AND UPPER(k.\"table\") = ?1 AND UPPER(r.name) <> ?1");
   child.Bind(1, table);
   if (!child.Step()) return;
-  throw ServerFailure(
-      2449, "unique/primary keys in table referenced by foreign keys of " + child.Column(0).text);
+  const std::string name = child.Column(0).text;
+  throw ServerFailure(native_number, "unique/primary keys in table referenced by foreign keys of " +
+                                         name + (native_number == 2449 ? "; drop it first" : ""));
 }
 
 void DefineOther(Server& server, std::string_view statement) {
@@ -204,18 +234,15 @@ void DefineOther(Server& server, std::string_view statement) {
   };
   if (is(0, "DROP")) RequireOwnObject(statement);
   std::string text = server.Compile(statement).text;
-  if (is(0, "DROP") && is(1, "TABLE") && !is(3, "CASCADE")) RequireUnreferenced(engine, name(2));
+  if (is(0, "DROP") && is(1, "TABLE")) RequireUnreferenced(engine, name(2), 2449);
+  if (is(0, "TRUNCATE")) RequireUnreferenced(engine, name(2), 2266);
   if (is(0, "CREATE") && is(1, "VIEW")) RequireFreeName(engine, name(2));
   const bool alters = is(0, "ALTER") && is(1, "TABLE");
   if (alters) {
     text = WithColumnChecks(text);
     DropRounding(engine, name(2));
   }
-  {
-    Statement define = engine.Prepare(text);
-    while (define.Step()) {
-    }
-  }
+  engine.Prepare(text).RunToEnd();
   if (!alters) return;
   const std::string table = is(3, "RENAME") && is(4, "TO") ? name(5) : name(2);
   RequireParents(engine, table);

@@ -8,25 +8,13 @@
 namespace sabrel::sqlite {
 namespace {
 
-bool IsNumber(const Value& value) {
-  return value.kind == Value::Kind::kInteger || value.kind == Value::Kind::kReal;
-}
-
-template <typename T>
-Value Sign(const T& a, const T& b) {
+Value Sign(const std::string& a, const std::string& b) {
   return IntegerValue(a < b ? -1 : (b < a ? 1 : 0));
 }
 
 Value Compare(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
-  if (IsNumber(a[0]) || IsNumber(a[1])) {
-    const Value left = NumberOf(a[0]);
-    const Value right = NumberOf(a[1]);
-    if (left.kind == Value::Kind::kInteger && right.kind == Value::Kind::kInteger) {
-      return Sign(left.integer, right.integer);
-    }
-    return Sign(RealOf(left), RealOf(right));
-  }
+  if (HasNull(a)) return {};
+  if (a[0].IsNumber() || a[1].IsNumber()) return IntegerValue(OrderOfNumbers(a[0], a[1]));
   const bool has_date = a[0].kind == Value::Kind::kDate || a[1].kind == Value::Kind::kDate;
   if (has_date) return Sign(CoerceTo("DATE", a[0]).text, CoerceTo("DATE", a[1]).text);
   return Sign(a[0].text, a[1].text);

@@ -4,9 +4,6 @@
 
 #include <charconv>
 
-#include "adapters/shared/oracle_prefix.h"
-#include "adapters/sqlite/failure.h"
-
 namespace sabrel::sqlite {
 namespace {
 
@@ -30,17 +27,21 @@ constexpr Row kRows[] = {
     {SQLITE_CONSTRAINT_ROWID, "", 1, "unique constraint violated"},
     {SQLITE_CONSTRAINT_NOTNULL, "NOT NULL constraint failed: ", 1400,
      "cannot insert NULL into ($)"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel width ", 12899, "value too large for column $"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel text ", 932, "inconsistent datatypes: text due in $"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel nodate ", 932,
+    {SQLITE_CONSTRAINT_CHECK, kWidthCheck, 12899, "value too large for column $"},
+    {SQLITE_CONSTRAINT_CHECK, kTextCheck, 932, "inconsistent datatypes: text due in $"},
+    {SQLITE_CONSTRAINT_CHECK, kNoDateCheck, 932,
      "inconsistent datatypes: expected NUMBER got DATE for column $"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel number ", 1722, "invalid number for column $"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel precision ", 1438,
+    {SQLITE_CONSTRAINT_CHECK, kNumberCheck, 1722, "invalid number for column $"},
+    {SQLITE_CONSTRAINT_CHECK, kPrecisionCheck, 1438,
      "value larger than specified precision allowed for column $"},
-    {SQLITE_CONSTRAINT_CHECK, "failed: sabrel date ", 1861,
+    {SQLITE_CONSTRAINT_CHECK, kOverflowCheck, 1426, "numeric overflow for column $"},
+    {SQLITE_CONSTRAINT_CHECK, kDateCheck, 1861,
      "literal does not match format string: no date for column $"},
     {SQLITE_CONSTRAINT_CHECK, "failed: ", 2290, "check constraint ($) violated"},
     {SQLITE_CONSTRAINT_DATATYPE, "", 1722, "invalid number"},
+    // ON DELETE RESTRICT, which is the parent's.
+    {SQLITE_CONSTRAINT_TRIGGER, "FOREIGN KEY constraint failed", 2292,
+     "integrity constraint violated - child record found"},
     {SQLITE_CONSTRAINT_TRIGGER, "", 20000, "$"},
     {SQLITE_CONSTRAINT, "", 2290, "constraint violated"},
     {SQLITE_MISMATCH, "", 1722, "invalid number"},
@@ -49,7 +50,9 @@ constexpr Row kRows[] = {
     {SQLITE_FULL, "", 1653, "unable to extend the file: the disk is full"},
     {SQLITE_CORRUPT, "", 1578, "the file is damaged"},
     {SQLITE_NOTADB, "", 1578, "the file is not a database"},
-    {SQLITE_READONLY, "", 16000, "the file is open for read-only access"},
+    {SQLITE_READONLY, "", 16000,
+     "the file is open for read-only access: changes want a writable file, and reading, too, a "
+     "writable folder"},
     {SQLITE_CANTOPEN, "", 1157, "cannot open the file"},
     {SQLITE_IOERR_NOMEM, "", 4030, "out of process memory"},
     {SQLITE_IOERR, "", 1115, "I/O error on the file"},
@@ -133,11 +136,6 @@ std::string Filled(std::string_view message, std::string_view rest) {
 
 }  // namespace
 
-ServerFailure::ServerFailure(std::int32_t native_number, const std::string& message,
-                             std::string detail)
-    : error_{native_number, "Embedded Data Server", "", OraclePrefix(native_number) + message,
-             std::move(detail)} {}
-
 NativeError NativeErrorOf(int code, std::string_view text, Verb verb) {
   if (code == SQLITE_CONSTRAINT_FOREIGNKEY) return ForeignKeyError(verb);
   NativeError error;
@@ -149,7 +147,8 @@ NativeError NativeErrorOf(int code, std::string_view text, Verb verb) {
     if (at == std::string_view::npos) continue;
     error.number = row.number;
     error.message = Filled(row.message, text.substr(at + row.needle.size()));
-    if (error.number == 1400 && (verb == Verb::kUpdate || verb == Verb::kUpdateOfReference)) {
+    const bool is_update = verb == Verb::kUpdate || verb == Verb::kUpdateOfReference;
+    if (error.number == 1400 && (is_update || verb == Verb::kDelete)) {  // ON DELETE SET NULL
       error.number = 1407;
       error.message = Filled("cannot update ($) to NULL", text.substr(at + row.needle.size()));
     }

@@ -28,6 +28,7 @@ inline constexpr std::string_view kTextCheck = "sabrel text ";
 inline constexpr std::string_view kNumberCheck = "sabrel number ";
 inline constexpr std::string_view kNoDateCheck = "sabrel nodate ";
 inline constexpr std::string_view kPrecisionCheck = "sabrel precision ";
+inline constexpr std::string_view kOverflowCheck = "sabrel overflow ";
 inline constexpr std::string_view kDateCheck = "sabrel date ";
 
 }  // namespace sabrel::sqlite

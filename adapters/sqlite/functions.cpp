@@ -9,7 +9,6 @@
 
 #include "adapters/sqlite/dialect_support.h"
 #include "adapters/sqlite/failure.h"
-#include "sabrel/platform/utf8.h"
 
 namespace sabrel::sqlite {
 namespace {
@@ -29,7 +28,11 @@ Value ArgumentOf(sqlite3_value* value) {
   };
   switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER: return IntegerValue(sqlite3_value_int64(value));
-    case SQLITE_FLOAT: return RealValue(sqlite3_value_double(value));
+    case SQLITE_FLOAT: {
+      const double number = sqlite3_value_double(value);
+      RequireFinite(number);
+      return RealValue(number);
+    }
     case SQLITE_TEXT: return TextValue(bytes(sqlite3_value_text(value)));
     case SQLITE_BLOB: {
       const std::string_view moment = bytes(sqlite3_value_blob(value));
@@ -44,7 +47,10 @@ void Answer(sqlite3_context* context, const Value& value) {
   switch (value.kind) {
     case Value::Kind::kNull: sqlite3_result_null(context); return;
     case Value::Kind::kInteger: sqlite3_result_int64(context, value.integer); return;
-    case Value::Kind::kReal: sqlite3_result_double(context, value.real); return;
+    case Value::Kind::kReal:
+      RequireFinite(value.real);
+      sqlite3_result_double(context, value.real);
+      return;
     case Value::Kind::kText:
       sqlite3_result_text64(context, value.text.data(), value.text.size(), SQLITE_TRANSIENT,
                             SQLITE_UTF8);
@@ -77,25 +83,9 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
 Value Nvl(Arguments a, void*) { return a[0].IsNull() ? a[1] : a[0]; }
 Value Nvl2(Arguments a, void*) { return a[0].IsNull() ? a[2] : a[1]; }
 
-bool IsNumber(const Value& value) {
-  return value.kind == Value::Kind::kInteger || value.kind == Value::Kind::kReal;
-}
-
-/// -1, 0 or 1 as the number `a` is below, equal to or above `b`.
-int OrderOfNumbers(const Value& a, const Value& b) {
-  const Value x = NumberOf(a);
-  const Value y = NumberOf(b);
-  if (x.kind == Value::Kind::kInteger && y.kind == Value::Kind::kInteger) {
-    return x.integer < y.integer ? -1 : (x.integer > y.integer ? 1 : 0);
-  }
-  const double left = RealOf(x);
-  const double right = RealOf(y);
-  return left < right ? -1 : (left > right ? 1 : 0);
-}
-
 bool SameValue(const Value& a, const Value& b) {
   if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
-  return IsNumber(a) || IsNumber(b) ? OrderOfNumbers(a, b) == 0 : a.text == b.text;
+  return a.IsNumber() || b.IsNumber() ? OrderOfNumbers(a, b) == 0 : a.text == b.text;
 }
 
 Value Decode(Arguments a, void*) {
@@ -105,129 +95,8 @@ Value Decode(Arguments a, void*) {
   return a.size() % 2 == 0 ? a.back() : Value{};
 }
 
-Value Upper(Arguments a, void*) { return TextValue(UpperCase(TextOf(a[0]))); }
-Value Lower(Arguments a, void*) { return TextValue(LowerCase(TextOf(a[0]))); }
-
-Value Substr(Arguments a, void*) {
-  if (std::any_of(a.begin(), a.end(), [](const Value& v) { return v.IsNull(); })) return {};
-  const std::string text = TextOf(a[0]);
-  const auto characters = static_cast<std::int64_t>(CharacterCount(text));
-  std::int64_t start = WholeOf(a[1]);
-  if (start == 0) start = 1;
-  if (start < 0) start += characters + 1;
-  if (start < 1 || start > characters) return {};
-  const std::int64_t length = a.size() > 2 ? WholeOf(a[2]) : characters;
-  if (length < 1) return {};
-  std::string_view rest(text);
-  rest.remove_prefix(ByteLengthOf(rest, static_cast<std::size_t>(start - 1)));
-  return TextValue(rest.substr(0, ByteLengthOf(rest, static_cast<std::size_t>(length))));
-}
-
-/// Offsets of `part` in `text`, overlapping ones too. Cost: linear, whatever the texts
-std::vector<std::size_t> OffsetsOf(std::string_view part, std::string_view text) {
-  // How much of `part` still fits where its character behind `i` others does not.
-  std::vector<std::size_t> fallback(part.size(), 0);
-  for (std::size_t i = 1, fits = 0; i < part.size(); ++i) {
-    while (fits > 0 && part[i] != part[fits]) fits = fallback[fits - 1];
-    if (part[i] == part[fits]) ++fits;
-    fallback[i] = fits;
-  }
-  std::vector<std::size_t> offsets;
-  for (std::size_t i = 0, fits = 0; i < text.size(); ++i) {
-    while (fits > 0 && text[i] != part[fits]) fits = fallback[fits - 1];
-    if (text[i] == part[fits]) ++fits;
-    if (fits < part.size()) continue;
-    offsets.push_back(i + 1 - fits);
-    fits = fallback[fits - 1];
-  }
-  return offsets;
-}
-
-/// INSTR(text, part[, start[, occurrence]]); a negative start searches backwards from the end.
-Value Instr(Arguments a, void*) {
-  if (std::any_of(a.begin(), a.end(), [](const Value& v) { return v.IsNull(); })) return {};
-  const std::string text = TextOf(a[0]);
-  const std::string part = TextOf(a[1]);
-  const auto characters = static_cast<std::int64_t>(CharacterCount(text));
-  const std::int64_t start = a.size() > 2 ? WholeOf(a[2]) : 1;
-  const std::int64_t occurrence = a.size() > 3 ? WholeOf(a[3]) : 1;
-  if (occurrence < 1) throw ServerFailure(1428, "argument is out of range");
-  if (start == 0 || start > characters || start < -characters) return IntegerValue(0);
-  const std::vector<std::size_t> offsets = OffsetsOf(part, text);
-  const std::int64_t first = start > 0 ? start - 1 : characters + start;
-  const std::size_t from = ByteLengthOf(text, static_cast<std::size_t>(first));
-  const auto bound = start > 0 ? std::lower_bound(offsets.begin(), offsets.end(), from)
-                               : std::upper_bound(offsets.begin(), offsets.end(), from);
-  const std::int64_t there = start > 0 ? offsets.end() - bound : bound - offsets.begin();
-  if (occurrence > there) return IntegerValue(0);
-  const std::size_t found = start > 0 ? bound[occurrence - 1] : bound[-occurrence];
-  return IntegerValue(
-      static_cast<std::int64_t>(CharacterCount(std::string_view(text).substr(0, found))) + 1);
-}
-
-Value Replace(Arguments a, void*) {
-  const std::string text = TextOf(a[0]);
-  const std::string from = TextOf(a[1]);
-  const std::string to = a.size() > 2 ? TextOf(a[2]) : "";
-  if (from.empty()) return TextValue(text);
-  std::string replaced;
-  std::size_t copied = 0;
-  for (const std::size_t found : OffsetsOf(from, text)) {
-    if (found < copied) continue;
-    replaced.append(text, copied, found - copied).append(to);
-    copied = found + from.size();
-    RequireLength(replaced.size());
-  }
-  return TextValue(replaced.append(text, copied));
-}
-
-/// Characters of `set` are taken off the sides of the text that `at_left` and `at_right` name.
-Value Trimmed(Arguments a, bool at_left, bool at_right) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
-  const std::string text = TextOf(a[0]);
-  const std::string set = a.size() > 1 ? TextOf(a[1]) : " ";
-  std::string_view rest(text);
-  const auto is_in_set = [&set](std::string_view character) {
-    return set.find(character) != std::string::npos;
-  };
-  while (at_left && !rest.empty() && is_in_set(rest.substr(0, FirstCharacterLength(rest)))) {
-    rest.remove_prefix(FirstCharacterLength(rest));
-  }
-  while (at_right && !rest.empty()) {
-    std::size_t last = rest.size() - 1;
-    while (last > 0 && (static_cast<unsigned char>(rest[last]) & 0xC0U) == 0x80U) --last;
-    if (!is_in_set(rest.substr(last))) break;
-    rest.remove_suffix(rest.size() - last);
-  }
-  return TextValue(rest);
-}
-
-Value Trim(Arguments a, void*) { return Trimmed(a, true, true); }
-Value LeftTrim(Arguments a, void*) { return Trimmed(a, true, false); }
-Value RightTrim(Arguments a, void*) { return Trimmed(a, false, true); }
-
-Value Pad(Arguments a, bool at_left) {
-  if (a[0].IsNull() || a[1].IsNull() || (a.size() > 2 && a[2].IsNull())) return {};
-  const std::string text = TextOf(a[0]);
-  const std::string filler = a.size() > 2 ? TextOf(a[2]) : " ";
-  const std::int64_t wanted = std::min<std::int64_t>(WholeOf(a[1]), 32767);
-  if (wanted < 1) return {};
-  const auto width = static_cast<std::size_t>(wanted);
-  const std::size_t characters = CharacterCount(text);
-  if (characters >= width) return TextValue(text.substr(0, ByteLengthOf(text, width)));
-  std::string padding;
-  const std::size_t filler_width = CharacterCount(filler);
-  std::size_t missing = width - characters;
-  for (; missing >= filler_width; missing -= filler_width) padding += filler;
-  padding += filler.substr(0, ByteLengthOf(filler, missing));
-  return TextValue(at_left ? padding + text : text + padding);
-}
-
-Value LeftPad(Arguments a, void*) { return Pad(a, true); }
-Value RightPad(Arguments a, void*) { return Pad(a, false); }
-
 Value Mod(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   const Value number = NumberOf(a[0]);
   const Value divisor = NumberOf(a[1]);
   if (RealOf(divisor) == 0.0) return number;
@@ -255,12 +124,27 @@ Value Sqrt(Arguments a, void*) {
   return Tidy(std::sqrt(number));
 }
 
-Value Ln(Arguments a, void*) {
-  if (a[0].IsNull()) return {};
-  const double number = RealOf(a[0]);
+double Logarithm(const Value& value) {
+  const double number = RealOf(value);
   if (!(number > 0)) throw ServerFailure(1428, "argument is out of range");
-  return Tidy(std::log(number));
+  return std::log(number);
 }
+
+Value Ln(Arguments a, void*) { return a[0].IsNull() ? Value{} : Tidy(Logarithm(a[0])); }
+
+Value Log(Arguments a, void*) {
+  // With one argument the engine's own would answer.
+  if (a.size() < 2) throw ServerFailure(938, "not enough arguments for function");
+  if (HasNull(a)) return {};
+  const double base = Logarithm(a[0]);
+  if (base == 0.0) throw ServerFailure(1428, "argument is out of range: 1 is no base");
+  const double power = Logarithm(a[1]) / base;
+  // LOG(10, 1000) is 3, whatever the last digit of the quotient.
+  const double nearest = std::round(power);
+  return Tidy(std::fabs(power - nearest) <= std::fabs(nearest) * 1e-15 ? nearest : power);
+}
+
+Value Exp(Arguments a, void*) { return a[0].IsNull() ? Value{} : Tidy(std::exp(RealOf(a[0]))); }
 
 /// `number` by `round`, a whole one as it is.
 Value Whole(const Value& number, double (*round)(double)) {
@@ -271,18 +155,18 @@ Value Whole(const Value& number, double (*round)(double)) {
 Value Ceil(Arguments a, void*) { return Whole(a[0], std::ceil); }
 Value Floor(Arguments a, void*) { return Whole(a[0], std::floor); }
 Value Power(Arguments a, void*) {
-  if (a[0].IsNull() || a[1].IsNull()) return {};
+  if (HasNull(a)) return {};
   return Tidy(std::pow(RealOf(a[0]), RealOf(a[1])));
 }
 
 /// -1, 0 or 1 as `a` sorts before, with or behind `b`, which decides by its own kind.
 int Order(const Value& a, const Value& b) {
-  if (IsNumber(b)) return OrderOfNumbers(a, b);
+  if (b.IsNumber()) return OrderOfNumbers(a, b);
   return TextOf(a).compare(TextOf(b));
 }
 
 Value Extreme(Arguments a, int wanted_sign) {
-  if (std::any_of(a.begin(), a.end(), [](const Value& v) { return v.IsNull(); })) return {};
+  if (HasNull(a)) return {};
   const Value* best = a.data();
   for (const Value& value : a) {
     if (Order(value, *best) * wanted_sign > 0) best = &value;
@@ -294,7 +178,7 @@ Value Greatest(Arguments a, void*) { return Extreme(a, 1); }
 Value Least(Arguments a, void*) { return Extreme(a, -1); }
 
 Value ToNumber(Arguments a, void*) {
-  if (a[0].IsNull() || (a.size() > 1 && a[1].IsNull())) return {};
+  if (HasNull(a)) return {};
   if (a.size() < 2 || a[0].kind != Value::Kind::kText) return NumberOf(a[0]);
   // A format only says which signs to pass over; the digits are the number.
   std::string digits;
@@ -312,43 +196,32 @@ Value RaiseApplicationError(Arguments a, void*) {
   throw ServerFailure(static_cast<std::int32_t>(-number), TextOf(a[1]));
 }
 
-Value Chr(Arguments a, void*) {
-  if (a[0].IsNull()) return {};
-  std::string text;
-  AppendUtf8(text, static_cast<char32_t>(WholeOf(a[0])));
-  return TextValue(text);
-}
-
 constexpr SqlFunction kFunctions[] = {
     {"NVL", 2, 2, true, Nvl},
     {"NVL2", 3, 3, true, Nvl2},
     {"DECODE", 3, -1, true, Decode},
-    {"UPPER", 1, 1, true, Upper},
-    {"LOWER", 1, 1, true, Lower},
-    {"SUBSTR", 2, 3, true, Substr},
-    {"INSTR", 2, 4, true, Instr},
-    {"REPLACE", 2, 3, true, Replace},
-    {"LPAD", 2, 3, true, LeftPad},
-    {"RPAD", 2, 3, true, RightPad},
-    {"TRIM", 1, 2, true, Trim},
-    {"LTRIM", 1, 2, true, LeftTrim},
-    {"RTRIM", 1, 2, true, RightTrim},
     {"MOD", 2, 2, true, Mod},
     {"ABS", 1, 1, true, Abs},
     {"SQRT", 1, 1, true, Sqrt},
     {"LN", 1, 1, true, Ln},
+    {"LOG", 1, 2, true, Log},
+    {"EXP", 1, 1, true, Exp},
     {"CEIL", 1, 1, true, Ceil},
     {"FLOOR", 1, 1, true, Floor},
     {"POWER", 2, 2, true, Power},
     {"GREATEST", 1, -1, true, Greatest},
     {"LEAST", 1, -1, true, Least},
     {"TO_NUMBER", 1, 2, true, ToNumber},
-    {"CHR", 1, 1, true, Chr},
     // Not pure: a pure function of constants runs before any row is looked at.
     {"RAISE_APPLICATION_ERROR", 2, 3, false, RaiseApplicationError},
 };
 
 }  // namespace
+
+bool HasNull(Arguments arguments) {
+  return std::any_of(arguments.begin(), arguments.end(),
+                     [](const Value& value) { return value.IsNull(); });
+}
 
 void RequireLength(std::size_t bytes) {
   if (bytes > Connection::kLongestText) {
@@ -376,6 +249,17 @@ Value NumberOf(const Value& value) {
   return value;
 }
 
+int OrderOfNumbers(const Value& a, const Value& b) {
+  const Value x = NumberOf(a);
+  const Value y = NumberOf(b);
+  if (x.kind == Value::Kind::kInteger && y.kind == Value::Kind::kInteger) {
+    return x.integer < y.integer ? -1 : (x.integer > y.integer ? 1 : 0);
+  }
+  const double left = RealOf(x);
+  const double right = RealOf(y);
+  return left < right ? -1 : (left > right ? 1 : 0);
+}
+
 double RealOf(const Value& value) {
   const Value number = NumberOf(value);
   return number.kind == Value::Kind::kReal ? number.real : static_cast<double>(number.integer);
@@ -388,8 +272,12 @@ std::int64_t WholeOf(const Value& value) {
   return static_cast<std::int64_t>(number.real);
 }
 
-Value Tidy(double number) {
+void RequireFinite(double number) {
   if (!std::isfinite(number)) throw ServerFailure(1426, "numeric overflow");
+}
+
+Value Tidy(double number) {
+  RequireFinite(number);
   const bool is_whole = std::fabs(number) < 9007199254740992.0 && std::trunc(number) == number;
   return is_whole ? IntegerValue(static_cast<std::int64_t>(number)) : RealValue(number);
 }
@@ -412,6 +300,9 @@ void Register(Connection& connection, const SqlFunction& function, void* context
 
 void RegisterFunctions(Connection& connection) {
   for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);
+  RegisterTextFunctions(connection);
+  RegisterDateFunctions(connection);
+  RegisterCasts(connection);
   RegisterAggregates(connection);
   RegisterDialectSupport(connection);
 }

@@ -25,30 +25,44 @@ struct SqlFunction {
 };
 
 /// Makes `function` known to statements of `connection`; `context` must live as long as the
-/// connection.
+/// connection. Errors (ServerFailure): the engine's
 void Register(Connection& connection, const SqlFunction& function, void* context);
 
-/// TO_DATE, TRUNC, NVL, DECODE, UPPER, ... and the operators for dates.
+/// All functions that need no server: the ones below, those that rewritten statements call, NVL,
+/// DECODE, MOD, GREATEST, ... Errors: as Register
 void RegisterFunctions(Connection& connection);
+/// UPPER, SUBSTR, INSTR, ... and the operator ||.
+void RegisterTextFunctions(Connection& connection);
+/// TO_DATE, TO_CHAR, TRUNC, ROUND, ... and the operators + - / of numbers and dates.
 void RegisterDateFunctions(Connection& connection);
-
+/// What CAST becomes.
+void RegisterCasts(Connection& connection);
 /// SUM and AVG, which refuse what is no number.
 void RegisterAggregates(Connection& connection);
 
 /// A function's argument and result on their way from and to the engine. Errors (ServerFailure):
-/// 932 for bytes that are no date
+/// 932 for bytes that are no date, 1426 for infinity
 [[nodiscard]] Value ArgumentOf(sqlite3_value* value);
 void Answer(sqlite3_context* context, const Value& value);
 
+[[nodiscard]] bool HasNull(Arguments arguments);
 /// Throws ServerFailure 1489 for a text that no value holds.
 void RequireLength(std::size_t bytes);
 /// A value as text, as a function takes it. Null is "".
 [[nodiscard]] std::string TextOf(const Value& value);
 /// A value as a number. Errors (ServerFailure): 1722
 [[nodiscard]] Value NumberOf(const Value& value);
+/// -1, 0 or 1 as the number `a` is below, equal to or above `b`. Errors: as NumberOf
+[[nodiscard]] int OrderOfNumbers(const Value& a, const Value& b);
 [[nodiscard]] double RealOf(const Value& value);
 /// A whole number, cut. Errors (ServerFailure): 1722, 1426
 [[nodiscard]] std::int64_t WholeOf(const Value& value);
+/// As TO_CHAR(value): a number, or a date in the form that this server writes it.
+[[nodiscard]] std::string PlainTextOf(const Value& value);
+/// A number rounded to `digits` behind its point, before it where negative.
+[[nodiscard]] Value RoundedTo(const Value& number, std::int64_t digits);
+/// Throws ServerFailure 1426 for what is no finite number.
+void RequireFinite(double number);
 /// A number, as a whole one when it is one.
 [[nodiscard]] Value Tidy(double number);
 

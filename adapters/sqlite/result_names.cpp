@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "adapters/shared/dialect/token.h"
 #include "adapters/sqlite/functions.h"
 #include "adapters/sqlite/server.h"
 #include "sabrel/platform/utf8.h"
@@ -75,7 +76,7 @@ class NameReader {
     if (number == 0 || number > constants_->size()) return "?";
     const dialect::Constant& constant = (*constants_)[number - 1];
     const bool is_text = constant.kind == dialect::Constant::Kind::kText;
-    return is_text ? Quoted(constant.text) : TextOf(ValueOf(constant));
+    return is_text ? dialect::TextConstant(constant.text) : TextOf(ValueOf(constant));
   }
 
   // The list in parentheses that starts here, joined by commas.

@@ -19,7 +19,7 @@ std::optional<int> ScaleOf(std::string_view declared) {
   const std::string type = UpperCase(declared);
   const std::string name = type.substr(0, type.find_first_of(" ("));
   const bool is_whole = name == "INTEGER" || name == "INT" || name == "SMALLINT";
-  const bool is_decimal = name == "DECIMAL" || name == "NUMERIC";
+  const bool is_decimal = name == "DECIMAL" || name == "DEC" || name == "NUMERIC";
   if (is_whole) return 0;
   if (!is_decimal && name != "NUMBER") return std::nullopt;
   const bool has_size = type.find('(') != std::string::npos;

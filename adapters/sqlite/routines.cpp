@@ -43,6 +43,19 @@ std::size_t BehindQuoted(std::string_view text, std::size_t at) {
   return at;
 }
 
+/// Where `failure` does not know a column that has an argument's name: tells how that is written.
+void RefuseBareArgument(const Routine& routine, const ServerFailure& failure) {
+  constexpr std::int32_t kInvalidIdentifier = 904;
+  if (failure.Error().native_number != kInvalidIdentifier) return;
+  const std::string message = UpperCase(failure.Error().message);
+  for (const dialect::RoutineArgument& argument : routine.arguments) {
+    if (!message.ends_with(": " + argument.name)) continue;
+    throw ServerFailure(kInvalidIdentifier,
+                        "invalid identifier: " + argument.name +
+                            "; in a body a parameter is written :" + argument.name);
+  }
+}
+
 class DepthGuard {
  public:
   explicit DepthGuard(int& depth) : depth_(&depth) { ++depth; }
@@ -180,6 +193,15 @@ void Routines::Load(Routine& routine, std::int64_t id) {
   }
 }
 
+Statement Routines::PrepareStep(const Routine& routine, const Routine::Step& step) {
+  try {
+    return server_->Prepare(step.statement);
+  } catch (const ServerFailure& failure) {
+    RefuseBareArgument(routine, failure);
+    throw;
+  }
+}
+
 RoutineResult Routines::Run(const Routine& routine, std::vector<Value> arguments) {
   if (depth_ >= kDeepestCall) {
     throw ServerFailure(36, "maximum number of recursive SQL levels (50) exceeded");
@@ -195,15 +217,14 @@ RoutineResult Routines::Run(const Routine& routine, std::vector<Value> arguments
     variables[argument.name] = CoerceTo(argument.type, std::move(arguments[i]));
   }
   for (const Routine::Step& step : routine.steps) {
-    Statement statement = server_->Prepare(step.statement);
+    Statement statement = PrepareStep(routine, step);
     int index = static_cast<int>(step.statement.constants.size());
     for (const std::string& name : step.variables) {
       const auto found = variables.find(name);
       statement.Bind(++index, found == variables.end() ? Value{} : found->second);
     }
     if (step.statement.kind != dialect::StatementKind::kSelect) {
-      while (statement.Step()) {
-      }
+      statement.RunToEnd();
     } else if (statement.Step()) {
       for (int column = 0; column < statement.Columns(); ++column) {
         variables[UpperCase(statement.ColumnName(column))] = statement.Column(column);
@@ -265,6 +286,12 @@ void Routines::Create(const dialect::RoutineDefinition& definition) {
     const auto kind = one.statement.kind;
     if (kind != dialect::StatementKind::kSelect && VerbOf(kind) == Verb::kOther) {
       throw ServerFailure(6550, "PLS-00103: a body is made of SELECT, INSERT, UPDATE and DELETE");
+    }
+    try {
+      static_cast<void>(server_->Prepare(one.statement));
+    } catch (const ServerFailure& failure) {
+      // Anything else may be right by the first call: the body's tables may be made later.
+      RefuseBareArgument(*compiled, failure);
     }
   }
 }

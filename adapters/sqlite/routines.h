@@ -72,6 +72,7 @@ class Routines {
   void CountChange();
   [[nodiscard]] std::int64_t IdOf(std::string_view upper_name);
   void Load(Routine& routine, std::int64_t id);
+  [[nodiscard]] Statement PrepareStep(const Routine& routine, const Routine::Step& step);
 
   Server* server_;
   std::unordered_map<std::string, std::shared_ptr<const Routine>> kept_;

@@ -73,7 +73,12 @@ Value ValueOf(const dialect::Constant& constant) {
   return {};
 }
 
-std::string Quoted(std::string_view text) { return "'" + ReplaceAll(text, "'", "''") + "'"; }
+void RequireBound(const Statement& statement, const dialect::Rewritten& rewritten) {
+  if (statement.Parameters() > static_cast<int>(rewritten.constants.size())) {
+    throw ServerFailure(1008, "not all variables bound");
+  }
+}
+
 std::string QuotedName(std::string_view name) {
   return "\"" + ReplaceAll(name, "\"", "\"\"") + "\"";
 }
@@ -106,15 +111,15 @@ bool SqliteDialect::IsReservedWord(std::string_view word) const {
 }
 
 std::string SqliteDialect::NextValue(std::string_view sequence) const {
-  return "sabrel_nextval(" + Quoted(UpperCase(sequence)) + ")";
+  return "sabrel_nextval(" + dialect::TextConstant(UpperCase(sequence)) + ")";
 }
 
 std::string SqliteDialect::CurrentValue(std::string_view sequence) const {
-  return "sabrel_currval(" + Quoted(UpperCase(sequence)) + ")";
+  return "sabrel_currval(" + dialect::TextConstant(UpperCase(sequence)) + ")";
 }
 
 dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) const {
-  return {"sabrel_call(" + Quoted(UpperCase(name)), true};
+  return {"sabrel_call(" + dialect::TextConstant(UpperCase(name)), true};
 }
 
 Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
@@ -124,7 +129,6 @@ Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
       routines_(*this),
       dialect_(routines_) {
   RegisterFunctions(connection_);
-  RegisterDateFunctions(connection_);
   RegisterServerFunctions(*this);
   Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);
 }
@@ -166,7 +170,7 @@ void Server::RefuseWritingQuery(const dialect::Rewritten& rewritten) {
 void Server::Execute(std::string_view statement) {
   routines_.MayBeOutdated();
   const StatementKind kind = dialect::KindOf(statement);
-  if (kind == StatementKind::kTransaction) return;
+  if (kind == StatementKind::kTransaction) return dialect::RequireCommit(statement);
   if (kind == StatementKind::kBlock) {
     RunBlock(statement);
   } else if (IsDefinition(kind)) {
@@ -187,14 +191,11 @@ void Server::ExecuteStatement(std::string_view statement) {
   const dialect::Rewritten rewritten = Compile(statement);
   if (rewritten.kind == StatementKind::kOther) throw ServerFailure(900, "invalid SQL statement");
   Statement prepared = Prepare(rewritten);
-  if (prepared.Parameters() > static_cast<int>(rewritten.constants.size())) {
-    throw ServerFailure(1008, "not all variables bound");
-  }
+  RequireBound(prepared, rewritten);
   const bool writes = rewritten.writes || !prepared.IsReadOnly();
   Transaction transaction(connection_,
                           writes ? Transaction::Kind::kWrite : Transaction::Kind::kRead);
-  while (prepared.Step()) {
-  }
+  prepared.RunToEnd();
   prepared.Reset();
   transaction.Commit();
 }
@@ -209,9 +210,7 @@ QueryResult Server::Query(std::string_view statement) {
   }
   const dialect::Rewritten rewritten = Compile(statement);
   Statement prepared = Prepare(rewritten);
-  if (prepared.Parameters() > static_cast<int>(rewritten.constants.size())) {
-    throw ServerFailure(1008, "not all variables bound");
-  }
+  RequireBound(prepared, rewritten);
   if (!rewritten.writes && prepared.IsReadOnly()) {
     const bool has_row = prepared.Step();
     // Only now: the engine prepares again when the schema has changed.

@@ -39,8 +39,15 @@ struct QueryResult {
 class SqliteDialect final : public dialect::Engine {
  public:
   explicit SqliteDialect(Routines& routines) : routines_(&routines) {}
+  [[nodiscard]] Traits EngineTraits() const override {
+    Traits traits;
+    traits.number_type = "NUMERIC";
+    return traits;
+  }
   [[nodiscard]] std::optional<RoutineFacts> FindRoutine(std::string_view name) const override;
   [[nodiscard]] bool IsReservedWord(std::string_view word) const override;
+  [[nodiscard]] CastParts PartsOfCast(std::string_view upper_name,
+                                      const std::vector<std::string>& sizes) const override;
   [[nodiscard]] std::string NextValue(std::string_view sequence) const override;
   [[nodiscard]] std::string CurrentValue(std::string_view sequence) const override;
   [[nodiscard]] std::string SystemDate() const override { return "sabrel_sysdate()"; }
@@ -106,10 +113,11 @@ class Server {
 };
 
 [[nodiscard]] Value ValueOf(const dialect::Constant& constant);
+/// Refuses parameters that the statement itself names: nobody gives their values. Throws
+/// ServerFailure 1008.
+void RequireBound(const Statement& statement, const dialect::Rewritten& rewritten);
 /// Throws ServerFailure 942 when `text` names a table or a function that belongs to the server.
 void RefuseOwnNames(std::string_view text);
-/// `text` in single quotes.
-[[nodiscard]] std::string Quoted(std::string_view text);
 /// `name` in double quotes.
 [[nodiscard]] std::string QuotedName(std::string_view name);
 

@@ -1,3 +1,5 @@
+#include "adapters/sqlite/site_builder.h"
+
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -13,10 +15,10 @@
 #include <vector>
 
 #include "adapters/sqlite/catalogue.h"
+#include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/server.h"
 #include "adapters/sqlite/sqlite_link.h"
-#include "adapters/sqlite/sqlite_rowlink.h"
 
 namespace sabrel::sqlite {
 namespace {

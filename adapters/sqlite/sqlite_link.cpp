@@ -53,9 +53,8 @@ class RunningCursor final : public Cursor {
         statement_(std::move(result.running)),
         last_error_(std::move(last_error)),
         path_(std::move(path)),
-        timeout_s_(timeout_s) {
-    if (deadline) spare_ = *deadline - std::chrono::steady_clock::now();
-  }
+        timeout_s_(timeout_s),
+        opening_(deadline) {}
 
   [[nodiscard]] const std::vector<std::string>& ColumnNames() const override { return names_; }
 
@@ -72,10 +71,9 @@ class RunningCursor final : public Cursor {
 
  private:
   bool Read(RowBlock& block, std::size_t byte_limit) {
-    // The query's own time counts towards that of the first block: both serve one opening.
-    Deadline deadline = DeadlineIn(timeout_s_);
-    if (spare_) deadline = std::chrono::steady_clock::now() + *std::exchange(spare_, std::nullopt);
-    const Operation operation(lease_->Engine(), deadline);
+    // The query and the blocks that its opening reads share one limit; each later one has its own.
+    const bool is_opening = bytes_ < Recordset::kOpenBytes;
+    const Operation operation(lease_->Engine(), is_opening ? opening_ : DeadlineIn(timeout_s_));
     do {
       statement_->AppendRow(block);
       if (!statement_->Step()) {
@@ -83,6 +81,7 @@ class RunningCursor final : public Cursor {
         return false;
       }
     } while (block.Bytes() < byte_limit);
+    bytes_ += block.Bytes();
     return true;
   }
 
@@ -94,7 +93,8 @@ class RunningCursor final : public Cursor {
   std::shared_ptr<DatabaseError> last_error_;
   std::string path_;
   std::int32_t timeout_s_;
-  std::optional<std::chrono::steady_clock::duration> spare_;
+  Deadline opening_;
+  std::size_t bytes_ = 0;  // that were handed out
 };
 
 }  // namespace
@@ -110,9 +110,10 @@ SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
   const ResolvedTarget target = profiles_.Resolve(address);
   const ConnectionProfile& profile = target.profile;
   if (target.address_replaced) {
+    const std::string user = address.user.empty() ? "" : " and the user " + address.user;
     throw ConnectionFailed(ConnectionFailure::kHostUnknown,
                            "No connection profile has the address " + profile.Host + ":" +
-                               std::to_string(profile.Port) + ".");
+                               std::to_string(profile.Port) + user + ".");
   }
   if (!EqualIgnoringCase(profile.Driver, "sqlite")) {
     throw ConnectionFailed(ConnectionFailure::kHostUnknown,

@@ -1,5 +1,8 @@
+#include "adapters/sqlite/statement.h"
+
 #include <sqlite3.h>
 
+#include <cmath>
 #include <utility>
 
 #include "adapters/sqlite/connection.h"
@@ -51,6 +54,11 @@ bool Statement::Step() {
   connection_->Fail(code, handle_, verb_);
 }
 
+void Statement::RunToEnd() {
+  while (Step()) {
+  }
+}
+
 void Statement::Reset() noexcept { sqlite3_reset(handle_); }
 int Statement::Parameters() const noexcept { return sqlite3_bind_parameter_count(handle_); }
 int Statement::Columns() const noexcept { return sqlite3_column_count(handle_); }
@@ -61,6 +69,18 @@ std::string_view Statement::ColumnName(int column) const {
   return name != nullptr ? name : "";
 }
 
+std::string_view Statement::DeclaredType(int column) const {
+  const char* type = sqlite3_column_decltype(handle_, column);
+  return type != nullptr ? type : "";
+}
+
+// The engine's own operators and constants come to infinity where Oracle refuses.
+double Statement::RealColumn(int column) const {
+  const double number = sqlite3_column_double(handle_, column);
+  if (!std::isfinite(number)) throw ServerFailure(1426, "numeric overflow");
+  return number;
+}
+
 Value Statement::Column(int column) const {
   const auto bytes = [this, column](const void* start) {
     return std::string_view(static_cast<const char*>(start),
@@ -68,7 +88,7 @@ Value Statement::Column(int column) const {
   };
   switch (sqlite3_column_type(handle_, column)) {
     case SQLITE_INTEGER: return IntegerValue(sqlite3_column_int64(handle_, column));
-    case SQLITE_FLOAT: return RealValue(sqlite3_column_double(handle_, column));
+    case SQLITE_FLOAT: return RealValue(RealColumn(column));
     case SQLITE_TEXT: return TextValue(bytes(sqlite3_column_text(handle_, column)));
     case SQLITE_BLOB: return DateValue(bytes(sqlite3_column_blob(handle_, column)));
     default: return {};
@@ -85,7 +105,7 @@ void Statement::AppendRow(RowBlock& block) const {
 void Statement::AppendCell(RowBlock& block, int column) const {
   switch (sqlite3_column_type(handle_, column)) {
     case SQLITE_INTEGER: block.AddWhole(sqlite3_column_int64(handle_, column)); return;
-    case SQLITE_FLOAT: block.AddDouble(sqlite3_column_double(handle_, column)); return;
+    case SQLITE_FLOAT: block.AddDouble(RealColumn(column)); return;
     case SQLITE_NULL: block.AddNull(); return;
     default: break;
   }

@@ -6,20 +6,13 @@
 #include <cstdio>
 #include <limits>
 
+#include "adapters/shared/number_type.h"
 #include "adapters/sqlite/failure.h"
 
 namespace sabrel::sqlite {
 namespace {
 
 constexpr std::string_view kMomentShape = "0000-00-00 00:00:00";
-
-bool IsNumberType(std::string_view type) {
-  for (const std::string_view name : {"NUMBER", "INTEGER", "INT", "SMALLINT", "FLOAT", "DECIMAL",
-                                      "NUMERIC", "PLS_INTEGER", "BINARY_INTEGER", "REAL"}) {
-    if (type == name) return true;
-  }
-  return false;
-}
 
 int Digits(std::string_view text, std::size_t from, std::size_t count) {
   int number = 0;

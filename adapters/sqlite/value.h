@@ -23,6 +23,9 @@ struct Value {
   std::string text;  // of kText and kDate
 
   [[nodiscard]] bool IsNull() const noexcept { return kind == Kind::kNull; }
+  [[nodiscard]] bool IsNumber() const noexcept {
+    return kind == Kind::kInteger || kind == Kind::kReal;
+  }
 };
 
 [[nodiscard]] Value IntegerValue(std::int64_t number);

@@ -12,6 +12,12 @@ class SqliteErrors : public SiteTest {
         "CREATE TABLE C (ID NUMBER(10) PRIMARY KEY, P_ID NUMBER(10) REFERENCES P(ID),"
         " TXT VARCHAR2(5) NOT NULL, N NUMBER(5,2), D DATE,"
         " YN CHAR(1) CHECK (YN IN ('Y','N')))",
+        "CREATE TABLE Q (ID NUMBER(10) PRIMARY KEY)",
+        "CREATE TABLE R (Q_ID NUMBER(10) REFERENCES Q(ID) ON DELETE RESTRICT)",
+        "CREATE TABLE L (Q_ID NUMBER(10) REFERENCES Q(ID) DEFERRABLE INITIALLY DEFERRED)",
+        "INSERT INTO Q SELECT 1 FROM DUAL UNION SELECT 2 FROM DUAL",
+        "INSERT INTO R VALUES (1)",
+        "INSERT INTO L VALUES (2)",
         "CREATE VIEW V AS SELECT ID FROM P",
         "CREATE SEQUENCE S",
         "CREATE SEQUENCE LAST_S START WITH 9223372036854775807",
@@ -35,6 +41,22 @@ class SqliteErrors : public SiteTest {
 
 TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
   constexpr std::tuple<const char*, int, const char*> kRows[] = {
+      {"cast to what is no type", 902, "SELECT CAST(ID AS NONSENSE) FROM P WHERE 1 = 0"},
+      {"cast without its width", 906, "SELECT CAST(ID AS VARCHAR2) FROM P"},
+      {"cast of a date", 932, "SELECT CAST(SYSDATE AS NUMBER) FROM DUAL"},
+      {"cast beyond the precision", 1438, "SELECT CAST(999.5 AS NUMBER(3)) FROM DUAL"},
+      {"cast of what is no number", 1722, "SELECT CAST('  12x' AS NUMBER) FROM DUAL"},
+      {"cast out of all digits", 1727, "SELECT CAST(1 AS NUMBER(39)) FROM DUAL"},
+      {"cast too narrow for a number", 25137, "SELECT CAST(12345 AS VARCHAR2(3)) FROM DUAL"},
+      {"infinite constant", 1426, "SELECT 1e400 FROM DUAL"},
+      {"infinite product", 1426, "SELECT ID*1e308*10 FROM P"},
+      {"infinite argument", 1426, "SELECT NVL2(1e308*10,1,2) FROM DUAL"},
+      {"infinite result", 1426, "SELECT EXP(1000) FROM DUAL"},
+      {"infinite value stored", 1426, "INSERT INTO P (ID) VALUES (1e308*10)"},
+      {"infinite value rounded", 1426, "UPDATE C SET N = 1e308*10"},
+      {"logarithm to base 0", 1428, "SELECT LOG(0,5) FROM DUAL"},
+      {"logarithm to base 1", 1428, "SELECT LOG(1,5) FROM DUAL"},
+      {"logarithm to no base", 938, "SELECT LOG(5) FROM DUAL"},
       {"calls nested too deep", 36, "SELECT DEEPER(1) FROM DUAL"},
       {"settings of the engine", 900, "PRAGMA foreign_keys=OFF"},
       {"quoted name is no text", 904, "SELECT \"nope\" FROM P"},
@@ -52,11 +74,16 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
       {"the dictionary by its owner", 1031, "DROP\tVIEW main.user_sequences"},
       {"referenced table", 2449, "DROP TABLE P"},
-      {"definition in a body", 6550, "CREATE PROCEDURE Q IS BEGIN DROP TABLE P; END;"},
+      {"referenced table with its rules", 2449, "DROP TABLE P CASCADE CONSTRAINTS PURGE"},
+      {"definition in a body", 6550, "CREATE PROCEDURE D IS BEGIN DROP TABLE P; END;"},
       {"format too short", 1830, "SELECT TO_DATE('2024-01-01x','YYYY-MM-DD') FROM DUAL"},
       {"30 February", 1839, "SELECT TO_DATE('2024-02-30','YYYY-MM-DD') FROM DUAL"},
       {"text for a date", 1861, "UPDATE C SET D = '2024-01-01'"},
       {"parent deleted in a block", 2292, "BEGIN INSERT INTO P VALUES (5,'x'); DELETE_P(1); END;"},
+      {"restricted parent", 2292, "DELETE FROM Q WHERE ID = 1"},
+      {"parent missed at the end", 2292, "DELETE FROM Q WHERE ID = 2"},
+      {"parent missed at a block's end", 2292, "BEGIN UPDATE Q SET ID = 9 WHERE ID = 2; END;"},
+      {"child refused at the end", 2291, "UPDATE L SET Q_ID = 9"},
       {"expression for an out argument", 6550, "BEGIN OUT_P( 5 ); END;"},
       {"function as a procedure", 6550, "BEGIN CHECKED( 1 ); END;"},
       {"wrong count in a query", 6553, "SELECT CHECKED(1,2) FROM DUAL"},
@@ -80,9 +107,9 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
 TEST_F(SqliteErrors, NamesThatOnlyLookReservedAreTaken) {
   EXPECT_EQ(Ask("SELECT ID AS MYSABREL_COL FROM P"), "1");
   EXPECT_EQ(Ask("SELECT WRITING((SELECT 5 FROM DUAL)), S.NEXTVAL FROM DUAL"), "5|1");
-  EXPECT_EQ(Do("CREATE TABLE Q (USING NUMBER, COLLATE NUMBER, FOREIGN NUMBER)"), "");
-  EXPECT_EQ(Do("INSERT INTO Q (USING, COLLATE, FOREIGN) VALUES (1,2,3)"), "");
-  EXPECT_EQ(Ask("SELECT USING, COLLATE, FOREIGN FROM Q WHERE FOREIGN = 3"), "1|2|3");
+  EXPECT_EQ(Do("CREATE TABLE W (USING NUMBER, COLLATE NUMBER, FOREIGN NUMBER)"), "");
+  EXPECT_EQ(Do("INSERT INTO W (USING, COLLATE, FOREIGN) VALUES (1,2,3)"), "");
+  EXPECT_EQ(Ask("SELECT USING, COLLATE, FOREIGN FROM W WHERE FOREIGN = 3"), "1|2|3");
 }
 
 TEST_F(SqliteErrors, TheErrorTellsWhatAndWhereButNoConstant) {

@@ -52,15 +52,24 @@ TEST_F(SqliteFiles, AReadOnlySiteIsReadAndRefusesWrites) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
   link->ShutDown();
   ::chmod(File().c_str(), 0444);
+  const std::string shut = Folder().Path("shut");
+  fs::create_directory(shut);
+  fs::copy(File(), shut);
+  ::chmod(shut.c_str(), 0555);
   // Nothing is read-only for root.
   const pid_t child = InChild([&] {
     fs::permissions(Folder().Path(""), fs::perms::all);
     if (::geteuid() == 0 && ::setuid(65534) != 0) return 9;
     Asking asking(File());
     if (asking.Ask("SELECT COUNT(*) FROM T") != "0") return 1;
-    return asking.Do("INSERT INTO T VALUES (1)") == "ORA-16000" ? 0 : 2;
+    if (asking.Do("INSERT INTO T VALUES (1)") != "ORA-16000") return 2;
+    Asking in_shut(shut + "/plant.site");
+    if (in_shut.Ask("SELECT COUNT(*) FROM T") != "ORA-16000") return 3;
+    const std::string message = in_shut.link->LastDatabaseError().message;
+    return message.find("writable folder") != std::string::npos ? 0 : 4;
   });
   EXPECT_EQ(ResultOf(child), 0);
+  ::chmod(shut.c_str(), 0755);
 }
 
 TEST_F(SqliteFiles, AFullDiskIsReportedAndTheStatementTakenBack) {

@@ -10,6 +10,10 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
   constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"null", "'', 'a' || NULL || 1, TRIM('   '), GREATEST(1,NULL), TO_DATE('2024',NULL)",
        "null|'a1'|null|null|null"},
+      {"texts beside numbers",
+       "CASE WHEN '5' BETWEEN 1 AND 10 AND 5 IN ('5') AND NVL('9','0') < 10 AND"
+       " SUBSTR('x7',2) IN (6,7) AND 1+1 BETWEEN '2' AND '10' THEN 'all' END",
+       "'all'"},
       {"DECODE",
        "DECODE('1',1,'one','other'), DECODE(NULL,1,'one',NULL,'none','other'),"
        "DECODE(3,1,'one'), NVL2(NULL,1,2)",
@@ -21,6 +25,19 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
        "decimal 12345678901234560"},
       {"rounding", "ROUND(-15,-1), ROUND(1E16,2), ROUND(2.675,2), ROUND(-2.5), ROUND(1250,-2)",
        "-20|double 1E+16|double 2.68|-3|1300"},
+      {"casts to numbers",
+       "CAST(12.755 AS NUMBER(5,2)), CAST(' 7 ' AS NUMBER)+1, CAST(12.5 AS INTEGER),"
+       " CAST(1250 AS NUMBER(6,-2)), CAST(2.5 AS DEC), CAST(1.25 AS FLOAT), CAST('' AS INT)",
+       "double 12.76|8|13|1300|3|double 1.25|null"},
+      {"casts to texts",
+       "CAST('äbcd' AS VARCHAR2(2 CHAR)), CAST(.50 AS CHAR VARYING(9)), CAST('yes' AS CHAR),"
+       " CAST(DATE '2024-03-09' AS VARCHAR2(30)), CAST(NULL AS CLOB)",
+       "'äb'|'.5'|'y'|'2024-03-09 00:00:00'|null"},
+      {"casts compared",
+       "DECODE(1, 1, CASE WHEN CAST(5 AS VARCHAR2(3)) = 5 AND CAST('05' AS NUMBER) = '5'"
+       " THEN 'like' END)",
+       "'like'"},
+      {"logarithms", "LOG(10,1000), LOG(2,0.5), EXP(LN(4))", "3|-1|4"},
       {"formats",
        "TO_CHAR(1234.5,'9,990.00'), TO_CHAR(-5,'99'), TO_CHAR(5,'FM99.99'),"
        " TO_CHAR(5,'FM000'), TO_CHAR(2.675,'9.99'), TO_CHAR(99.5,'99'), TO_CHAR(-0.001,'0.99')",
@@ -52,7 +69,7 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
 TEST_F(SqliteFunctions, ANumberIsKeptWithTheDigitsOfItsColumn) {
   ASSERT_EQ(Do("CREATE TABLE T (ID INTEGER PRIMARY KEY, N NUMBER(5,2), H NUMBER(6,-2), A NUMBER)"),
             "");
-  ASSERT_EQ(Do("ALTER TABLE  T\tADD X NUMBER(3,1)"), "");
+  ASSERT_EQ(Do("ALTER TABLE  T\tADD X DEC(3,1)"), "");
   ASSERT_EQ(Do("ALTER TABLE T DROP COLUMN A"), "");
   constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"inserted", "INSERT INTO T VALUES (1.6, 1.235, 1250, 9.96)", ""},
@@ -68,6 +85,48 @@ TEST_F(SqliteFunctions, ANumberIsKeptWithTheDigitsOfItsColumn) {
   EXPECT_EQ(Ask("SELECT N FROM U"), "double 7.78");
 }
 
+TEST_F(SqliteFunctions, ATableMadeOfAQueryHasTheTypesOfItsColumns) {
+  Make({
+      "CREATE SEQUENCE Q",
+      "CREATE TABLE S (N NUMBER(5,2), V VARCHAR2(3), L LONG, D DATE, W INTEGER PRIMARY KEY)",
+      "INSERT INTO S VALUES (1.25, '05', '6', DATE '2024-03-09', 7)",
+      "CREATE TABLE T AS SELECT CAST(NULL AS VARCHAR2(4 CHAR)) \"c\", S.*, UPPER(V) U, N*2 P, D+1"
+      " NEXT, Q.NEXTVAL FROM S",
+      "CREATE TABLE U AS SELECT V, N FROM S UNION SELECT 'longer', 1.239 FROM DUAL",
+      "CREATE TABLE E AS WITH R AS (SELECT N, D FROM S) SELECT * FROM R WHERE 1 = 0",
+  });
+  const auto types_of = [this](const std::string& table) {
+    return Ask(
+        "SELECT COLUMN_NAME || ' ' || DATA_TYPE || ' ' || DATA_LENGTH || DATA_PRECISION ||"
+        " DATA_SCALE FROM USER_TAB_COLUMNS WHERE TABLE_NAME = '" +
+        table + "' ORDER BY COLUMN_ID");
+  };
+  EXPECT_EQ(types_of("T"),
+            "'C VARCHAR2 4';'N NUMBER 2252';'V VARCHAR2 3';'L LONG 22';'D DATE 7';'W INTEGER 220';"
+            "'U VARCHAR2 4000';'P NUMBER 22';'NEXT DATE 7';'NEXTVAL NUMBER 22'");
+  EXPECT_EQ(types_of("U"), "'V VARCHAR2 4000';'N NUMBER 22'");
+  EXPECT_EQ(types_of("E"), "'N NUMBER 2252';'D DATE 7'");
+  EXPECT_EQ(Ask("SELECT * FROM T"),
+            "null|double 1.25|'05'|'6'|date 2024-03-09 00:00:00|7|'05'|double 2.5|"
+            "date 2024-03-10 00:00:00|1");
+  EXPECT_EQ(Ask("SELECT V, N FROM U"), "'05'|double 1.25;'longer'|double 1.239");
+  constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
+      {"text for a number", "UPDATE T SET N = 'abc'", "ORA-1722"},
+      {"beyond the width", "UPDATE T SET V = 'abcd'", "ORA-12899"},
+      {"text for a computed number", "UPDATE T SET P = 'abc'", "ORA-1722"},
+      {"infinity", "UPDATE T SET P = 1e308*10", "ORA-1426"},
+      {"column without a type", "CREATE TABLE X AS SELECT N, NULL M FROM S", "ORA-1723"},
+      {"unbound variable", "CREATE TABLE X AS SELECT N FROM S WHERE N = :n", "ORA-1008"},
+      {"one name twice", "CREATE TABLE X AS SELECT N, N FROM S", "ORA-957"},
+      {"row that does not fit",
+       "CREATE TABLE X AS SELECT DECODE(W,7,W) M FROM S UNION ALL SELECT"
+       " 'a' FROM DUAL",
+       "ORA-1722"},
+  };
+  for (const auto& [name, sql, outcome] : kRows) EXPECT_EQ(Do(sql), outcome) << name;
+  EXPECT_EQ(Ask("SELECT Q.NEXTVAL, COUNT(*) FROM USER_TABLES WHERE TABLE_NAME = 'X'"), "2|0");
+}
+
 TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER, L LONG, M TIMESTAMP)"), "");
   ASSERT_EQ(Do("INSERT INTO T SELECT 9007199254740993, '05', SYSDATE FROM DUAL UNION ALL"
@@ -79,6 +138,7 @@ TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {
   EXPECT_EQ(Ask("SELECT SUM(N), AVG(2.5) FROM T WHERE N > 9"),
             "decimal 9007199254740993|double 2.5");
   EXPECT_EQ(Ask("SELECT SUM(N), AVG(N), MIN(L) FROM T WHERE N = 1.5"), "double 1.5|double 1.5|'6'");
+  EXPECT_EQ(Ask("SELECT L FROM T WHERE 5 = L OR L BETWEEN 5.5 AND 10 ORDER BY N"), "'6';'05'");
 }
 
 TEST_F(SqliteFunctions, ColumnsAreNamedAsTheStatementNamesThem) {

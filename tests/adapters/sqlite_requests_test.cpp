@@ -58,6 +58,13 @@ TEST_F(SqliteRequests, AFailureBehindTheFirstRowsReachesWhoeverMovesOn) {
 TEST_F(SqliteRequests, ATimeOutStopsAStatementOrItsWaitForTheWriteLockAndTheSessionGoesOn) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
   EXPECT_EQ(Ask(kEndless, 1), "connection 24");
+  EXPECT_EQ(Ask("WITH R(N) AS (SELECT 1 FROM DUAL UNION ALL SELECT N+1 FROM R WHERE N < 300000),"
+                " S(M) AS (SELECT 1 FROM DUAL UNION ALL SELECT M+1 FROM S WHERE M < 16)"
+                " SELECT REPLACE(LPAD('a',100,'a'),'a',LPAD('b',3000,'b')),"
+                " (SELECT COUNT(*) FROM R WHERE N > M) FROM S",
+                1),
+            "connection 24")
+      << "an opening's blocks share its limit";
   EXPECT_EQ(Do("INSERT INTO T " + std::string(kEndless), 1), "connection 24");
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(File().c_str(), &other), SQLITE_OK);

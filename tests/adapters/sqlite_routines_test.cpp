@@ -52,6 +52,23 @@ TEST_F(SqliteRoutines, CallsTakeAndGiveValues) {
   EXPECT_EQ(Ask("SELECT ID, NAME FROM T ORDER BY ID"), "10|'x';11|'z'");
 }
 
+TEST_F(SqliteRoutines, EveryTypeOfNumbersTakesNumbersOnly) {
+  for (const std::string type : {"NUMBER", "DECIMAL", "DEC", "INT", "SMALLINT", "REAL", "FLOAT",
+                                 "BINARY_DOUBLE", "BINARY_FLOAT", "DOUBLE PRECISION"}) {
+    ASSERT_EQ(Do("CREATE TABLE N (A " + type + ")"), "") << type;
+    EXPECT_EQ(Do("INSERT INTO N VALUES ('x')"), "ORA-1722") << type;
+    EXPECT_EQ(Do("INSERT INTO N VALUES (SYSDATE)"), "ORA-932") << type;
+    EXPECT_EQ(Do("DROP TABLE N"), "") << type;
+  }
+  for (const std::string type : {"number", "DECIMAL", "REAL", "BINARY_DOUBLE", "PLS_INTEGER"}) {
+    ASSERT_EQ(Do("CREATE OR REPLACE PROCEDURE SAME(a IN OUT " + type +
+                 ") IS BEGIN SELECT :a AS a FROM DUAL; END;"),
+              "");
+    EXPECT_EQ(Call("SAME", {"s: 7 "}), "null|7") << type;
+    EXPECT_EQ(Call("SAME", {"s:x"}), "ORA-6502") << type;
+  }
+}
+
 TEST_F(SqliteRoutines, ANewBodyHoldsAtOnceForEveryConnection) {
   EXPECT_EQ(Ask("SELECT LAST_D() FROM DUAL"), "null");
   Asking other(File());
@@ -63,6 +80,17 @@ TEST_F(SqliteRoutines, ANewBodyHoldsAtOnceForEveryConnection) {
   EXPECT_EQ(other.Ask("SELECT LAST_D() FROM DUAL"), "7");
   EXPECT_EQ(other.Do("DROP FUNCTION LAST_D"), "");
   EXPECT_EQ(Ask("SELECT LAST_D() FROM DUAL"), "ORA-904");
+}
+
+TEST_F(SqliteRoutines, AParameterWithoutItsColonIsNamed) {
+  const std::string body = "PROCEDURE BARE(x NUMBER) IS BEGIN INSERT INTO LATER VALUES (x); END;";
+  const std::string hint = "ORA-00904: invalid identifier: X; in a body a parameter is written :X";
+  ASSERT_EQ(Do("CREATE " + body), "") << "its table may be made later";
+  ASSERT_EQ(Do("CREATE TABLE LATER (N NUMBER)"), "");
+  EXPECT_EQ(Call("BARE", {"i:1"}), "ORA-904");
+  EXPECT_EQ(link->LastDatabaseError().message, hint);
+  EXPECT_EQ(Do("CREATE OR REPLACE " + body), "ORA-904");
+  EXPECT_EQ(link->LastDatabaseError().message, hint);
 }
 
 }  // namespace

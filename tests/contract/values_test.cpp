@@ -90,6 +90,8 @@ TEST_P(Contract, RefusalsCarryOraclesNumbers) {
       {"INSERT INTO CHILD (ID, P) VALUES (2, 99)", 2291},
       {"UPDATE CHILD SET P = 99", 2291},
       {"DELETE FROM PARENT", 2292},
+      {"TRUNCATE TABLE PARENT", 2266},
+      {"ROLLBACK", 3001},
       {"UPDATE PARENT SET ID = 5", 2292},
       {"INSERT INTO CHILD (ID) VALUES (NULL)", 1400},
       {"INSERT INTO CHILD (ID, T) VALUES (3, 'bad')", 2290},

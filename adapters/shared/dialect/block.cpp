@@ -26,9 +26,9 @@ bool StartsStatement(const Cursor& cursor) {
     case Word::kWith:
     case Word::kInsert:
     case Word::kUpdate:
-    case Word::kDelete: return true;
+    case Word::kDelete:
     case Word::kCommit:
-    case Word::kRollback: return true;
+    case Word::kRollback:
     case Word::kSavepoint: return true;
     default: return cursor.IsText("MERGE");
   }

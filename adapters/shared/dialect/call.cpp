@@ -20,15 +20,29 @@ bool IsAggregate(std::string_view upper_name) {
   return false;
 }
 
-namespace {
-
-// The empty text constant is Oracle's NULL.
-bool IsEmptyText(std::string_view token_text) {
-  constexpr std::size_t kLongestEmpty = 6;  // nq'[]'
-  return token_text.size() <= kLongestEmpty && ValueOfText(token_text).empty();
+void Rewriter::Name() {
+  const Token& name = Here();
+  const bool is_free_word = name.kind == TokenKind::kWord && !IsReservedByOracle(name.word);
+  if (!is_free_word && name.kind != TokenKind::kQuotedName) {
+    Fail(name.kind == TokenKind::kWord ? 903 : 900, "a name is missing");
+  }
+  SpellName(at_++);
 }
 
-}  // namespace
+void Rewriter::QualifiedName() {
+  Name();
+  while (SkipSymbol('.')) Name();
+}
+
+void Rewriter::NameList() {
+  ExpectSymbol('(', 906, "missing left parenthesis");
+  do {
+    const std::size_t first = at_;
+    QualifiedName();
+    for (std::size_t i = first; i + 1 < at_; ++i) edits_.Remove(i);
+  } while (SkipSymbol(','));
+  ExpectSymbol(')', 907, "missing right parenthesis");
+}
 
 void Rewriter::NameOrCall() {
   const std::size_t first = at_;

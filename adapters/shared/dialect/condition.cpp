@@ -57,20 +57,78 @@ void Rewriter::Comparison() {
       SkipWord(Word::kNot);
       ExpectWord(Word::kNull, 908, "missing NULL keyword");
     } else if (SkipWord(Word::kIn)) {
-      if (IsSymbol('(')) {
-        Parenthesis();
-      } else {
-        (void)Sum();
-      }
+      In(left);
     } else if (SkipWord(Word::kLike)) {
       Pattern(is_negated);
     } else if (SkipWord(Word::kBetween)) {
-      (void)Sum();
-      ExpectWord(Word::kAnd, 905, "missing keyword AND of BETWEEN");
-      (void)Sum();
+      Between(left);
     } else {
       return;
     }
+  }
+}
+
+void Rewriter::Between(const Operand& left) {
+  const Operand low = Sum();
+  ExpectWord(Word::kAnd, 905, "missing keyword AND of BETWEEN");
+  const Operand high = Sum();
+  const Type type = TypeOf(left);
+  const bool is_number = IsNumberOrSum(left);
+  if (IsNumber(TypeOf(low)) || IsNumber(TypeOf(high))) MakeNumberForNumbers(left);
+  for (const Operand& bound : {low, high}) {
+    if (is_number && TypeOf(bound) == Type::kTextConstant) MakeNumber(bound);
+    if (type == Type::kColumn) CastBesideColumn(bound);
+  }
+  if (TypeOf(low) == Type::kColumn || TypeOf(high) == Type::kColumn) CastBesideColumn(left);
+}
+
+void Rewriter::In(const Operand& left) {
+  const std::size_t open = at_;
+  if (!IsSymbol('(')) {
+    (void)Sum();
+    return;
+  }
+  Parenthesis();
+  bool has_numbers = true;
+  bool has_texts = true;
+  for (std::size_t i = open + 1; i + 1 < at_; ++i) {
+    const Token& token = tokens_[i];
+    has_numbers = has_numbers && (token.kind == TokenKind::kNumber || IsSymbol(token, ',') ||
+                                  IsSymbol(token, '-') || IsSymbol(token, '+'));
+    has_texts = has_texts && (token.kind == TokenKind::kText || IsSymbol(token, ','));
+  }
+  if (has_numbers) MakeNumberForNumbers(left);
+  if (!has_texts || !IsNumberOrSum(left)) return;
+  for (std::size_t i = open + 1; i + 1 < at_; ++i) {
+    if (tokens_[i].kind == TokenKind::kText) MakeNumber({i, i});
+  }
+}
+
+bool Rewriter::IsNumberOrSum(const Operand& operand) const {
+  if (operand.is_date) return false;
+  return IsNumber(TypeOf(operand)) ||
+         (!operand.function.empty() && operand.function != engine_.ConcatenateFunction());
+}
+
+void Rewriter::MakeNumber(const Operand& operand) {
+  if (compares_ && !engine_.CompareFunction().empty()) {
+    edits_.Wrap(operand.first, operand.last, "TO_NUMBER");
+    is_renamed_ = true;
+  }
+}
+
+// `operand` is compared with numbers: what is or may be a text becomes one. A column stays, for the
+// sake of its index.
+void Rewriter::MakeNumberForNumbers(const Operand& operand) {
+  const Type type = TypeOf(operand);
+  if (IsText(type) || type == Type::kUnknown) MakeNumber(operand);
+}
+
+// A number beside a column makes the engine compare numbers, whatever the column holds.
+void Rewriter::CastBesideColumn(const Operand& number) {
+  if (compares_ && !traits_.number_type.empty() && IsNumber(TypeOf(number))) {
+    edits_.Cast(number.first, number.last, traits_.number_type);
+    is_renamed_ = true;
   }
 }
 
@@ -117,6 +175,8 @@ bool Rewriter::OrderComparison(const Operand& left) {
     }
   }
   const Operand right = Sum();
+  if (TypeOf(left) == Type::kColumn) CastBesideColumn(right);
+  if (TypeOf(right) == Type::kColumn) CastBesideColumn(left);
   const std::string_view compare = engine_.CompareFunction();
   if (compares_ && !compare.empty() && NeedConversion(TypeOf(left), TypeOf(right))) {
     std::string sign(TextOf(sql_, tokens_[operation]));
@@ -144,11 +204,10 @@ void Rewriter::Quantified(std::size_t operation) {
 // Whether the engine would compare values of unlike types. It converts beside a bare column by
 // itself, and an index on that column goes on to serve.
 bool Rewriter::NeedConversion(Type left, Type right) {
-  const auto is_number = [](Type t) { return t == Type::kNumber || t == Type::kNumberConstant; };
-  const auto is_text = [](Type t) { return t == Type::kText || t == Type::kTextConstant; };
-  if ((is_number(left) && is_text(right)) || (is_text(left) && is_number(right))) return true;
-  return (left == Type::kTextConstant && right == Type::kUnknown) ||
-         (right == Type::kTextConstant && left == Type::kUnknown);
+  if ((IsNumber(left) && IsText(right)) || (IsText(left) && IsNumber(right))) return true;
+  const auto is_telling = [](Type t) { return t == Type::kTextConstant || IsNumber(t); };
+  return (is_telling(left) && right == Type::kUnknown) ||
+         (is_telling(right) && left == Type::kUnknown);
 }
 
 Rewriter::Type Rewriter::TypeOf(Operand operand) const {

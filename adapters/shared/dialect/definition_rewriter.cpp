@@ -126,17 +126,24 @@ void Rewriter::RefuseNull(const Column& column) {
   if (traits_.keys_take_nulls) edits_.Append(column.last_token, " NOT NULL");
 }
 
-// VARCHAR2(20 CHAR), NUMBER(10,2), TIMESTAMP WITH TIME ZONE, up to the column's rules.
 void Rewriter::ColumnType() {
-  if (Here().kind != TokenKind::kWord) Fail(902, "invalid datatype");
   const std::size_t first = at_;
-  std::string name = Upper(tokens_[at_++]);
+  SpellType(first, ReadType());
+}
+
+// VARCHAR2(20 CHAR), NUMBER(10,2), TIMESTAMP WITH TIME ZONE, up to the column's rules.
+Rewriter::WrittenType Rewriter::ReadType() {
+  if (Here().kind != TokenKind::kWord) Fail(902, "invalid datatype");
+  WrittenType type{Upper(tokens_[at_++]), {}};
   while (SkipText("VARYING") || SkipText("PRECISION") || SkipText("RAW")) {
-    name += ' ' + Upper(tokens_[at_ - 1]);
+    type.name += ' ' + Upper(tokens_[at_ - 1]);
   }
-  std::vector<std::string> sizes;
-  if (SkipSymbol('(')) TypeSizes(sizes);
-  std::string spelled = engine_.TypeSpelling(name, sizes);
+  if (SkipSymbol('(')) TypeSizes(type.sizes);
+  return type;
+}
+
+void Rewriter::SpellType(std::size_t first, const WrittenType& type) {
+  std::string spelled = engine_.TypeSpelling(type.name, type.sizes);
   if (spelled.empty()) return;
   edits_.Replace(first, std::move(spelled));
   for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);

@@ -37,7 +37,7 @@ enum class StatementKind {
   kDropSequence,
   kCreateTable,
   kOtherDefinition,  // other CREATE, ALTER, DROP, TRUNCATE
-  kTransaction,  // COMMIT, ROLLBACK, SAVEPOINT: nothing to do where each statement is a transaction
+  kTransaction,      // COMMIT, ROLLBACK, SAVEPOINT
   kOther,
 };
 
@@ -48,6 +48,10 @@ enum class StatementKind {
 [[nodiscard]] std::string_view RequireOneStatement(std::string_view sql);
 
 [[nodiscard]] StatementKind KindOf(std::string_view statement);
+
+/// Of a kTransaction where each statement is one: COMMIT has nothing to do, what was done cannot be
+/// taken back. Throws SyntaxFailure: 3001 for ROLLBACK and SAVEPOINT
+void RequireCommit(std::string_view statement);
 
 /// A constant that was lifted out of a statement: parameter n+1 of the rewritten text for element
 /// n.
@@ -97,6 +101,9 @@ class Engine {
     std::string_view pattern_end = {};
     /// What DROP TABLE ... CASCADE CONSTRAINTS has instead of those words.
     std::string_view drop_end = {};
+    /// Type that a number is cast to beside a column, for engines that would compare texts where
+    /// the column holds them.
+    std::string_view number_type = {};
     /// Function that makes text of an operand of ||.
     std::string_view text_function = {};
   };
@@ -118,6 +125,16 @@ class Engine {
   /// A type of a column or of CAST, as "VARCHAR2" with the sizes "20"; empty to keep it.
   [[nodiscard]] virtual std::string TypeSpelling(std::string_view /*upper_name*/,
                                                  const std::vector<std::string>& /*sizes*/) const {
+    return {};
+  }
+  /// What stands in a CAST before its value, and behind it in place of the type. Both empty where
+  /// the engine's own CAST does. Throws SyntaxFailure for a type that no value can have.
+  struct CastParts {
+    std::string before;
+    std::string behind;
+  };
+  [[nodiscard]] virtual CastParts PartsOfCast(std::string_view /*upper_name*/,
+                                              const std::vector<std::string>& /*sizes*/) const {
     return {};
   }
   [[nodiscard]] virtual std::string NextValue(std::string_view sequence) const = 0;

@@ -75,6 +75,12 @@ void Edits::Wrap(std::size_t first, std::size_t last, std::string_view function)
   marks_[last].closings += ClosingsOf(function);
 }
 
+void Edits::Cast(std::size_t first, std::size_t last, std::string_view type) {
+  openings_.push_back({"CAST", marks_[first].opening});
+  marks_[first].opening = static_cast<std::uint32_t>(openings_.size() - 1);
+  AppendBehind(last, " AS " + std::string(type) + ")");
+}
+
 std::uint32_t Edits::ClosingsOf(std::string_view function) {
   const std::string_view inner = function.substr(0, function.empty() ? 0 : function.size() - 1);
   return 1 + static_cast<std::uint32_t>(std::count(inner.begin(), inner.end(), '('));

@@ -27,6 +27,8 @@ class Edits {
   /// Later calls wrap earlier ones. The name must stay alive; a "(" within it is closed
   /// too, one at its end is the caller's.
   void Wrap(std::size_t first, std::size_t last, std::string_view function);
+  /// Makes the tokens `CAST(... AS type)`.
+  void Cast(std::size_t first, std::size_t last, std::string_view type);
   /// Puts `text` behind a token that stays as it is.
   void Append(std::size_t token, std::string_view text);
   /// Puts `text` behind all that is written for a token, behind the ")" of its wraps too.

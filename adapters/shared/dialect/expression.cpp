@@ -20,12 +20,6 @@ bool HasForm(std::string_view text, std::string_view pattern) {
   return true;
 }
 
-// The empty text constant is Oracle's NULL.
-bool IsEmptyText(std::string_view token_text) {
-  constexpr std::size_t kLongestEmpty = 6;  // nq'[]'
-  return token_text.size() <= kLongestEmpty && ValueOfText(token_text).empty();
-}
-
 }  // namespace
 
 Rewriter::Operand Rewriter::Sum() {
@@ -74,26 +68,39 @@ Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
       if (left.function != function) MakeText(left);
       MakeText(right);
     }
-    // A chain becomes one call: nested calls would exhaust the engine's parser.
-    constexpr int kMostArguments = 100;
-    result.function = function;
-    edits_.Replace(operation, ",");
-    if (symbol != '/' && left.function == function && left.arguments < kMostArguments) {
-      result.arguments = left.arguments + 1;
-      edits_.Extend(left.last, right.last, function);
-      is_renamed_ = true;
-    } else {
-      result.arguments = 2;
-      edits_.Wrap(left.first, right.last, function);
-    }
-    return result;
+    CombineByFunction(left, operation, function, result);
+  } else {
+    CombineByOperator(left, operation, right, result);
   }
+  return result;
+}
+
+void Rewriter::CombineByFunction(const Operand& left, std::size_t operation,
+                                 std::string_view function, Operand& result) {
+  // A chain becomes one call: nested calls would exhaust the engine's parser.
+  constexpr int kMostArguments = 100;
+  const bool is_chain = !IsSymbol(tokens_[operation], '/') && left.function == function &&
+                        left.arguments < kMostArguments;
+  result.function = function;
+  result.arguments = is_chain ? left.arguments + 1 : 2;
+  edits_.Replace(operation, ",");
+  if (is_chain) {
+    edits_.Extend(left.last, result.last, function);
+    is_renamed_ = true;
+  } else {
+    edits_.Wrap(left.first, result.last, function);
+  }
+}
+
+// The engine's own operators bind || before * and / before + and -.
+void Rewriter::CombineByOperator(const Operand& left, std::size_t operation, const Operand& right,
+                                 Operand& result) {
+  const char symbol = tokens_[operation].symbol;
   if (traits_.integers_overflow && (symbol == '*' || result.is_number)) {
     const std::string sign(1, symbol);
     if (symbol == '*') edits_.Replace(operation, "*1.0*");
     if (symbol == '+' || symbol == '-') edits_.Replace(operation, sign + "0.0" + sign);
   }
-  // The engine's own operators bind || before * and / before + and -.
   switch (symbol) {
     case '/':
       edits_.Replace(operation, "*1.0/");  // whole numbers would lose the fraction
@@ -108,7 +115,6 @@ Rewriter::Operand Rewriter::Combine(const Operand& left, std::size_t operation,
       break;
     default: result.shape = Shape::kSum; break;
   }
-  return result;
 }
 
 void Rewriter::MakeText(const Operand& operand) {
@@ -159,42 +165,41 @@ Rewriter::Operand Rewriter::Primary() {
       if (token.symbol != '(') Fail(936, "missing expression");
       Parenthesis(true);
       break;
-    case TokenKind::kWord:
-      switch (token.word) {
-        case Word::kNull: ++at_; break;
-        case Word::kCase: Case(); break;
-        case Word::kCast: Cast(); break;
-        case Word::kDate:
-        case Word::kTimestamp:
-          if (Ahead(1).kind == TokenKind::kText) {
-            DateConstant();
-            is_date = true;
-          } else {
-            NameOrCall();
-          }
-          break;
-        case Word::kInterval:
-          if (Ahead(1).kind == TokenKind::kText) Fail(900, "INTERVAL constants are not supported");
-          NameOrCall();
-          break;
-        case Word::kPrior: Fail(900, "CONNECT BY is not supported");
-        case Word::kRownum:
-          Fail(900,
-               "ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE "
-               "clause of an outermost SELECT");
-        default:
-          is_date = token.word == Word::kSystemDate ||
-                    (IsSymbol(Ahead(1), '(') && IsText(token, "TO_DATE"));
-          NameOrCall();
-          break;
-      }
-      break;
+    case TokenKind::kWord: is_date = WordOperand(); break;
     default: Fail(936, "missing expression");
   }
   if (IsSymbol('(') && IsSymbol(Ahead(1), '+') && IsSymbol(Ahead(2), ')')) {
     Fail(900, "the outer join mark (+) is not supported; write LEFT JOIN");
   }
   return {first, at_ - 1, Shape::kAtom, is_number, is_date};
+}
+
+bool Rewriter::WordOperand() {
+  const Token& word = Here();
+  const bool has_text = Ahead(1).kind == TokenKind::kText;
+  switch (word.word) {
+    case Word::kNull: ++at_; return false;
+    case Word::kCase: Case(); return false;
+    case Word::kCast: Cast(); return false;
+    case Word::kDate:
+    case Word::kTimestamp:
+      if (!has_text) break;
+      DateConstant();
+      return true;
+    case Word::kInterval:
+      if (has_text) Fail(900, "INTERVAL constants are not supported");
+      break;
+    case Word::kPrior: Fail(900, "CONNECT BY is not supported");
+    case Word::kRownum:
+      Fail(900,
+           "ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE "
+           "clause of an outermost SELECT");
+    default: break;
+  }
+  const bool is_date =
+      word.word == Word::kSystemDate || (IsSymbol(Ahead(1), '(') && IsText(word, "TO_DATE"));
+  NameOrCall();
+  return is_date;
 }
 
 void Rewriter::Parenthesis(bool is_scalar) {
@@ -255,13 +260,24 @@ void Rewriter::Cast() {
   if (!IsSymbol(Ahead(1), '(')) return NameOrCall();
   const Level level(*this);
   if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
+  const std::size_t open = at_ + 1;
   at_ += 2;
   Condition();
+  const std::size_t as = at_;
   ExpectWord(Word::kAs, 905, "missing keyword AS");
   if (IsWord(Word::kDate) || IsWord(Word::kTimestamp)) {
     Fail(900, "CAST to a date is not supported; write TO_DATE");
   }
-  ColumnType();
+  const WrittenType type = ReadType();
+  const Engine::CastParts parts = engine_.PartsOfCast(type.name, type.sizes);
+  if (parts.before.empty()) {
+    SpellType(as + 1, type);
+  } else {
+    edits_.Replace(open, "(" + parts.before);
+    edits_.Replace(as, parts.behind);
+    for (std::size_t i = as + 1; i < at_; ++i) edits_.Remove(i);
+    is_renamed_ = true;
+  }
   ExpectSymbol(')', 907, "missing right parenthesis");
 }
 

@@ -1,4 +1,4 @@
-// Queries and changes of data, clause by clause.
+// Queries, clause by clause.
 #include <algorithm>
 #include <charconv>
 
@@ -302,105 +302,6 @@ void Rewriter::LockedTables() {
   } while (SkipSymbol(','));
   if (has_tables) return;
   for (std::size_t i = of; i < at_; ++i) edits_.Remove(i);
-}
-
-void Rewriter::Insert() {
-  ++at_;
-  if (IsWord(Word::kAll) || IsText(Here(), "FIRST")) {
-    Fail(900, "INSERT into several tables is not supported");
-  }
-  ExpectWord(Word::kInto, 925, "missing INTO keyword");
-  QualifiedName();
-  AliasOfChangedTable();
-  if (IsSymbol('(') && !IsSymbol(Ahead(1), '(') && Ahead(1).word != Word::kSelect &&
-      Ahead(1).word != Word::kWith) {
-    NameList();
-  }
-  if (SkipWord(Word::kValues)) {
-    Values();
-  } else if (IsQueryStart() || IsSymbol('(')) {
-    const Level level(*this);
-    (void)Query();
-  } else {
-    Fail(926, "missing VALUES keyword");
-  }
-}
-
-void Rewriter::Values() {
-  if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
-  const Level level(*this);
-  ++at_;
-  ExpressionList();
-  if (!IsSymbol(')')) Fail(917, "missing comma");
-  ++at_;
-}
-
-void Rewriter::Update() {
-  ++at_;
-  QualifiedName();
-  AliasOfChangedTable();
-  ExpectWord(Word::kSet, 971, "missing SET keyword");
-  do {
-    Assignment();
-  } while (SkipSymbol(','));
-  if (IsWord(Word::kWhere)) Where(nullptr);
-}
-
-void Rewriter::Assignment() {
-  if (IsSymbol('(')) {
-    NameList();
-  } else {
-    const std::size_t first = at_;
-    QualifiedName();
-    // Engines name the column alone.
-    for (std::size_t i = first; i + 1 < at_; ++i) edits_.Remove(i);
-  }
-  ExpectSymbol('=', 927, "missing equal sign");
-  (void)Sum();
-}
-
-void Rewriter::Delete() {
-  ++at_;
-  if (!SkipWord(Word::kFrom)) edits_.Replace(at_ - 1, "DELETE FROM");
-  QualifiedName();
-  AliasOfChangedTable();
-  if (IsWord(Word::kWhere)) Where(nullptr);
-}
-
-// Oracle's alias stands bare, other engines want AS before it.
-void Rewriter::AliasOfChangedTable() {
-  const Token& alias = Here();
-  if (alias.kind != TokenKind::kQuotedName &&
-      (alias.kind != TokenKind::kWord || ContinuesFromClause(alias.word))) {
-    return;
-  }
-  const std::string_view text = TextOf(sql_, alias);
-  const std::string spelled = engine_.NameSpelling(text);
-  edits_.Replace(at_++, "AS " + (spelled.empty() ? std::string(text) : spelled));
-}
-
-void Rewriter::Name() {
-  const Token& name = Here();
-  const bool is_free_word = name.kind == TokenKind::kWord && !IsReservedByOracle(name.word);
-  if (!is_free_word && name.kind != TokenKind::kQuotedName) {
-    Fail(name.kind == TokenKind::kWord ? 903 : 900, "a name is missing");
-  }
-  SpellName(at_++);
-}
-
-void Rewriter::QualifiedName() {
-  Name();
-  while (SkipSymbol('.')) Name();
-}
-
-void Rewriter::NameList() {
-  ExpectSymbol('(', 906, "missing left parenthesis");
-  do {
-    const std::size_t first = at_;
-    QualifiedName();
-    for (std::size_t i = first; i + 1 < at_; ++i) edits_.Remove(i);
-  } while (SkipSymbol(','));
-  ExpectSymbol(')', 907, "missing right parenthesis");
 }
 
 }  // namespace sabrel::dialect

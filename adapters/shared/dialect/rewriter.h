@@ -76,6 +76,11 @@ class Rewriter {
     std::string name;
     std::size_t last_token = 0;
   };
+  /// A type as it is written, its sizes apart.
+  struct WrittenType {
+    std::string name;  // upper case
+    std::vector<std::string> sizes;
+  };
   class Level;  // one nesting level while it lives
 
   [[nodiscard]] Rewritten Finish(StatementKind kind);
@@ -109,26 +114,53 @@ class Rewriter {
   [[noreturn]] void Fail(std::int32_t native_number, std::string_view what) const;
   [[nodiscard]] std::string Upper(const Token& token) const { return ValueOfName(sql_, token); }
 
-  // Expressions and conditions (expression.cpp).
+  // Conditions (condition.cpp).
   void Condition();
+  void Predicate();
   void Comparison();
   bool OrderComparison(const Operand& left);
   void Pattern(bool is_negated);
   void Quantified(std::size_t operation);
   [[nodiscard]] Type TypeOf(Operand operand) const;
-  void MakeText(const Operand& operand);
+  [[nodiscard]] bool IsNumberOrSum(const Operand& operand) const;
+  void Between(const Operand& left);
+  void In(const Operand& left);
+  void MakeNumber(const Operand& operand);
+  void MakeNumberForNumbers(const Operand& operand);
+  void CastBesideColumn(const Operand& number);
+  [[nodiscard]] static bool IsNumber(Type type) {
+    return type == Type::kNumber || type == Type::kNumberConstant;
+  }
+  [[nodiscard]] static bool IsText(Type type) {
+    return type == Type::kText || type == Type::kTextConstant;
+  }
   [[nodiscard]] static bool NeedConversion(Type left, Type right);
-  [[noreturn]] void RefuseDate() const;
-  void Predicate();
+
+  // Expressions (expression.cpp).
   [[nodiscard]] Operand Sum();
   [[nodiscard]] Operand Product();
   [[nodiscard]] Operand Unary();
   [[nodiscard]] Operand Primary();
+  /// Reads what starts with a word; whether it is known to be a date.
+  bool WordOperand();
   Operand Combine(const Operand& left, std::size_t operation, const Operand& right);
+  void CombineByFunction(const Operand& left, std::size_t operation, std::string_view function,
+                         Operand& result);
+  void CombineByOperator(const Operand& left, std::size_t operation, const Operand& right,
+                         Operand& result);
+  void MakeText(const Operand& operand);
+  [[noreturn]] void RefuseDate() const;
   void Parenthesis(bool is_scalar = false);
   void Case();
   void Cast();
   void DateConstant();
+  void ExpressionList();
+  void OrderList(bool places_nulls = true);
+
+  // Names and calls (call.cpp).
+  void Name();
+  void QualifiedName();
+  void NameList();
   void NameOrCall();
   void SpellName(std::size_t token);
   void SpellNames(std::size_t first, std::size_t last);
@@ -137,16 +169,15 @@ class Rewriter {
   void Arguments();
   void Decode(std::size_t name);
   std::vector<DecodeArgument> DecodeArguments();
+  void Window();
   [[nodiscard]] bool IsAggregateCall(std::size_t first, std::size_t end) const;
   [[nodiscard]] bool IsPlainColumn(std::size_t first) const;
   void KeepColumnName(std::size_t first);
   void UseSequence(std::size_t first, std::size_t last);
-  void Window();
-  void ExpressionList();
-  void OrderList(bool places_nulls = true);
 
-  // Queries and changes of data (query.cpp).
+  // Queries (query.cpp).
   QueryShape Query();
+  void With();
   void SelectCore(SelectFacts& facts, QueryShape& shape);
   [[nodiscard]] std::size_t SelectList();
   void FromList();
@@ -155,21 +186,19 @@ class Rewriter {
   void TableAlias();
   void Where(SelectFacts* facts);
   bool RowLimit(SelectFacts& facts);
+  void FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator);
   void GroupBy(SelectFacts& facts);
   void FetchFirst();
   void ForUpdate();
   void LockedTables();
-  void With();
+
+  // Changes of data (change.cpp).
   void Insert();
+  void Values();
   void Update();
+  void Assignment();
   void Delete();
   void AliasOfChangedTable();
-  void Assignment();
-  void Values();
-  void Name();
-  void QualifiedName();
-  void NameList();
-  void FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator);
 
   // Definitions (definition_rewriter.cpp).
   void Definition();
@@ -177,7 +206,9 @@ class Rewriter {
   void AlterTable();
   void DropTable();
   void TableItem();
+  [[nodiscard]] WrittenType ReadType();
   void ColumnType();
+  void SpellType(std::size_t first, const WrittenType& type);
   void TypeSizes(std::vector<std::string>& sizes);
   void ColumnRules();
   void PrimaryKey();

@@ -137,4 +137,12 @@ StatementKind KindOf(std::string_view statement) {
   }
 }
 
+void RequireCommit(std::string_view statement) {
+  if (Lexer(statement).Next().word == Word::kCommit) return;
+  throw SyntaxFailure{3001,
+                      "unimplemented feature: each statement is a transaction of its own and was "
+                      "committed with its end; statements that belong together go between BEGIN "
+                      "and END;"};
+}
+
 }  // namespace sabrel::dialect

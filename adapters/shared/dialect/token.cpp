@@ -203,6 +203,11 @@ std::string ValueOfText(std::string_view token_text) {
   return value;
 }
 
+bool IsEmptyText(std::string_view token_text) {
+  constexpr std::size_t kLongestEmpty = 6;  // nq'[]'
+  return token_text.size() <= kLongestEmpty && ValueOfText(token_text).empty();
+}
+
 std::string ValueOfName(std::string_view sql, const Token& token) {
   const std::string_view text = TextOf(sql, token);
   if (token.kind == TokenKind::kQuotedName) {

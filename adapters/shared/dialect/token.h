@@ -76,6 +76,8 @@ class Lexer {
 
 /// What a text constant says: without its quotes, doubled quotes single.
 [[nodiscard]] std::string ValueOfText(std::string_view token_text);
+/// Whether a text constant is the empty one, which is Oracle's NULL.
+[[nodiscard]] bool IsEmptyText(std::string_view token_text);
 /// A name as the catalogue holds it: upper case, or as written between quotes.
 [[nodiscard]] std::string ValueOfName(std::string_view sql, const Token& token);
 /// `value` as a text constant.

@@ -48,7 +48,6 @@ constexpr Entry kEntries[] = {
     {"END", Word::kEnd, kFree},
     {"ESCAPE", Word::kEscape, kFree},
     {"EXCEPT", Word::kExcept, kFree},
-    {"EXCEPTION", Word::kException, kFree},
     {"EXISTS", Word::kExists, kReserved},
     {"FETCH", Word::kFetch, kFree},
     {"FOR", Word::kFor, kReserved},

@@ -39,7 +39,6 @@ enum class Word : std::uint8_t {
   kEnd,
   kEscape,
   kExcept,
-  kException,
   kExists,
   kFetch,
   kFor,
