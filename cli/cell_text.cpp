@@ -15,11 +15,17 @@ namespace {
 
 constexpr int kExactDigits = 15;
 
-// Reads back as the same number.
+// Reads back as the same number. Beyond the whole numbers that a double tells apart, its digits
+// without an exponent would look like more than it knows.
 std::string ShortestText(double number) {
+  constexpr double kAllWholeNumbers = 9007199254740992.0;
   std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-  return {buffer.data(), end};
+  char* const end = buffer.data() + buffer.size();
+  const auto written =
+      std::abs(number) > kAllWholeNumbers
+          ? std::to_chars(buffer.data(), end, number, std::chars_format::scientific)
+          : std::to_chars(buffer.data(), end, number);
+  return {buffer.data(), written.ptr};
 }
 
 std::string PlainText(const Variant& value) {
@@ -34,6 +40,12 @@ std::string PlainText(const Variant& value) {
 }
 
 }  // namespace
+
+const std::map<std::string, Format>& FormatWords() {
+  static const std::map<std::string, Format> words = {
+      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
+  return words;
+}
 
 std::string IsoDate(const Date& date, char separator) {
   std::string text = FormatDateTime(date, LocaleFacts{});

@@ -16,15 +16,16 @@
 namespace sabrel::cli {
 namespace {
 
+constexpr std::streamsize kMostPasswordBytes = 64 << 10;
+
 void PutError(std::string_view text) {
   std::fputs((VisibleText(text, "\n") + "\n").c_str(), stderr);
 }
 
-std::string NumberedText(const CErrorObject& failure) {
-  const std::int32_t code = CarriedCode(failure.Number());
-  return (code != 0 ? "Sabrel error " + std::to_string(code)
-                    : "Error " + std::to_string(failure.Number())) +
-         ": " + failure.Description();
+std::string NumberedText(std::int32_t number, const std::string& description) {
+  const std::int32_t code = CarriedCode(number);
+  return (code != 0 ? "Sabrel error " + std::to_string(code) : "Error " + std::to_string(number)) +
+         ": " + description;
 }
 
 // What an operation ends with that goes on without the rows of a failed query: its own failures do
@@ -155,12 +156,24 @@ int Context::Report(const CErrorObject& end) {
   const CErrorObject& failure = failed_query_ && MissesRows(end) ? *failed_query_ : end;
   const bool connection = failure.IsConnectionError();
   const bool known = connection || failure.IsDBError();
-  const std::string text = known ? failure.Text() : NumberedText(failure);
+  const std::string text =
+      known ? failure.Text() : NumberedText(failure.Number(), failure.Description());
   if (!services_->HasShown(known ? text : failure.Description())) PutError(text);
   if (connection && !failure.Description().empty()) PutError("Reason: " + failure.Description());
   const std::string_view kind = KindText(failure.DBErrorType());
   if (failure.IsDBError() && !kind.empty()) PutError("Kind: " + std::string(kind));
   return connection ? kNoConnection : kFailed;
+}
+
+int Context::Tell(std::string_view text) {
+  try {
+    out_.Write(text);
+    out_.Flush();
+    return kDone;
+  } catch (const RuntimeError& failure) {
+    PutError(NumberedText(failure.Number(), failure.Description()));
+    return kFailed;
+  }
 }
 
 void Context::Print(const Variant& value) {
@@ -231,10 +244,17 @@ void Context::RequireCompleteRecord() const {
 
 std::string ReadPasswordFile(Context& context, const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  std::string password;
-  if (!file || (!std::getline(file, password) && !file.eof())) {
-    throw AccessFailure("The password file " + path, errno);
+  std::string password(kMostPasswordBytes + 1, '\0');
+  file.getline(password.data(), kMostPasswordBytes + 1);
+  if (file.fail() && file.gcount() == kMostPasswordBytes) {
+    throw RuntimeError(RuntimeErrorNumber::kInvalidFileFormat,
+                       "The first line of the password file " + path +
+                           " has no end within 64 KiB; name a file whose first line is the "
+                           "password");
   }
+  if (file.fail() && !file.eof()) throw AccessFailure("The password file " + path, errno);
+  const auto line_break = file.eof() ? 0 : 1;
+  password.resize(static_cast<std::size_t>(file.gcount() - line_break));
   struct stat facts {};
   if (::stat(path.c_str(), &facts) == 0 && (facts.st_mode & 077U) != 0) {
     context.Note("Warning: others can read the password file " + path + "; chmod 600 helps");

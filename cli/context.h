@@ -65,6 +65,9 @@ class Context {
   /// For actions that talk to the Data Server. Errors: UsageError when no server was named
   void RequireServer() const;
 
+  /// Prints help, for which there is no session. Returns kDone or kFailed. Errors: OutputClosed
+  int Tell(std::string_view text);
+
   // Results, in the form that was asked for.
   void Print(const Variant& value);
   /// Prints yes or no and returns kDone or kFalse.
@@ -117,8 +120,8 @@ class Context {
 /// "unique constraint violated"; empty for errors that callers need not tell apart.
 [[nodiscard]] std::string_view KindText(EDBErrorType type) noexcept;
 
-/// The first line of the file. Errors: 75. A file that others can read is told as a warning to
-/// `context`
+/// The first line of the file. Errors: 75; 321 when that line does not end. A file that others can
+/// read is told as a warning to `context`
 [[nodiscard]] std::string ReadPasswordFile(Context& context, const std::string& path);
 
 }  // namespace sabrel::cli

@@ -22,7 +22,7 @@ void RequireRecordOrNothing(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const int first = file.get();
   if (first != std::ifstream::traits_type::eof() && first != '{') {
-    throw RuntimeError(kAccessFailure, "Sabrel",
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                        "The file " + path.string() +
                            " exists and is no record; name another file or remove this one");
   }

@@ -1,12 +1,16 @@
 // The program `sabrel`: the component's operations from a terminal.
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <map>
+#include <optional>
+#include <sstream>
 
-#include "adapters/console/terminal.h"
 #include "cli/commands/commands.h"
 #include "cli/context.h"
 
@@ -26,8 +30,9 @@ constexpr const char* kFooter =
     "and writes the\n"
     "  empty text as \"\". JSON is an array of objects; columns of one name are NAME and NAME_2; "
     "a\n"
-    "  decimal of more than 15 digits is a string, so that no reader rounds it. Dates are\n"
-    "  2024-03-09T17:05:00. Row counts, messages and progress go to standard error.\n\n"
+    "  double has the digits that read back as the same double, a decimal of more than 15 digits\n"
+    "  is a string, so that no reader rounds it. Dates are 2024-03-09T17:05:00. Row counts,\n"
+    "  messages and progress go to standard error.\n\n"
     "A profile file (--profile) has a line [name] per Data Server and lines Setting = value "
     "behind:\n"
     "  Driver (sqlite, or an ODBC driver as `odbcinst -q -d` lists it: PostgreSQL's or Oracle's),\n"
@@ -43,9 +48,15 @@ std::string VersionFault(const std::string& text) {
   return "'" + text + "' is no version; write it as 12.0";
 }
 
+// The option's word is one of `words`, in any case.
+template <typename Value>
+void TakeWord(CLI::Option& option, const std::map<std::string, Value>& words) {
+  option.transform(CLI::Transformer(words, CLI::ignore_case).description(""));
+  // What is added last looks at the word first.
+  option.transform(CLI::IsMember(words, CLI::ignore_case).description(""));
+}
+
 void AddOptions(CLI::App& app, Options& options) {
-  static const std::map<std::string, Format> formats = {
-      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
   static const std::map<std::string, AnswerMode> answers = {
       {"yes", AnswerMode::kYes}, {"no", AnswerMode::kNo}, {"ask", AnswerMode::kAsk}};
   CLI::Option* site = app.add_option("--site", options.site,
@@ -60,10 +71,11 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--spreadsheet", options.spreadsheet,
                  "Version of the installed spreadsheet application, 12.0 (default: none)")
       ->check(CLI::Validator(VersionFault, ""));
-  app.add_option("--format", options.format, "table, csv or json (default: table)")
-      ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
-  app.add_option("--answer", options.answer, "Answer to questions: yes, no or ask (default: ask)")
-      ->transform(CLI::CheckedTransformer(answers, CLI::ignore_case).description(""));
+  TakeWord(*app.add_option("--format", options.format, "table, csv or json (default: table)"),
+           FormatWords());
+  TakeWord(*app.add_option("--answer", options.answer,
+                           "Answer to questions: yes, no or ask (default: ask)"),
+           answers);
   app.add_flag("--show-sql", options.show_sql,
                "Show each statement, argument and time-out that is sent, without passwords");
   app.add_option("--record", options.record, "Keep what was sent and answered, as JSON lines");
@@ -78,23 +90,15 @@ void ReadEnvironment(Options& options) {
   if (site != nullptr && options.site.empty() && options.profile_file.empty()) options.site = site;
 }
 
-// kDone when there is a command to run; -1 when help or the version was asked for and printed.
-int Parse(CLI::App& app, int argc, char** argv) {
+// The exit status when there is no command to run: help or the version was asked for, or the words
+// are wrong. Errors: OutputClosed
+std::optional<int> Parse(CLI::App& app, Context& context, int argc, char** argv) {
   try {
     ParseWords(app, {argv + 1, argv + argc});
-    return kDone;
-  } catch (const CLI::RequiredError& missing) {
-    // The parser's own words do not say that a command was misspelt.
-    const std::vector<std::string> words = app.remaining();
-    if (!app.get_subcommands().empty() || words.empty()) {
-      app.exit(missing);
-    } else {
-      std::fprintf(stderr, "There is no command '%s'.\nRun with --help for more information.\n",
-                   VisibleText(words.front(), " ").c_str());
-    }
-    return kWrongUsage;
+    return std::nullopt;
   } catch (const CLI::ParseError& end) {
-    return app.exit(end) == 0 ? -1 : kWrongUsage;
+    std::ostringstream text;
+    return app.exit(end, text, std::cerr) == 0 ? context.Tell(text.str()) : kWrongUsage;
   }
 }
 
@@ -103,19 +107,18 @@ int RunProgram(int argc, char** argv) {
   Context context(interrupts);
   CLI::App app("Sabrel: sends SQL text to a Data Server and prints what comes back.", "sabrel");
   app.set_version_flag("--version", "sabrel " SABREL_VERSION);
-  app.footer(kFooter);
   app.get_formatter()->column_width(28);
   app.require_subcommand(1);
   AddOptions(app, context.options);
   AddSiteCommands(app, context);
   AddSessionCommands(app, context);
   AddShellCommand(app, context);
-  const int parsed = Parse(app, argc, argv);
-  if (parsed != kDone) return parsed < 0 ? kDone : parsed;
-  ReadEnvironment(context.options);
+  app.footer(kFooter);  // Commands take over what their parser has when they are added.
 
   int status = kDone;
   try {
+    if (const auto ended = Parse(app, context, argc, argv)) return *ended;
+    ReadEnvironment(context.options);
     status = context.session ? context.session(context) : context.Run(context.action);
     context.RequireCompleteRecord();
   } catch (const OutputClosed&) {
@@ -127,10 +130,22 @@ int RunProgram(int argc, char** argv) {
   return status;
 }
 
+// A closed descriptor would become the program's next file or pipe, and what goes to and comes from
+// the caller would land there. Standard output is held for reading, so that writing still fails.
+bool HoldStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
+    const int mode = descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY;
+    if (::open("/dev/null", mode) != descriptor) return false;
+  }
+  return true;
+}
+
 }  // namespace
 }  // namespace sabrel::cli
 
 int main(int argc, char** argv) {
+  if (!sabrel::cli::HoldStandardDescriptors()) return sabrel::cli::kFailed;
   // A reader that goes away is noticed where it matters: when standard output is written.
   std::signal(SIGPIPE, SIG_IGN);
   try {

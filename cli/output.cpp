@@ -15,7 +15,6 @@ namespace sabrel::cli {
 namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{64} << 10U;
-constexpr std::size_t kUsualWidth = 80;
 constexpr std::size_t kLeastWidth = 20;
 
 bool WantsNoStyles() {

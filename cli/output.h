@@ -8,6 +8,9 @@
 
 namespace sabrel::cli {
 
+/// Columns where nobody knows a width.
+inline constexpr std::size_t kUsualWidth = 80;
+
 class Output {
  public:
   /// `name` is for failures.

@@ -80,7 +80,7 @@ void RequireSendable(std::string_view text, const std::string& path) {
       text[*fault] == '\0'
           ? "tr -d '\\000'"
           : std::string("iconv -f ") + (has_mark ? "UTF-16" : "ISO-8859-1") + " -t UTF-8";
-  throw RuntimeError(kInvalidFileFormat, "Sabrel",
+  throw RuntimeError(RuntimeErrorNumber::kInvalidFileFormat,
                      "The text from " + source + " cannot be stored: " + problem +
                          ". Nothing was sent; convert the text first, for example with " + remedy +
                          (is_input ? "" : " < " + path));
@@ -90,7 +90,7 @@ void RequireSendable(std::string_view text, const std::string& path) {
 void RequireNoSite(const Context& context, const std::string& path) {
   std::error_code ignored;
   if (!std::filesystem::equivalent(path, context.SessionProfile().Database, ignored)) return;
-  throw RuntimeError(kAccessFailure, "Sabrel",
+  throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                      "The file " + path + " is the session's site; name another file");
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "adapters/console/terminal.h"
 #include "cli/argument.h"
 
 namespace sabrel::cli {
@@ -22,7 +23,33 @@ void TakeMarksOff(CLI::App& parser) {
   for (CLI::App* command : parser.get_subcommands({})) TakeMarksOff(*command);
 }
 
+// The parser's own words for a missing command do not say that one was misspelt.
+[[noreturn]] void RethrowNamingTheCommand(const CLI::App& parser) {
+  std::string name;
+  const CLI::App* group = &parser;
+  while (!group->get_subcommands().empty()) {
+    group = group->get_subcommands().front();
+    name += group->get_name() + " ";
+  }
+  const std::vector<std::string> words = parser.remaining();
+  if (words.empty() || group->get_require_subcommand_min() == 0) throw;
+  name += words.front().substr(words.front().starts_with(kValueMark) ? 1 : 0);
+  throw CLI::RequiredError("There is no command '" + VisibleText(name, " ") + "'",
+                           CLI::ExitCodes::RequiredError);
+}
+
 }  // namespace
+
+const CLI::Validator& QuotableName() {
+  static const CLI::Validator validator(
+      [](const std::string& name) {
+        return name.find('\'') == std::string::npos
+                   ? std::string()
+                   : VisibleText(name, " ") + " holds a single quote, which cannot be asked for";
+      },
+      "");
+  return validator;
+}
 
 void ParseWords(CLI::App& parser, std::vector<std::string> words) {
   TakeMarksOff(parser);
@@ -33,7 +60,11 @@ void ParseWords(CLI::App& parser, std::vector<std::string> words) {
   }
   if (mark != words.end()) words.erase(mark);
   std::ranges::reverse(words);  // The parser takes them from the back.
-  parser.parse(std::move(words));
+  try {
+    parser.parse(std::move(words));
+  } catch (const CLI::RequiredError&) {
+    RethrowNamingTheCommand(parser);
+  }
 }
 
 CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name,
@@ -52,8 +83,10 @@ void AddSessionCommands(CLI::App& parent, Context& context) {
   AddRoutineCommands(parent, context);
   AddLiteralCommand(parent, context);
   AddConversionCommand(parent, context);
-  AddValueCommands(parent, context);
+  AddSequenceCommand(parent, context);
+  AddDateCommands(parent, context);
   AddSchemaCommands(parent, context);
+  AddValueCommand(parent, context);
   AddSettingCommands(parent, context);
   AddFeatureCommands(parent, context);
   AddCompatibilityCommands(parent, context);

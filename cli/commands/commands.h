@@ -18,12 +18,17 @@ namespace sabrel::cli {
 CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name,
                      const std::string& description, const std::string& examples, Action action);
 
+/// For a name or value that stands between single quotes in the statement, as it was typed: it must
+/// not hold one, or it would be SQL of its own and the answer that of another question.
+[[nodiscard]] const CLI::Validator& QuotableName();
+
 /// Parses `words`. A negative number, and whatever stands behind `--`, is a value and never an
 /// option. Errors: CLI::ParseError
 void ParseWords(CLI::App& parser, std::vector<std::string> words);
 
 void AddCompatibilityCommands(CLI::App& parent, Context& context);
 void AddConversionCommand(CLI::App& parent, Context& context);
+void AddDateCommands(CLI::App& parent, Context& context);
 void AddEntityCommands(CLI::App& parent, Context& context);
 void AddFeatureCommands(CLI::App& parent, Context& context);
 void AddLiteralCommand(CLI::App& parent, Context& context);
@@ -31,13 +36,14 @@ void AddQueryCommands(CLI::App& parent, Context& context);
 void AddReportCommands(CLI::App& parent, Context& context);
 void AddRoutineCommands(CLI::App& parent, Context& context);
 void AddSchemaCommands(CLI::App& parent, Context& context);
+void AddSequenceCommand(CLI::App& parent, Context& context);
 void AddServerCommands(CLI::App& parent, Context& context);
 void AddSettingCommands(CLI::App& parent, Context& context);
 void AddSliceCommand(CLI::App& parent, Context& context);
 void AddStartUpCommands(CLI::App& parent, Context& context);
 void AddTextCommands(CLI::App& parent, Context& context);
 void AddValidationCommands(CLI::App& parent, Context& context);
-void AddValueCommands(CLI::App& parent, Context& context);
+void AddValueCommand(CLI::App& parent, Context& context);
 
 /// Those that make no sense inside a session: `site`, `shell`.
 void AddSiteCommands(CLI::App& parent, Context& context);

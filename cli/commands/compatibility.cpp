@@ -27,6 +27,17 @@ struct ModuleVersion {
   std::int32_t version = 0;
 };
 
+int VersionName(Context& context, const ModuleVersion& wanted) {
+  context.RequireServer();
+  const std::string name = GSabrel::GetModuleVersionName(wanted.module, wanted.version);
+  // The operation's own text does not tell what was looked for.
+  if (CarriedCode(GSabrel::SabrelErrorObject()->Number()) == sabNoDataError) {
+    context.Note("There is no version " + std::to_string(wanted.version) + " of module " +
+                 std::to_string(wanted.module));
+  }
+  return PrintAnswer(context, Variant(name));
+}
+
 }  // namespace
 
 void AddCompatibilityCommands(CLI::App& parent, Context& context) {
@@ -43,13 +54,10 @@ void AddCompatibilityCommands(CLI::App& parent, Context& context) {
   release.add_option("KEY", *key, "R and the number, in any case")->required();
 
   const auto arguments = std::make_shared<ModuleVersion>();
-  CLI::App& module = AddCommand(
-      parent, context, "module-version", "Print the name of a module's version",
-      "  sabrel module-version 1 2", [arguments](Context& c) {
-        c.RequireServer();
-        return PrintAnswer(
-            c, Variant(GSabrel::GetModuleVersionName(arguments->module, arguments->version)));
-      });
+  CLI::App& module =
+      AddCommand(parent, context, "module-version", "Print the name of a module's version",
+                 "  sabrel module-version 1 2",
+                 [arguments](Context& c) { return VersionName(c, *arguments); });
   module.add_option("MODULE", arguments->module, "Id of the module")->required();
   module.add_option("VERSION", arguments->version, "Id of its version")->required();
 }

@@ -105,12 +105,12 @@ void AddLiteralCommand(CLI::App& parent, Context& context) {
       "  sabrel literal set-args NAME abc AGE 5",
       [name, values](Context& c) { return Literal(c, *name, *values); });
   std::vector<std::string> names;
-  for (const Kind& kind : Kinds()) names.emplace_back(kind.name);
-  command
-      .add_option("KIND", *name,
-                  "str ord int float date date-string arg args set-args now sequence pad")
-      ->required()
-      ->check(CLI::IsMember(names));
+  std::string listed;
+  for (const Kind& kind : Kinds()) {
+    names.emplace_back(kind.name);
+    listed += (listed.empty() ? "" : " ") + names.back();
+  }
+  command.add_option("KIND", *name, listed)->required()->check(CLI::IsMember(names));
   command.add_option("VALUE", *values, std::string(kArgumentHelp));
 }
 

@@ -2,7 +2,6 @@
 #include <memory>
 #include <optional>
 
-#include "adapters/console/access_failure.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/outcome.h"
 #include "sabrel/core/gsabrel.h"
@@ -54,7 +53,9 @@ int TaskTooBig(Context& context, std::int32_t task) {
   try {
     return PrintTruthAnswer(context, GSabrel::ReportTooBigForXL(std::to_string(task)));
   } catch (const RuntimeError& failure) {
-    if (failure.Number() != kCannotCreateObject) throw;
+    constexpr auto kNoApplication =
+        static_cast<std::int32_t>(RuntimeErrorNumber::kCannotCreateObject);
+    if (failure.Number() != kNoApplication) throw;
     throw UsageError("Task " + std::to_string(task) +
                      " is judged by the spreadsheet application's version; " + kSpreadsheetRemedy);
   }
@@ -101,8 +102,7 @@ void AddLengthy(CLI::App& report, Context& context) {
       "  sabrel report lengthy 5\n"
       "  sabrel --answer no report lengthy --job 3\n\n"
       "Prints `run` (exit status 0) or `declined` (exit status 1). --answer yes|no answers. There "
-      "is "
-      "no\n"
+      "is no\n"
       "  question about a report that is not lengthy or that cannot be checked: it may run.",
       [arguments](Context& c) { return Lengthy(c, *arguments); });
   lengthy.add_option("ID", arguments->id, "Id of the report");

@@ -4,6 +4,7 @@
 
 #include "cli/argument.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/outcome.h"
 #include "cli/row_printer.h"
 #include "sabrel/core/gsabrel.h"
 
@@ -32,13 +33,10 @@ int Call(Context& context, const RoutineArguments& arguments) {
 int Function(Context& context, const RoutineArguments& arguments) {
   context.RequireServer();
   const std::string list = GSabrel::DBArgs(ParseArguments(arguments.values));
-  const Variant result =
-      arguments.kind == "long"
-          ? Variant(GSabrel::ExecuteFunctionReturningLong(arguments.name, list))
-          : Variant(GSabrel::ExecuteFunctionReturningString(arguments.name, list));
-  if (GSabrel::SabrelErrorObject()->Number() != 0) return kFailed;
-  context.Print(result);
-  return kDone;
+  return PrintAnswer(context,
+                     arguments.kind == "long"
+                         ? Variant(GSabrel::ExecuteFunctionReturningLong(arguments.name, list))
+                         : Variant(GSabrel::ExecuteFunctionReturningString(arguments.name, list)));
 }
 
 // A parameter travels as text with a type word; null and empty are the empty text.

@@ -40,7 +40,9 @@ void AddTableProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesTableExist(a.name, a.server.host, a.server.port, a.server.user,
                                                 password, a.server.timeout_s);
                });
-  table.add_option("NAME", arguments->name, "The table, in any case")->required();
+  table.add_option("NAME", arguments->name, "The table, in any case")
+      ->required()
+      ->check(QuotableName());
   AddServerOptions(table, arguments->server);
   AddTimeOut(table, arguments->server);
 }
@@ -54,8 +56,12 @@ void AddColumnProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesFieldExist(a.name, a.part, a.server.host, a.server.port,
                                                 a.server.user, password);
                });
-  column.add_option("TABLE", arguments->name, "The table, in any case")->required();
-  column.add_option("COLUMN", arguments->part, "The column, in any case")->required();
+  column.add_option("TABLE", arguments->name, "The table, in any case")
+      ->required()
+      ->check(QuotableName());
+  column.add_option("COLUMN", arguments->part, "The column, in any case")
+      ->required()
+      ->check(QuotableName());
   AddServerOptions(column, arguments->server);
 }
 
@@ -69,8 +75,12 @@ void AddProcedureProbe(CLI::App& probe, Context& context) {
                [](const SchemaArguments& a, const std::string&) {
                  return GSabrel::DoesThisProcedureExist(a.name, a.part);
                });
-  procedure.add_option("PACKAGE", arguments->name, "The package, in any case")->required();
-  procedure.add_option("NAME", arguments->part, "The procedure, in any case")->required();
+  procedure.add_option("PACKAGE", arguments->name, "The package, in any case")
+      ->required()
+      ->check(QuotableName());
+  procedure.add_option("NAME", arguments->part, "The procedure, in any case")
+      ->required()
+      ->check(QuotableName());
 }
 
 void AddObjectProbe(CLI::App& probe, Context& context) {
@@ -83,8 +93,11 @@ void AddObjectProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesDbObjectExist(a.name, a.part, a.server.host, a.server.port,
                                                    a.server.user, password, a.server.timeout_s);
                });
-  object.add_option("NAME", arguments->name, "The object, in any case")->required();
-  object.add_option("TYPE", arguments->part, "TABLE, VIEW, PACKAGE, FUNCTION, SEQUENCE, ...");
+  object.add_option("NAME", arguments->name, "The object, in any case")
+      ->required()
+      ->check(QuotableName());
+  object.add_option("TYPE", arguments->part, "TABLE, VIEW, PACKAGE, FUNCTION, SEQUENCE, ...")
+      ->check(QuotableName());
   AddServerOptions(object, arguments->server);
   AddTimeOut(object, arguments->server);
 }
@@ -100,8 +113,11 @@ void AddArgumentCount(CLI::App& probe, Context& context) {
                            Variant(GSabrel::GetProcedureLength(arguments->name, arguments->part)));
       });
   count.add_option("PACKAGE", arguments->name, "The package, as the dictionary has it: upper case")
-      ->required();
-  count.add_option("NAME", arguments->part, "The procedure, likewise")->required();
+      ->required()
+      ->check(QuotableName());
+  count.add_option("NAME", arguments->part, "The procedure, likewise")
+      ->required()
+      ->check(QuotableName());
 }
 
 int Length(Context& context, const SchemaArguments& arguments) {

@@ -1,5 +1,6 @@
 // `shell`: many commands in one session.
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
@@ -10,11 +11,10 @@
 namespace sabrel::cli {
 namespace {
 
-constexpr std::string_view kHelp =
-    "A line is a command as on the command line (login, registry, server, query, request, call,\n"
-    "function, proc, literal, convert, sequence, now, range, probe, length, reset, value, week,\n"
-    "email, features, connection, compat, network-release, module-version, entity, report,\n"
-    "validate, text, slices),\n"
+// Editors of some systems put it at the beginning of a file.
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
+constexpr std::string_view kHelpAfterNames =
     "with its words parted by blanks and quoted with ' or \";\n"
     "`COMMAND --help` tells its arguments. Also:\n"
     "  SELECT ... or WITH ...      is a query; the rest of the line is SQL, no quoting needed\n"
@@ -22,6 +22,25 @@ constexpr std::string_view kHelp =
     "  format table|csv|json       changes the form of results\n"
     "  help, exit\n"
     "A line that ends in \\ goes on in the next one; lines that start with -- or # are comments.\n";
+
+std::string Help(Context& context) {
+  constexpr std::size_t kWidth = 91;
+  CLI::App parser;
+  AddSessionCommands(parser, context);
+  std::string text;
+  std::string line = "A line is a command as on the command line (";
+  const auto commands = parser.get_subcommands({});
+  for (const CLI::App* command : commands) {
+    const std::string word = command->get_name() + (command == commands.back() ? ")," : ",");
+    if (line.size() + word.size() > kWidth) {
+      line.back() = '\n';
+      text += std::exchange(line, {});
+    }
+    line += word + " ";
+  }
+  line.back() = '\n';
+  return text + line + std::string(kHelpAfterNames);
+}
 
 class Shell {
  public:
@@ -32,6 +51,10 @@ class Shell {
     std::string line;
     while (!left_) {
       auto [end, text] = reader_->Next();
+      ++lines_read_;
+      const bool has_mark = lines_read_ == 1 && text.starts_with(kByteOrderMark);
+      if (has_mark) text.erase(0, kByteOrderMark.size());
+      if (line.empty()) first_line_ = lines_read_;
       if (end == LineReader::End::kInterrupted) {
         if (context_.Signals().Ending()) return kTerminated;
         if (!reader_->IsInteractive()) return kCancelled;
@@ -56,6 +79,9 @@ class Shell {
   void Take(int status) {
     if (status > kFalse && status_ == kDone) status_ = status;
     const bool goes_on = reader_->IsInteractive() || keep_going_;
+    if (status > kFalse && status <= kFailed && !reader_->IsInteractive()) {
+      context_.Note("In line " + std::to_string(first_line_) + " of the input.");
+    }
     if (status == kCancelled && !reader_->IsInteractive()) left_ = true;
     if (status > kFalse && !goes_on) left_ = true;
   }
@@ -74,8 +100,9 @@ class Shell {
     if (kind == StatementWord::kRequest) return RunSql(RunRequest, Trimmed(line));
     if (command == "query" && !has_help) return RunSql(RunQuery, rest);
     if (command == "request" && !has_help) return RunSql(RunRequest, rest);
-    return context_.Run(
-        [&, words = std::string(rest)](Context&) { return RunCommand(line, command, words); });
+    return context_.Run([&, words = std::string(rest), typed = std::string(word)](Context&) {
+      return RunCommand(line, typed, words);
+    });
   }
 
   int RunSql(int (*run)(Context&, const std::string&), std::string_view sql) {
@@ -85,9 +112,10 @@ class Shell {
     });
   }
 
-  int RunCommand(const std::string& line, const std::string& command, const std::string& rest) {
-    if (command == "help") {
-      context_.Out().Write(kHelp);
+  int RunCommand(const std::string& line, const std::string& word, const std::string& rest) {
+    const std::string command = LowerCase(word);
+    if (command == "help" || command == "-h") {
+      context_.Out().Write(Help(context_));
       return kDone;
     }
     if (command == "format") return SetFormat(rest);
@@ -95,11 +123,16 @@ class Shell {
     parser.require_subcommand(1);
     AddSessionCommands(parser, context_);
     context_.action = nullptr;
+    const auto is_meant = [&word](const CLI::App* known) { return known->get_name() == word; };
+    if (parser.get_subcommands(is_meant).empty()) {
+      throw UsageError("There is no command '" + word +
+                       "' (`help` tells what there is; to send SQL, write `query` or `request` "
+                       "before it)");
+    }
     try {
       ParseWords(parser, SplitWords(line));
     } catch (const CLI::CallForHelp&) {
-      const auto parsed = parser.get_subcommands();
-      context_.Out().Write(parsed.empty() ? std::string(kHelp) : parsed.front()->help());
+      context_.Out().Write(parser.get_subcommands().front()->help());
       return kDone;
     } catch (const CLI::ParseError& wrong) {
       throw UsageError(std::string(wrong.what()) + " (`help` tells what there is)");
@@ -108,21 +141,18 @@ class Shell {
   }
 
   int SetFormat(const std::string& name) {
-    if (name == "table") {
-      context_.options.format = Format::kTable;
-    } else if (name == "csv") {
-      context_.options.format = Format::kCsv;
-    } else if (name == "json") {
-      context_.options.format = Format::kJson;
-    } else {
-      throw UsageError("format is table, csv or json");
-    }
+    const auto word = FormatWords().find(name);
+    if (word == FormatWords().end()) throw UsageError("format is table, csv or json");
+    context_.options.format = word->second;
     return kDone;
   }
 
   Context& context_;
   bool keep_going_;
   std::unique_ptr<LineReader> reader_;
+  std::size_t lines_read_ = 0;
+  /// Of the lines that are one command.
+  std::size_t first_line_ = 0;
   int status_ = kDone;
   bool left_ = false;
 };
@@ -131,12 +161,16 @@ class Shell {
 
 void AddShellCommand(CLI::App& parent, Context& context) {
   const auto keep_going = std::make_shared<bool>(false);
-  CLI::App& shell = AddCommand(parent, context, "shell",
-                               "Run many commands in one session, typed or from standard input",
-                               "  sabrel --site plant.site shell\n"
-                               "  sabrel --site plant.site shell --keep-going < lines.txt\n\n" +
-                                   std::string(kHelp),
-                               nullptr);
+  CLI::App& shell =
+      AddCommand(parent, context, "shell",
+                 "Run many commands in one session, typed or from standard input", "", nullptr);
+  shell.footer([&context] {
+    const std::string help = Help(context);
+    // The parser ends what it gets from here with a line break of its own.
+    return "Examples:\n  sabrel --site plant.site shell\n"
+           "  sabrel --site plant.site shell --keep-going < lines.txt\n\n" +
+           help.substr(0, help.size() - 1);
+  });
   shell.callback([&context, keep_going] {
     context.session = [keep_going](Context& c) { return Shell(c, *keep_going).Run(); };
   });

@@ -2,7 +2,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "adapters/console/access_failure.h"
 #include "adapters/odbc/postgresql/site_builder.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
 #include "cli/commands/commands.h"
@@ -23,7 +22,8 @@ struct SiteArguments {
                        const RuntimeError& failure) {
   std::string text = failure.Description();
   if (!error.detail.empty() && error.detail != text) text += " (" + error.detail + ")";
-  throw RuntimeError(kAccessFailure, "Sabrel", "The site " + where + " was not created: " + text);
+  throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
+                     "The site " + where + " was not created: " + text);
 }
 
 SiteRelease ReleaseOf(const SiteArguments& arguments) {
@@ -39,7 +39,7 @@ void Tell(Context& context, const std::string& where, const SiteArguments& argum
 void RequireNoFile(const std::string& file) {
   std::error_code ignored;
   if (std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) {
-    throw RuntimeError(kAccessFailure, "Sabrel",
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                        "The file " + file +
                            " exists already and stays as it is; remove it first or name another "
                            "file");

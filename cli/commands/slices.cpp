@@ -22,7 +22,6 @@ struct SliceArguments {
 };
 
 constexpr std::int32_t kDay_s = 86400;
-constexpr std::size_t kUsualWidth = 80;
 
 // Of the site's product; 0 when that could not be read. Errors: 5 when the component has no seconds
 // for their number
@@ -30,7 +29,8 @@ std::int32_t SecondsPerSlice(bool busy_hour) {
   const std::int32_t seconds = GSabrel::GetTimeSliceSecondsValue(busy_hour);
   if (seconds != 0 || HasFailed()) return seconds;
   const std::string property = busy_hour ? "BusyHourTimeSlices" : "TimeSlices";
-  throw RuntimeError(static_cast<std::int32_t>(RuntimeErrorNumber::kInvalidCall), "sabrel",
+  // Of all that the program asks the component, this alone is no operation of gsabrel.h.
+  throw RuntimeError(RuntimeErrorNumber::kInvalidCall,
                      "The product's " + property + " is '" + MSabrel::ProductProperty(property) +
                          "' in PM_PRODUCT_INFO; it has to be 24, 48, 72, 96, 120, 144, 240, 288, "
                          "360, 480, 720 or 1440");
@@ -126,6 +126,10 @@ int Slices(Context& context, const SliceArguments& arguments) {
 
 int Hours(Context& context, const SliceArguments& arguments) {
   if (!arguments.selection.empty()) throw UsageError("--seconds stands without SELECTION");
+  if (arguments.seconds[0] > arguments.seconds[1]) {
+    throw UsageError("--seconds takes FIRST LAST, and " + std::to_string(arguments.seconds[0]) +
+                     " is after " + std::to_string(arguments.seconds[1]));
+  }
   if (SecondsPerSlice(arguments.busy_hour) == 0) return kFailed;
   std::int32_t begin = 0;
   std::int32_t ending = 0;
@@ -147,8 +151,7 @@ void AddSliceCommand(CLI::App& parent, Context& context) {
       "  sabrel --format json slices --seconds 7200 17999\n\n"
       "The run is the first one at or after --start; hours are counted in slices. A run that is\n"
       "  the last slice alone ends a second after the day. In the picture \u2588 is the run, "
-      "\u2592 "
-      "what is\n"
+      "\u2592 what is\n"
       "  selected besides; csv and json hold the figures only.",
       [arguments](Context& c) {
         c.RequireServer();
@@ -162,7 +165,8 @@ void AddSliceCommand(CLI::App& parent, Context& context) {
   slices
       .add_option("--seconds", arguments->seconds,
                   "FIRST LAST: print the hours of these seconds of the day instead")
-      ->expected(2);
+      ->expected(2)
+      ->check(CLI::Range(0, kDay_s));
 }
 
 }  // namespace sabrel::cli

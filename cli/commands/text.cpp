@@ -40,6 +40,8 @@ struct TextArguments {
 // No text holds it, so that the rows of one that was read with it can be told apart.
 constexpr std::string_view kRowEnd("\0", 1);
 
+constexpr std::string_view kNoTextHelp = "Exit status 1: there is no such text.";
+
 int NoText(Context& context, std::int32_t id) {
   context.Note("There is no text " + std::to_string(id));
   return kFalse;
@@ -129,6 +131,11 @@ int Save(Context& context, const TextArguments& arguments) {
 
 int Delete(Context& context, std::int32_t id) {
   context.RequireServer();
+  const std::int32_t rows = GSabrel::ExecuteQueryReturningLong(
+      "SELECT COUNT(*) FROM PM_StringTable WHERE Id = " + std::to_string(id));
+  if (HasFailed()) return kFailed;
+  RequireNotCancelled(context);
+  if (rows == 0) return NoText(context, id);
   CDBString text;
   text.Id(id);
   text.Delete();
@@ -151,14 +158,14 @@ void AddLineMode(CLI::App& command, LineMode& mode) {
 
 void AddReading(CLI::App& text, Context& context) {
   const auto load_arguments = std::make_shared<TextArguments>();
-  CLI::App& load = AddCommand(
-      text, context, "load", "Print a stored text, byte for byte",
-      "  sabrel text load 5 > query.sql\n"
-      "  sabrel text load 5 --file query.sql\n"
-      "  sabrel text load 6 --lines --delimiter '\\n'\n\n"
-      "Nothing is added at the end. A terminal shows control characters instead of obeying them.\n"
-      "Exit status 1: there is no such text.",
-      [load_arguments](Context& c) { return Load(c, *load_arguments); });
+  CLI::App& load = AddCommand(text, context, "load", "Print a stored text, byte for byte",
+                              "  sabrel text load 5 > query.sql\n"
+                              "  sabrel text load 5 --file query.sql\n"
+                              "  sabrel text load 6 --lines --delimiter '\\n'\n\n"
+                              "Nothing is added at the end. A terminal shows control characters "
+                              "instead of obeying them.\n" +
+                                  std::string(kNoTextHelp),
+                              [load_arguments](Context& c) { return Load(c, *load_arguments); });
   AddId(load, *load_arguments);
   load.add_option("--file", load_arguments->file,
                   "Write to this file, in the place of what it holds");
@@ -167,7 +174,7 @@ void AddReading(CLI::App& text, Context& context) {
   const auto lines_arguments = std::make_shared<TextArguments>();
   CLI::App& lines = AddCommand(
       text, context, "lines", "Print the rows of a text that is kept line by line, numbered",
-      "  sabrel --format csv text lines 6",
+      "  sabrel --format csv text lines 6\n\n" + std::string(kNoTextHelp),
       [lines_arguments](Context& c) { return Lines(c, lines_arguments->id); });
   AddId(lines, *lines_arguments);
 }
@@ -203,7 +210,8 @@ void AddWriting(CLI::App& text, Context& context) {
 
   const auto delete_arguments = std::make_shared<TextArguments>();
   CLI::App& remove =
-      AddCommand(text, context, "delete", "Delete a stored text", "  sabrel text delete 5",
+      AddCommand(text, context, "delete", "Delete a stored text",
+                 "  sabrel text delete 5\n\n" + std::string(kNoTextHelp),
                  [delete_arguments](Context& c) { return Delete(c, delete_arguments->id); });
   AddId(remove, *delete_arguments);
 }

@@ -24,7 +24,7 @@ constexpr const char* kTypes =
     "Type of the document; those bound to servers are \"Export Definition\",\n"
     "  \"Export Schedule\", \"Report Group\" and \"Report Definition\", any other is valid";
 constexpr const char* kModes =
-    "SaveOn and RunSaveOn ask about a document that is not valid (see --answer), others do not";
+    "SaveOn and RunSaveOn ask about a document that is not valid (see --answer), SaveOff does not";
 
 int Document(Context& context, const DocumentArguments& arguments) {
   const Variant id = ParseArgument(arguments.id);
@@ -136,6 +136,12 @@ int Mail(Context& context) {
   return ready ? kDone : kFalse;
 }
 
+void AddMode(CLI::App& command, DocumentArguments& arguments) {
+  command.add_option("--mode", arguments.mode, kModes)
+      ->check(CLI::IsMember({"SaveOn", "RunSaveOn", "SaveOff"}))
+      ->capture_default_str();
+}
+
 void AddDocuments(CLI::App& validate, Context& context) {
   const auto document = std::make_shared<DocumentArguments>();
   CLI::App& document_command = AddCommand(
@@ -144,7 +150,7 @@ void AddDocuments(CLI::App& validate, Context& context) {
       [document](Context& c) { return Document(c, *document); });
   document_command.add_option("TYPE", document->type, kTypes)->required();
   document_command.add_option("ID", document->id, "Id of the server group, or null")->required();
-  document_command.add_option("--mode", document->mode, kModes)->capture_default_str();
+  AddMode(document_command, *document);
 
   const auto group = std::make_shared<DocumentArguments>();
   CLI::App& group_command = AddCommand(
@@ -153,7 +159,7 @@ void AddDocuments(CLI::App& validate, Context& context) {
       [group](Context& c) { return Group(c, *group); });
   group_command.add_option("TYPE", group->type, kTypes)->required();
   group_command.add_option("GROUP", group->group, "Id of the job group")->required();
-  group_command.add_option("--mode", group->mode, kModes)->capture_default_str();
+  AddMode(group_command, *group);
 }
 
 void AddUserOptions(CLI::App& command, RemoteUser& user) {

@@ -1,46 +1,40 @@
-// `sequence`, `now` and `range`: single values that the server gives.
+// `value`: has a system variable a value?
 #include <memory>
 
 #include "cli/commands/commands.h"
 #include "cli/commands/outcome.h"
+#include "cli/commands/server_options.h"
 #include "sabrel/core/gsabrel.h"
 
 namespace sabrel::cli {
 namespace {
 
-Variant DateOrNull(const Date& date) { return date.IsZero() ? Variant(Null{}) : Variant(date); }
+struct ValueArguments {
+  std::string name;
+  std::string value;
+  ServerOptions server;
+};
 
-int Range(Context& context) {
+int Value(Context& context, const ValueArguments& arguments) {
   context.RequireServer();
-  const Date oldest = GSabrel::GetRecordOldestDate();
-  if (HasFailed()) return kFailed;
-  const Date latest = GSabrel::GetRecordLatestDate();
-  if (HasFailed()) return kFailed;
-  PrintTable(context, {"OLDEST", "LATEST"}, {{DateOrNull(oldest), DateOrNull(latest)}});
-  context.Out().Flush();
-  if (latest.IsZero()) context.Note("No data was collected yet");
-  return kDone;
+  const ServerOptions& server = arguments.server;
+  const bool exists =
+      GSabrel::SystemValueExists(arguments.name, arguments.value, server.host, server.port,
+                                 server.user, PasswordOf(context, server), server.timeout_s);
+  return PrintTruthAnswer(context, exists);
 }
 
 }  // namespace
 
-void AddValueCommands(CLI::App& parent, Context& context) {
-  const auto name = std::make_shared<std::string>();
-  CLI::App& sequence =
-      AddCommand(parent, context, "sequence", "Draw the next value of a sequence",
-                 "  sabrel sequence PM_StringTable_SQ", [name](Context& c) {
-                   c.RequireServer();
-                   return PrintAnswer(c, Variant(GSabrel::GetNextInSequence(*name)));
-                 });
-  sequence.add_option("NAME", *name, "The sequence")->required();
-
-  AddCommand(parent, context, "now", "Print the server's date and time, to the minute", "",
-             [](Context& c) {
-               c.RequireServer();
-               return PrintAnswer(c, Variant(GSabrel::GetCurrentDateTime()));
-             });
-  AddCommand(parent, context, "range", "Print the oldest and the latest date of collected data",
-             "  sabrel --format csv range", Range);
+void AddValueCommand(CLI::App& parent, Context& context) {
+  const auto arguments = std::make_shared<ValueArguments>();
+  CLI::App& value = AddCommand(parent, context, "value", "Does a system variable have a value?",
+                               "  sabrel value ReportLanguage Deutsch",
+                               [arguments](Context& c) { return Value(c, *arguments); });
+  value.add_option("NAME", arguments->name, "The variable")->required()->check(QuotableName());
+  value.add_option("VALUE", arguments->value, "The value")->required()->check(QuotableName());
+  AddServerOptions(value, arguments->server);
+  AddTimeOut(value, arguments->server);
 }
 
 }  // namespace sabrel::cli

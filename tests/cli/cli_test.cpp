@@ -60,6 +60,9 @@ TEST_F(CommandLine, PrintsRowsInTheFormAskedFor) {
        "T      N\n----  --\n東京  12\né      3\n", "2 rows\n"},
       {"no rows as json", "--format json " + nothing, 0, "[]\n", "0 rows\n"},
       {"no rows", nothing, 0, "N\n-\n", "0 rows\n"},
+      {"numbers beyond a double",
+       "--format json query `SELECT 9007199254740993 AS A, 12345678901234567890 AS B FROM DUAL`", 0,
+       "[\n{`A`:`9007199254740993`,`B`:1.2345678901234567e+19}\n]\n"},
       {"out parameter", "--format csv proc ZR_Query.CreateFQuery 1 2", 0,
        "POSITION,SENT,RECEIVED\n1,1,1\n2,2,100\n"},
   });
@@ -74,9 +77,14 @@ TEST_F(CommandLine, TellsFailuresByStatusAndMessage) {
       {"failed sequence", "sequence nope", 4, "", "2289"},
       {"other host", "query --host elsewhere `SELECT 1 FROM DUAL`", 3, "", "Reason: "},
       {"no command", "", 2, "", "required"},
-      {"unknown command", "qeury SELECT", 2, "", "qeury"},
+      {"unknown command", "qeury SELECT", 2, "", "no command 'qeury'"},
+      {"unknown part", "probe tabel", 2, "", "no command 'probe tabel'"},
+      {"unknown form", "--format xml now", 2, "", "xml not in {csv,json,table}"},
       {"site and profile", "--site @/plant.site --profile @/good.profiles now", 2, "", "--profile"},
       {"no password file", "query --password-file @/none `SELECT 1 FROM DUAL`", 4, "", "@/none"},
+      {"endless password", "query --password-file /dev/zero nope", 4, "", "within 64 KiB"},
+      {"closed output", "now >&-", 4, "", "Error 75: Standard output cannot be written"},
+      {"help on a full disk", "--help > /dev/full", 4, "", "Error 75: Standard output"},
       {"output on a full disk", "query `SELECT 1 FROM DUAL` > /dev/full", 4, "", "No space left"},
       {"log on a full disk", "--log /dev/full query nope", 4, "", "No space left"},
       {"record on a full disk", "--record /dev/full now", 4, nullptr, "No space left"},
@@ -87,6 +95,7 @@ TEST_F(CommandLine, TellsFailuresByStatusAndMessage) {
       {"unknown profile", "--profile @/good.profiles --profile-name b now", 2, "", "b"},
       {"version", "--version", 0, "sabrel 7.3.0\n"},
   });
+  EXPECT_THAT(Run("week --help").out, Not(HasSubstr("Exit status"))) << "that is all commands'";
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Filled("@")), {}), 3)
       << "something half-written stayed behind";
   const Outcome without_server = RunProgram({.line = "now"});
@@ -123,6 +132,7 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
     int status;
     const char* out;
     const char* option = "";
+    const char* err = "";
   } sessions[] = {
       {"SQL without quoting", "SELECT 'it''s' AS T FROM DUAL;\n", 0, "T\n----\nit's\n"},
       {"requests", "insert into PM_Note (Id) values ('x')\nliteral str after\n", 4, ""},
@@ -132,6 +142,10 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
       {"long lines", "literal str \\\n  'a b'\nexit\nliteral str never\n", 0, "'a b'\n"},
       {"NUL", std::string("SELECT '\0' FROM DUAL\n", 21) + "literal str b\n", 4, "'b'\n",
        " --keep-going"},
+      {"SQL of no known word", "\n(SELECT \\\n1 FROM DUAL)\n", 2, "", "",
+       "'(SELECT' (`help` tells what there is; to send SQL, write `query` or `request` before it)\n"
+       "In line 2 of the input.\n"},
+      {"byte order mark", "\xef\xbb\xbfliteral str a\n", 0, "'a'\n"},
       {"open quote", "literal str 'a\n", 2, ""},
       {"forms", "format csv\nselect '' || '' AS A, 1 AS B from dual\n", 0, "A,B\n,1\n"},
       {"a state of its own", "sequence ZR_QUERY_SQ\nselect ZR_QUERY_SQ.CURRVAL AS C from dual\n", 0,
@@ -143,6 +157,7 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
     const Outcome outcome = Run("shell" + std::string(session.option), session.input);
     EXPECT_EQ(outcome.status, session.status) << session.name << ": " << outcome.err;
     EXPECT_EQ(outcome.out, session.out) << session.name;
+    EXPECT_THAT(outcome.err, HasSubstr(session.err)) << session.name;
   }
 }
 

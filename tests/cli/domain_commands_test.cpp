@@ -70,6 +70,7 @@ TEST_F(CommandLine, ValidatesDocumentsServersUsersAndMail) {
       {"create", on("user north 7 newton --create"), 0, "TRUE\n"},
       {"asked", "--answer yes " + document, 0, "yes\n", "not active"},
       {"unasked", document + " --mode SaveOff", 1, "no\n"},
+      {"no mode", document + " --mode saveoff", 2, "", "SaveOff"},
       {"mail", "--format csv validate mail", 0, mail},
       {"no password", "validate server a 1 ana", 2, "", "--password-file FILE"},
   });
@@ -88,6 +89,8 @@ TEST_F(CommandLine, DrawsAndCountsTheSlicesOfTheDay) {
   Check({
       {"csv", "--format csv slices 3-5,24 --start 6", 0, figures},
       {"hours", "--format json slices --seconds 7200 17999", 0, hours},
+      {"no second of the day", "slices --seconds 0 86401", 2, "", "0 to 86400"},
+      {"backwards", "slices --seconds 5 0", 2, "", "5 is after 0"},
       {"nothing selected", "slices none", 0, nullptr, "No slice is selected from slice 1 on"},
       {"beyond the day", "slices 3,25", 2, "", "'3,25' is no selection of slices"},
       {"minutes", "request `UPDATE PM_PRODUCT_INFO SET Value = '1440'`", 0},

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/argument.h"
 #include "cli/commands/commands.h"
 #include "cli/row_printer.h"
 #include "sabrel/core/gsabrel.h"
@@ -11,6 +12,7 @@
 namespace sabrel::cli {
 namespace {
 
+// As the component opens them, which keeps their paths to itself.
 constexpr const char* kSetupKey = "\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Torvane\\Norvasta\\Setup";
 constexpr const char* kMailKey = "\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Clients\\Mail";
 
@@ -115,7 +117,7 @@ std::vector<LoginStep> LoginSteps(const Options& options) {
       {"SystemFirstDayOfWeek",
        "the system variable StartOfWeek has to have one value, 0 (Sunday) to 6, in "
        "ZR_SYSTEM_VARIABLE and ZR_SYSTEM_VALUE",
-       true, [week](Context&) { *week = Variant(GSabrel::SystemFirstDayOfWeek()); },
+       true, [week](Context&) { *week = ParseArgument(GSabrel::SystemFirstDayOfWeek()); },
        [week] {
          return std::vector<std::pair<std::string, Variant>>{{"First day of week", *week}};
        }});
