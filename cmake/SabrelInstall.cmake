@@ -8,8 +8,21 @@ install(TARGETS sabrel_sabrel sabrel_adapter_shared sabrel_sqlite sabrel_odbc sa
 install(TARGETS sabrel_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT SabrelTargets NAMESPACE sabrel:: DESTINATION ${package_dir})
 
-install(DIRECTORY sabrel adapters DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h"
+install(DIRECTORY sabrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h"
   PATTERN "thread_holder.h" EXCLUDE)
+# What hosts include of the adapters; none of it wants a library's own headers.
+install(DIRECTORY adapters/console DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/adapters FILES_MATCHING PATTERN "*.h")
+foreach(header
+    odbc/odbc_rowlink.h
+    odbc/postgresql/site_builder.h
+    servers/server_rowlink.h
+    shared/conversation.h
+    shared/profiles.h
+    sqlite/site_builder.h
+    sqlite/sqlite_rowlink.h)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES adapters/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/adapters/${folder})
+endforeach()
 
 configure_package_config_file(cmake/SabrelConfig.cmake.in ${PROJECT_BINARY_DIR}/SabrelConfig.cmake
   INSTALL_DESTINATION ${package_dir})
