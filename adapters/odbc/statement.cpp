@@ -21,9 +21,35 @@ constexpr std::size_t kUnknownTextUnits = 1001;
 // Drivers count in milliseconds of 32 bits.
 constexpr std::int32_t kLongestTimeoutSeconds = 1000000;
 
-std::size_t TextUnits(SQLULEN declared) {
-  const bool is_known = declared > 0 && declared < kMostTextUnits;
-  return is_known ? declared + 1 : (declared == 0 ? kUnknownTextUnits : kMostTextUnits);
+// "2024-03-09" and with its time; a time alone is shorter than the one or the other.
+constexpr SQLLEN kDateLength = 10;
+constexpr SQLLEN kTimestampLength = 19;
+
+std::size_t TextUnits(SQLLEN declared) {
+  if (declared <= 0) return kUnknownTextUnits;
+  return std::min(static_cast<std::size_t>(declared), kMostTextUnits - 1) + 1;
+}
+
+// What a driver is asked of a column it knows from the rows alone: for the concise type, and for
+// SQLDescribeCol, one may ask the server's catalogue about each table.
+SQLLEN AttributeOf(SQLHSTMT statement, std::size_t column, SQLUSMALLINT attribute) {
+  SQLLEN value = 0;
+  Require(SQLColAttributeW(statement, static_cast<SQLUSMALLINT>(column + 1), attribute, nullptr, 0,
+                           nullptr, &value),
+          SQL_HANDLE_STMT, statement);
+  return value;
+}
+
+std::string LabelOf(SQLHSTMT statement, std::size_t column) {
+  constexpr SQLSMALLINT kUnits = 300;
+  std::u16string label(kUnits, u'\0');
+  SQLSMALLINT bytes = 0;
+  Require(SQLColAttributeW(statement, static_cast<SQLUSMALLINT>(column + 1), SQL_DESC_LABEL,
+                           WideArgument(label), kUnits * sizeof(SQLWCHAR), &bytes, nullptr),
+          SQL_HANDLE_STMT, statement);
+  label.resize(
+      std::clamp<std::size_t>(static_cast<std::size_t>(bytes) / sizeof(SQLWCHAR), 0, kUnits - 1));
+  return ToUtf8(label);
 }
 
 }  // namespace
@@ -87,20 +113,9 @@ void Statement::Describe() {
   Require(SQLNumResultCols(handle_, &count), SQL_HANDLE_STMT, handle_);
   columns_.resize(static_cast<std::size_t>(count));
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    constexpr SQLSMALLINT kNameUnits = 300;
-    std::u16string name(kNameUnits, u'\0');
-    SQLSMALLINT length = 0;
-    SQLSMALLINT type = 0;
-    SQLSMALLINT scale = 0;
-    SQLSMALLINT nullable = 0;
-    SQLULEN size = 0;
-    Require(SQLDescribeColW(handle_, static_cast<SQLUSMALLINT>(i + 1), WideArgument(name),
-                            kNameUnits, &length, &type, &size, &scale, &nullable),
-            SQL_HANDLE_STMT, handle_);
-    name.resize(static_cast<std::size_t>(std::min<SQLSMALLINT>(length, kNameUnits - 1)));
     Column& column = columns_[i];
-    column.name = ToUtf8(name);
-    switch (type) {
+    column.name = LabelOf(handle_, i);
+    switch (const SQLLEN type = AttributeOf(handle_, i, SQL_DESC_TYPE); type) {
       case SQL_BIT:
       case SQL_TINYINT:
       case SQL_SMALLINT:
@@ -120,12 +135,16 @@ void Statement::Describe() {
         column.kind = Kind::kReal;
         column.cell_bytes = sizeof(double);
         break;
-      case SQL_TYPE_DATE:
-      case SQL_TYPE_TIMESTAMP:
-        column.kind = Kind::kDate;
-        column.cell_bytes = sizeof(SQL_TIMESTAMP_STRUCT);
-        break;
-      default: column.cell_bytes = TextUnits(size) * sizeof(SQLWCHAR); break;
+      default: {
+        const SQLLEN length = AttributeOf(handle_, i, SQL_DESC_LENGTH);
+        const bool has_date = length == kDateLength || length >= kTimestampLength;
+        if (type == SQL_DATETIME && has_date) {
+          column.kind = Kind::kDate;
+          column.cell_bytes = sizeof(SQL_TIMESTAMP_STRUCT);
+        } else {
+          column.cell_bytes = TextUnits(length) * sizeof(SQLWCHAR);
+        }
+      }
     }
   }
   Bind();

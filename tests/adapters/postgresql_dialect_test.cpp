@@ -63,9 +63,11 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
        "THEN "
        "b WHEN COALESCE((NULL),'') THEN c END y FROM t"},
       {"queries in FROM", "SELECT a FROM (SELECT a FROM t), (SELECT b FROM u) x WHERE ROWNUM<=3",
-       "SELECT a FROM (SELECT a FROM t) sabrel_1, (SELECT b FROM u) x LIMIT 3"},
+       "/**/SELECT a FROM (SELECT a FROM t) sabrel_1, (SELECT b FROM u) x LIMIT 3"},
+      {"many rows", "SELECT a FROM (SELECT a FROM t FETCH FIRST 2 ROWS ONLY) x WHERE ROWNUM<102",
+       "SELECT a FROM (SELECT a FROM t FETCH FIRST 2 ROWS ONLY) x LIMIT 101"},
       {"set operators", "SELECT a FROM t MINUS SELECT b FROM u ORDER BY 1 FETCH FIRST 2 ROWS ONLY",
-       "SELECT a FROM t EXCEPT SELECT b FROM u ORDER BY 1 FETCH FIRST 2 ROWS ONLY"},
+       "/**/SELECT a FROM t EXCEPT SELECT b FROM u ORDER BY 1 FETCH FIRST 2 ROWS ONLY"},
       {"locks", "SELECT a FROM t FOR UPDATE OF t.a NOWAIT",
        "SELECT a FROM t FOR UPDATE OF t NOWAIT"},
       {"locks of columns", "SELECT a FROM t FOR UPDATE OF a SKIP LOCKED",

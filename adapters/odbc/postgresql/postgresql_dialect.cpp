@@ -357,7 +357,7 @@ std::string CompileForPostgresql(std::string_view statement) {
              TextConstant(PostgresqlName(dialect::DroppedName(statement))) + ")";
     default: {
       const dialect::Rewritten rewritten = dialect::Rewrite(statement, Dialect());
-      return rewritten.has_one_row ? std::string(kWithoutCursor) + rewritten.text : rewritten.text;
+      return rewritten.has_few_rows ? std::string(kWithoutCursor) + rewritten.text : rewritten.text;
     }
   }
 }

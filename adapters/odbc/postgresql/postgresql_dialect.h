@@ -17,9 +17,9 @@ namespace sabrel::odbc {
 /// Errors: dialect::SyntaxFailure; 1008 for a bind parameter, 900 for a stored routine in PL/SQL
 [[nodiscard]] std::string CompileForPostgresql(std::string_view statement);
 
-/// In front of a query that gives few rows: behind a comment the driver sees no query and opens no
-/// cursor, which would take a second round trip, and a transaction of its own whose failing commit
-/// nobody is told of.
+/// In front of a query that by its form gives few rows: behind a comment the driver sees no query
+/// and opens no cursor, which would take a second round trip, and a transaction of its own whose
+/// failing commit nobody is told of.
 inline constexpr std::string_view kWithoutCursor = "/**/";
 
 /// The parts of a qualified name as Oracle's catalogue holds them, each as PostgreSQL's does.

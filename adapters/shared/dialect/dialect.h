@@ -73,8 +73,9 @@ struct Rewritten {
   std::vector<Constant> constants;
   /// Changes data, draws a sequence or calls a routine that may: wants a write transaction.
   bool writes = false;
-  /// A query that by its form gives one row at most; others may, too.
-  bool has_one_row = false;
+  /// A query that by its form gives few rows, at most kFewRows; others may, too.
+  bool has_few_rows = false;
+  static constexpr std::int64_t kFewRows = 100;
 };
 
 /// What the rewriting must know of the stored routines and of the engine.

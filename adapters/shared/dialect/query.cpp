@@ -219,6 +219,7 @@ bool Rewriter::RowLimit(SelectFacts& facts) {
   if (is_below) limit = std::max<std::int64_t>(limit - 1, 0);
   facts.has_row_limit = true;
   facts.row_limit_token = at_;
+  has_few_rows_ = limit <= Rewritten::kFewRows;
   for (int i = 0; i < 3; ++i) edits_.Remove(at_++);
   edits_.AppendToStatement(" LIMIT " + std::to_string(limit));
   return true;
@@ -268,6 +269,9 @@ void Rewriter::FetchFirst() {
     if (!count(limit)) limit = "1";
     if (!row_word() || !SkipText("ONLY")) Fail(900, "only FETCH FIRST n ROWS ONLY is supported");
   }
+  std::int64_t rows = -1;
+  std::from_chars(limit.data(), limit.data() + limit.size(), rows);
+  if (depth_ == 0) has_few_rows_ = rows >= 0 && rows <= Rewritten::kFewRows;
   if (traits_.takes_fetch_first) return;
   edits_.Replace(first, "LIMIT " + limit + (offset.empty() ? "" : " OFFSET " + offset));
   for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);

@@ -24,9 +24,8 @@ Rewriter::Rewriter(std::string_view sql, const Engine& engine)
 Rewritten Rewriter::Run(StatementKind kind) {
   // Checks of a table are also read by tools that know the engine but not this server's functions.
   compares_ = kind != StatementKind::kCreateTable && !IsText(Here(), "ALTER");
-  bool has_one_row = false;
   switch (kind) {
-    case StatementKind::kSelect: has_one_row = Query().has_one_row; break;
+    case StatementKind::kSelect: has_few_rows_ = Query().has_one_row || has_few_rows_; break;
     case StatementKind::kInsert: Insert(); break;
     case StatementKind::kUpdate: Update(); break;
     case StatementKind::kDelete: Delete(); break;
@@ -37,7 +36,7 @@ Rewritten Rewriter::Run(StatementKind kind) {
   }
   if (IsWord(Word::kReturning)) Fail(900, "RETURNING is not supported");
   Rewritten rewritten = Finish(kind);
-  rewritten.has_one_row = has_one_row;
+  rewritten.has_few_rows = has_few_rows_;
   return rewritten;
 }
 

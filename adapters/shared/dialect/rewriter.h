@@ -225,6 +225,7 @@ class Rewriter {
   Lift lift_ = Lift::kAlways;
   bool may_lift_;
   bool writes_ = false;
+  bool has_few_rows_ = false;
   bool compares_ = true;     // values of different types by a function
   bool is_renamed_ = false;  // the engine would name the column that is read otherwise
   std::vector<Column> columns_;
