@@ -153,10 +153,28 @@ void Connection::Execute(const std::u16string& text, std::int32_t timeout_s) {
   Statement(handle_, cancel_point_).Execute(text, timeout_s);
 }
 
-std::unique_ptr<Statement> Connection::Query(const std::u16string& text, std::int32_t timeout_s) {
+std::unique_ptr<Statement> Connection::Run(const std::string& text, std::int32_t timeout_s) {
   auto statement = std::make_unique<Statement>(handle_, cancel_point_);
-  statement->Execute(text, timeout_s);
+  statement->Execute(ToWide(text), timeout_s);
   return statement;
+}
+
+std::unique_ptr<Statement> Connection::Query(const Compiled& statement, std::int32_t timeout_s) {
+  const bool has_one_row = !statement.question.empty() && IsSo(statement.question, timeout_s);
+  return Run(has_one_row ? statement.one_row_text : statement.text, timeout_s);
+}
+
+bool Connection::IsSo(const std::string& question, std::int32_t timeout_s) {
+  constexpr std::size_t kMostAnswers = 1000;
+  if (const auto known = answers_.find(question); known != answers_.end()) return known->second;
+  const auto statement = Run(question, timeout_s);
+  RowBlock rows(statement->ColumnNames().size());
+  static_cast<void>(statement->Fetch(rows, 1));
+  const Variant answer = rows.Rows() > 0 ? rows.Cell(0, 0) : Variant();
+  const bool is_so = answer.kind() == VariantKind::kInt32 && answer.Get<std::int32_t>() > 0;
+  if (answers_.size() >= kMostAnswers) answers_.clear();
+  answers_.emplace(question, is_so);
+  return is_so;
 }
 
 std::optional<Signature> Connection::Find(const std::string& name, std::size_t arguments,
@@ -164,7 +182,7 @@ std::optional<Signature> Connection::Find(const std::string& name, std::size_t a
   const std::string key = UpperCase(TrimBlanks(name));
   auto known = routines_.find(key);
   if (known == routines_.end()) {
-    const auto statement = Query(ToWide(engine_.SignatureQuery(key)), timeout_s);
+    const auto statement = Run(engine_.SignatureQuery(key), timeout_s);
     RowBlock rows(statement->ColumnNames().size());
     while (statement->Fetch(rows, SIZE_MAX)) {
     }
@@ -200,7 +218,7 @@ RowBlock Connection::Call(const Signature& signature,
 void Connection::CallByText(const Signature& signature,
                             const std::vector<std::optional<std::string>>& values,
                             std::int32_t timeout_s, RowBlock& row) {
-  const auto statement = Query(ToWide(engine_.CallText(signature, values)), timeout_s);
+  const auto statement = Run(engine_.CallText(signature, values), timeout_s);
   if (row.Columns() == 0) return;
   RowBlock rows(statement->ColumnNames().size());
   while (statement->Fetch(rows, SIZE_MAX)) {

@@ -33,9 +33,9 @@ class Connection {
 
   /// Sends a statement and drops what it returns. Cost: one round trip. Errors: DriverFailure
   void Execute(const std::u16string& text, std::int32_t timeout_s);
-  /// A statement that runs; it must end before the connection does.
-  [[nodiscard]] std::unique_ptr<Statement> Query(const std::u16string& text,
-                                                 std::int32_t timeout_s);
+  /// A statement that runs; it must end before the connection does. Cost: one round trip, one more
+  /// at its end where rows come through a cursor, and one for a question not asked before
+  [[nodiscard]] std::unique_ptr<Statement> Query(const Compiled& statement, std::int32_t timeout_s);
 
   /// The description of a routine, asked for once; nothing where there is none, or where
   /// several have the name and none takes `arguments` of them (one more: a result position).
@@ -59,6 +59,8 @@ class Connection {
   void WriteArrays(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
 
  private:
+  [[nodiscard]] std::unique_ptr<Statement> Run(const std::string& text, std::int32_t timeout_s);
+  [[nodiscard]] bool IsSo(const std::string& question, std::int32_t timeout_s);
   void CallByText(const Signature& signature, const std::vector<std::optional<std::string>>& values,
                   std::int32_t timeout_s, RowBlock& row);
   void WriteManyRows(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
@@ -69,6 +71,7 @@ class Connection {
   std::shared_ptr<CancelPoint> cancel_point_;
   void* handle_ = nullptr;
   std::map<std::string, std::vector<Signature>, std::less<>> routines_;
+  std::map<std::string, bool> answers_;  // to questions of compiled statements
 };
 
 }  // namespace sabrel::odbc

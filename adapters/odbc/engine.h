@@ -43,6 +43,17 @@ struct Signature {
   std::vector<Argument> arguments;  // without a function's result
 };
 
+/// A statement as a server takes it.
+struct Compiled {
+  /// Empty where there is nothing to send (COMMIT, where each statement is a transaction).
+  std::string text;
+  /// A query with one row and column, more than 0 where `text` is one that gives one row at most;
+  /// `one_row_text` is then sent instead, which saves a round trip. Empty where there is no such
+  /// doubt. The answer may be out of date: it decides on costs only.
+  std::string question;
+  std::string one_row_text;
+};
+
 class Engine {
  public:
   virtual ~Engine() = default;
@@ -63,10 +74,9 @@ class Engine {
   }
   /// Statements to send once when a connection was made, in the server's own language.
   [[nodiscard]] virtual std::vector<std::string> OpeningStatements() const = 0;
-  /// The server's form of one statement, as dialect::RequireOneStatement returned it; empty where
-  /// there is nothing to send (COMMIT, where each statement is a transaction).
+  /// The server's form of one statement, as dialect::RequireOneStatement returned it.
   /// Errors: dialect::SyntaxFailure
-  [[nodiscard]] virtual std::string Compile(std::string_view statement) const = 0;
+  [[nodiscard]] virtual Compiled Compile(std::string_view statement) const = 0;
   [[nodiscard]] virtual Meaning MeaningOf(const Diagnosis& diagnosis, Verb verb) const = 0;
   /// What a failed connection attempt to a server that can be reached says of the login; nothing
   /// where it says nothing.

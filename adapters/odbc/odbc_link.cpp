@@ -209,17 +209,17 @@ std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAd
   const Engine& engine = target.session->Server();
   return Reporting(*last_error_, *target.session, [&]() -> std::unique_ptr<Cursor> {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const std::u16string text = ToWide(engine.Compile(statement));
+    const Compiled compiled = engine.Compile(statement);
     const auto block = std::make_shared<Block>();
-    if (text.empty()) {
+    if (compiled.text.empty()) {
       return std::make_unique<OdbcCursor>(target.session, std::nullopt, std::move(*block),
                                           last_error_, 0, Deadline());
     }
     std::optional<Lease> lease(target.session);
     const Deadline deadline = DeadlineIn(target.timeout_s);
     lease->Do(
-        [block, text, timeout_s = target.timeout_s](Workplace& here) {
-          here.statement = here.connection->Query(text, timeout_s);
+        [block, compiled, timeout_s = target.timeout_s](Workplace& here) {
+          here.statement = here.connection->Query(compiled, timeout_s);
           block->names = here.statement->ColumnNames();
           block->rows = RowBlock(block->names.size());
           FetchInto(*block, here, Recordset::kBlockBytes);
@@ -240,7 +240,7 @@ void OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
   Reporting(*last_error_, *target.session, [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const std::u16string text = ToWide(target.session->Server().Compile(statement));
+    const std::u16string text = ToWide(target.session->Server().Compile(statement).text);
     if (text.empty()) return;
     Lease(target.session)
         .Do([text, timeout_s = target.timeout_s](
@@ -303,7 +303,7 @@ void OdbcLink::Write(const RowSet& rows) {
     values += ")";
     // One row of nulls, compiled for the names' sake; its values are then taken off again.
     sql += ") VALUES " + values;
-    std::string head = target.session->Server().Compile(dialect::RequireOneStatement(sql));
+    std::string head = target.session->Server().Compile(dialect::RequireOneStatement(sql)).text;
     if (!head.ends_with(values)) throw dialect::SyntaxFailure{903, "invalid table name"};
     head.resize(head.size() - values.size());
     for (const std::string_view row : rows.rows) {

@@ -14,7 +14,7 @@ namespace {
 // a refusal.
 std::string Sent(std::string_view sql) {
   try {
-    std::string sent = CompileForPostgresql(dialect::RequireOneStatement(sql));
+    std::string sent = CompileForPostgresql(dialect::RequireOneStatement(sql)).text;
     constexpr std::string_view kSchema = "sabrel_dictionary.";
     for (auto at = sent.find(kSchema); at != std::string::npos; at = sent.find(kSchema, at)) {
       sent.replace(at, kSchema.size(), "@");
@@ -98,6 +98,37 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
       {"block that commits", "BEGIN DELETE t; COMMIT; END;", "!6550"},
   };
   for (const auto& row : rows) EXPECT_EQ(Sent(row.oracle), row.postgresql) << row.name;
+}
+
+// The table and the columns that the question about a unique key names; "" where there is none.
+TEST(PostgresqlDialect, AsksForAUniqueKeyWhereOneTableIsLookedInto) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"SELECT a FROM t WHERE Id = 3", "t id"},
+      {"SELECT a FROM s.T x WHERE x.Id = 3 AND b > 1 AND \"Limit\" = 'x' ORDER BY b",
+       "s.T id Limit"},
+      {"SELECT a FROM t WHERE id = 3 OR id = 4", ""},
+      {"SELECT a FROM t WHERE id = b AND c = 1+1", ""},
+      {"SELECT a FROM t WHERE id = 3 AND (b = 4 OR c = 5)", "t id"},
+      {"SELECT a FROM t, u WHERE id = 3", ""},
+      {"SELECT a FROM t JOIN u ON t.a = u.a WHERE id = 3", ""},
+      {"SELECT a FROM (SELECT a FROM t WHERE id = 3) x", ""},
+      {"SELECT a FROM t WHERE EXISTS (SELECT 1 FROM u WHERE id = 3)", ""},
+      {"SELECT a FROM t WHERE id = 3 UNION SELECT b FROM u WHERE id = 4", ""},
+  };
+  for (const auto& [sql, wanted] : rows) {
+    const Compiled compiled = CompileForPostgresql(sql);
+    std::string named;
+    if (!compiled.question.empty()) {
+      const auto between = [&](std::string_view start, char end) {
+        const std::size_t at = compiled.question.find(start) + start.size();
+        return compiled.question.substr(at, compiled.question.find(end, at) - at);
+      };
+      named = between("to_regclass('", '\'') + " " + between("ARRAY[", ']');
+      std::erase(named, '\'');
+      std::replace(named.begin(), named.end(), ',', ' ');
+    }
+    EXPECT_EQ(named, wanted) << sql;
+  }
 }
 
 TEST(PostgresqlEngine, CallsRoutinesByTextWithConstantsOfTheirTypes) {

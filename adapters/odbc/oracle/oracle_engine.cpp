@@ -48,8 +48,8 @@ class ServerOfOracle final : public Engine {
     return {"ALTER SESSION SET NLS_NUMERIC_CHARACTERS = '.,'"};
   }
 
-  [[nodiscard]] std::string Compile(std::string_view statement) const override {
-    return std::string(statement);
+  [[nodiscard]] Compiled Compile(std::string_view statement) const override {
+    return {std::string(statement), {}, {}};
   }
 
   [[nodiscard]] Meaning MeaningOf(const Diagnosis& diagnosis, Verb) const override {

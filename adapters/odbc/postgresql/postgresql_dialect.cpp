@@ -298,7 +298,7 @@ std::string CompileStep(const dialect::BlockStep& step) {
   if (VerbOf(dialect::KindOf(step.statement)) == Verb::kOther) {
     throw SyntaxFailure{6550, "PLS-00103: a block is made of calls, INSERT, UPDATE and DELETE"};
   }
-  return "EXECUTE " + TextConstant(CompileForPostgresql(step.statement)) + ';';
+  return "EXECUTE " + TextConstant(CompileForPostgresql(step.statement).text) + ';';
 }
 
 // As one statement, so that the block is one round trip.
@@ -326,6 +326,25 @@ std::string CompileSequence(std::string_view statement) {
   return text + " START WITH " + start;
 }
 
+/// Counts the unique keys of the table that lie within the columns.
+std::string UniqueKeyQuery(const dialect::KeyLookUp& look_up) {
+  std::string columns;
+  for (const std::string& column : look_up.columns) {
+    const std::string spelled = Spelled(column);
+    const bool has_quotes = spelled.starts_with('"');
+    columns +=
+        (columns.empty() ? "" : ",") +
+        TextConstant(has_quotes ? spelled.substr(1, spelled.size() - 2) : LowerCase(spelled));
+  }
+  return std::string(kWithoutCursor) +
+         "SELECT count(*)::integer FROM pg_catalog.pg_index i WHERE i.indrelid = to_regclass(" +
+         TextConstant(SpelledAll(look_up.table)) +
+         ") AND i.indisunique AND i.indisvalid AND i.indpred IS NULL AND NOT EXISTS (SELECT 1 FROM "
+         "unnest(i.indkey::smallint[]) k (n) LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = "
+         "i.indrelid AND a.attnum = k.n AND a.attname::text = ANY (ARRAY[" +
+         columns + "]::text[]) WHERE a.attname IS NULL)";
+}
+
 }  // namespace
 
 std::string PostgresqlName(std::string_view catalogue_name) {
@@ -340,24 +359,28 @@ std::string PostgresqlName(std::string_view catalogue_name) {
   }
 }
 
-std::string CompileForPostgresql(std::string_view statement) {
+Compiled CompileForPostgresql(std::string_view statement) {
   RefuseParameters(statement);
+  const auto only = [](std::string text) { return Compiled{std::move(text), {}, {}}; };
   switch (dialect::KindOf(statement)) {
-    case StatementKind::kBlock: return CompileBlock(statement);
+    case StatementKind::kBlock: return only(CompileBlock(statement));
     case StatementKind::kTransaction: dialect::RequireCommit(statement); return {};
     case StatementKind::kCreateRoutine:
       throw SyntaxFailure{900,
                           "stored routines of this server are made in PL/pgSQL, with the server's "
                           "own tools"};
     case StatementKind::kDropRoutine:
-      return "DROP ROUTINE " + PostgresqlName(dialect::DroppedName(statement));
-    case StatementKind::kCreateSequence: return CompileSequence(statement);
+      return only("DROP ROUTINE " + PostgresqlName(dialect::DroppedName(statement)));
+    case StatementKind::kCreateSequence: return only(CompileSequence(statement));
     case StatementKind::kDropSequence:
-      return "CALL sabrel_dictionary.drop_sequence(" +
-             TextConstant(PostgresqlName(dialect::DroppedName(statement))) + ")";
+      return only("CALL sabrel_dictionary.drop_sequence(" +
+                  TextConstant(PostgresqlName(dialect::DroppedName(statement))) + ")");
     default: {
-      const dialect::Rewritten rewritten = dialect::Rewrite(statement, Dialect());
-      return rewritten.has_few_rows ? std::string(kWithoutCursor) + rewritten.text : rewritten.text;
+      dialect::Rewritten rewritten = dialect::Rewrite(statement, Dialect());
+      std::string cursorless = std::string(kWithoutCursor) + rewritten.text;
+      if (rewritten.has_few_rows) return only(std::move(cursorless));
+      if (!rewritten.look_up) return only(std::move(rewritten.text));
+      return {std::move(rewritten.text), UniqueKeyQuery(*rewritten.look_up), std::move(cursorless)};
     }
   }
 }

@@ -5,17 +5,19 @@
 // schema sabrel_dictionary. A block becomes one DO statement, whose calls ask the catalogue whether
 // they call a function or a procedure.
 //
-//   CompileForPostgresql("SELECT LIMIT FROM t")  // SELECT "limit" FROM t
+//   CompileForPostgresql("SELECT LIMIT FROM t").text  // SELECT "limit" FROM t
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "adapters/odbc/engine.h"
+
 namespace sabrel::odbc {
 
-/// `statement` is what dialect::RequireOneStatement returned. Empty where there is nothing to send.
+/// `statement` is what dialect::RequireOneStatement returned.
 /// Errors: dialect::SyntaxFailure; 1008 for a bind parameter, 900 for a stored routine in PL/SQL
-[[nodiscard]] std::string CompileForPostgresql(std::string_view statement);
+[[nodiscard]] Compiled CompileForPostgresql(std::string_view statement);
 
 /// In front of a query that by its form gives few rows: behind a comment the driver sees no query
 /// and opens no cursor, which would take a second round trip, and a transaction of its own whose

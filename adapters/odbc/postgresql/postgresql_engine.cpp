@@ -72,7 +72,7 @@ BEGIN
 END
 $$)sql"};
   }
-  [[nodiscard]] std::string Compile(std::string_view statement) const override {
+  [[nodiscard]] Compiled Compile(std::string_view statement) const override {
     return CompileForPostgresql(statement);
   }
   [[nodiscard]] Meaning MeaningOf(const Diagnosis& diagnosis, Verb verb) const override {
@@ -95,7 +95,8 @@ std::string Postgresql::SignatureQuery(std::string_view name) const {
   const std::string_view whole(folded);
   const std::size_t dot = whole.rfind('.');
   const std::string_view routine = dot == std::string_view::npos ? whole : whole.substr(dot + 1);
-  std::string query(kSignatureHead);
+  std::string query(kWithoutCursor);
+  query += kSignatureHead;
   query += " AND p.proname = " + TextConstant(routine) + " AND n.nspname ";
   if (dot == std::string_view::npos) {
     query += "IN (sabrel_dictionary.site_schema(), 'sabrel_dictionary', 'public')";

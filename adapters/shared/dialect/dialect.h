@@ -64,6 +64,12 @@ struct Constant {
   friend bool operator==(const Constant&, const Constant&) = default;
 };
 
+/// A query of one table whose rows all have these columns equal to constants; names as written.
+struct KeyLookUp {
+  std::string table;
+  std::vector<std::string> columns;
+};
+
 struct Rewritten {
   StatementKind kind = StatementKind::kOther;
   /// The engine's statement, with `?1`, `?2`, ... for lifted constants; named parameters `:name`
@@ -76,6 +82,8 @@ struct Rewritten {
   /// A query that by its form gives few rows, at most kFewRows; others may, too.
   bool has_few_rows = false;
   static constexpr std::int64_t kFewRows = 100;
+  /// Where the form leaves it open, but a unique key of the table would tell: one row at most.
+  std::optional<KeyLookUp> look_up;
 };
 
 /// What the rewriting must know of the stored routines and of the engine.

@@ -45,6 +45,7 @@ Rewriter::QueryShape Rewriter::Query() {
   if (own_facts.has_row_limit) FinishRowLimit(own_facts, is_ordered || has_set_operator);
   facts_ = outer_facts;
   if (has_set_operator) shape.has_one_row = false;
+  if (has_set_operator && is_outermost) look_up_.reset();
   return shape;
 }
 
@@ -80,9 +81,11 @@ void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
   lift_ = Lift::kAlways;
   FromList();
   const bool is_one_row = IsText(tokens_[from + 1], "DUAL") && at_ == from + 2;
-  const bool is_outermost = facts_ == &facts;
+  const bool is_outermost = facts_ == &facts && depth_ == 0;
   facts_ = nullptr;
-  if (IsWord(Word::kWhere)) Where(is_outermost && depth_ == 0 ? &facts : nullptr);
+  if (is_outermost) look_up_ = KeyLookUp{OnlyTable(from + 1), {}};
+  if (IsWord(Word::kWhere)) Where(is_outermost ? &facts : nullptr);
+  if (is_outermost && (look_up_->table.empty() || look_up_->columns.empty())) look_up_.reset();
   if (IsWord(Word::kConnect) || IsWord(Word::kStart)) Fail(900, "CONNECT BY is not supported");
   const bool is_grouped = IsWord(Word::kGroup);
   if (is_grouped || IsWord(Word::kHaving)) GroupBy(facts);
@@ -185,7 +188,10 @@ void Rewriter::Where(SelectFacts* facts) {
     if (facts != nullptr && RowLimit(*facts)) {
       limit_connective = connective;
     } else {
+      const std::size_t predicate = at_;
       Predicate();
+      std::string column = facts != nullptr ? EqualColumn(predicate) : std::string();
+      if (!column.empty()) look_up_->columns.push_back(std::move(column));
     }
     connective = at_;
     if (SkipWord(Word::kOr)) {
@@ -194,12 +200,36 @@ void Rewriter::Where(SelectFacts* facts) {
       break;
     }
   }
+  if (facts != nullptr && has_or) look_up_->columns.clear();
   if (facts == nullptr || !facts->has_row_limit) return;
   if (has_or) Fail(900, "ROWNUM beside OR is not supported");
   // A first condition takes the AND behind it along; an only one takes the WHERE.
   const std::size_t behind = facts->row_limit_token + 3;
   const bool takes_next = limit_connective == where && tokens_[behind].word == Word::kAnd;
   edits_.Remove(takes_next ? behind : limit_connective);
+}
+
+// The table that is all of FROM, from `first` to here; empty where there is more than one.
+std::string Rewriter::OnlyTable(std::size_t first) const {
+  std::string name(TextOf(sql_, tokens_[first]));
+  std::size_t last = first;
+  for (; IsSymbol(tokens_[last + 1], '.'); last += 2) {
+    name += "." + std::string(TextOf(sql_, tokens_[last + 2]));
+  }
+  const bool has_alias = at_ == last + 2;
+  return !IsSymbol(tokens_[first], '(') && (at_ == last + 1 || has_alias) ? name : std::string();
+}
+
+// The column of "a = 1" or "t.a = 'x'", which reach from `first` to here.
+std::string Rewriter::EqualColumn(std::size_t first) const {
+  if (IsSymbol(tokens_[first + 1], '.')) first += 2;
+  const Token& column = tokens_[first];
+  const bool is_name = column.kind == TokenKind::kWord || column.kind == TokenKind::kQuotedName;
+  const bool is_equal = is_name && at_ == first + 3 && IsSymbol(tokens_[first + 1], '=');
+  if (!is_equal) return {};
+  const TokenKind constant = tokens_[first + 2].kind;
+  const bool is_constant = constant == TokenKind::kNumber || constant == TokenKind::kText;
+  return is_constant ? std::string(TextOf(sql_, column)) : std::string();
 }
 
 bool Rewriter::RowLimit(SelectFacts& facts) {

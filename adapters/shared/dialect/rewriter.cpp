@@ -37,6 +37,7 @@ Rewritten Rewriter::Run(StatementKind kind) {
   if (IsWord(Word::kReturning)) Fail(900, "RETURNING is not supported");
   Rewritten rewritten = Finish(kind);
   rewritten.has_few_rows = has_few_rows_;
+  if (!has_few_rows_) rewritten.look_up = std::move(look_up_);
   return rewritten;
 }
 

@@ -186,6 +186,8 @@ class Rewriter {
   void TableAlias();
   void Where(SelectFacts* facts);
   bool RowLimit(SelectFacts& facts);
+  [[nodiscard]] std::string OnlyTable(std::size_t first) const;
+  [[nodiscard]] std::string EqualColumn(std::size_t first) const;
   void FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator);
   void GroupBy(SelectFacts& facts);
   void FetchFirst();
@@ -226,6 +228,7 @@ class Rewriter {
   bool may_lift_;
   bool writes_ = false;
   bool has_few_rows_ = false;
+  std::optional<KeyLookUp> look_up_;
   bool compares_ = true;     // values of different types by a function
   bool is_renamed_ = false;  // the engine would name the column that is read otherwise
   std::vector<Column> columns_;
