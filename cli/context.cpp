@@ -232,8 +232,8 @@ void Context::StopProgress() {
 bool Context::HasShownBox() const { return services_ && services_->HasShownAny(); }
 
 void Context::Hide(std::string_view secret) {
-  auto* overheard = dynamic_cast<OverheardRowlink*>(CurrentPlatform().rowlink.get());
-  if (overheard != nullptr) overheard->Hide(secret);
+  auto* recording = dynamic_cast<RecordingRowlink*>(CurrentPlatform().rowlink.get());
+  if (recording != nullptr) recording->Hide(secret);
 }
 
 void Context::Note(std::string_view text) { PutError(text); }

@@ -61,9 +61,9 @@ ConnectionProfile InstallSession(const Options& options,
     Platform platform = shared;
     platform.rowlink = MakeServerRowlink(profiles);
     if (conversation) {
-      auto overheard = std::make_shared<OverheardRowlink>(platform.rowlink, conversation);
-      for (const ConnectionProfile& profile : profiles.All()) overheard->Hide(profile.Password);
-      platform.rowlink = std::move(overheard);
+      auto recording = std::make_shared<RecordingRowlink>(platform.rowlink, conversation);
+      for (const ConnectionProfile& profile : profiles.All()) recording->Hide(profile.Password);
+      platform.rowlink = std::move(recording);
     }
     interrupts.Watch(platform.rowlink);
     return platform;

@@ -17,18 +17,18 @@ namespace {
 /// Runs `work`; what the server refuses becomes the last database error and the failure that
 /// callers know.
 template <class Work>
-auto Reporting(DatabaseError& last_error, const Session& session, Work&& work) {
+auto Reporting(DatabaseError& last_error, const ConnectionPool& pool, Work&& work) {
   const auto refuse = [&](std::int32_t number, const std::string& message, std::string detail) {
     const std::string prefix = message.starts_with("ORA-") ? "" : OraclePrefix(number);
-    last_error = {number, std::string(session.Server().ServerName()), session.Origin(),
-                  prefix + message, std::move(detail)};
+    last_error = {number, std::string(pool.Server().ServerName()), pool.Origin(), prefix + message,
+                  std::move(detail)};
   };
   try {
     return work();
   } catch (const Refused& refused) {
     if (refused.What().connection) {
       throw ConnectionFailed(*refused.What().connection,
-                             "The Data Server at " + session.Address() + ": " + refused.Message());
+                             "The Data Server at " + pool.Address() + ": " + refused.Message());
     }
     refuse(refused.What().native_number, refused.Message(),
            refused.State().empty() ? "" : "SQLSTATE " + refused.State());
@@ -59,9 +59,9 @@ void FetchInto(Block& block, Workplace& here, std::size_t byte_limit) {
 /// still runs, on a connection of its own.
 class OdbcCursor final : public Cursor {
  public:
-  OdbcCursor(std::shared_ptr<Session> session, std::optional<Lease> lease, Block first,
+  OdbcCursor(std::shared_ptr<ConnectionPool> pool, std::optional<Lease> lease, Block first,
              std::shared_ptr<DatabaseError> last_error, std::int32_t timeout_s, Deadline deadline)
-      : session_(std::move(session)),
+      : pool_(std::move(pool)),
         lease_(std::move(lease)),
         first_(std::move(first)),
         last_error_(std::move(last_error)),
@@ -88,7 +88,7 @@ class OdbcCursor final : public Cursor {
     const auto next = std::make_shared<Block>();
     next->rows = std::move(block);
     try {
-      Reporting(*last_error_, *session_, [&] {
+      Reporting(*last_error_, *pool_, [&] {
         lease_->Do([next, byte_limit](Workplace& here) { FetchInto(*next, here, byte_limit); },
                    deadline);
       });
@@ -108,7 +108,7 @@ class OdbcCursor final : public Cursor {
     lease_.reset();
   }
 
-  std::shared_ptr<Session> session_;
+  std::shared_ptr<ConnectionPool> pool_;
   std::optional<Lease> lease_;
   Block first_;
   std::shared_ptr<DatabaseError> last_error_;
@@ -198,24 +198,24 @@ OdbcLink::Target OdbcLink::Find(const DataServerAddress& address) {
   }
   Key key{profile.Driver,   profile.Host,     profile.Port,
           profile.Database, profile.UserName, profile.Password};
-  auto& session = sessions_[std::move(key)];
-  if (!session) session = std::make_shared<Session>(*engine, profile, opening_, cancel_);
-  session->ConnectTimeout(profile.ConnectTimeout);
-  return {session, profile.ReceiveTimeout};
+  auto& pool = pools_[std::move(key)];
+  if (!pool) pool = std::make_shared<ConnectionPool>(*engine, profile, opening_, cancel_);
+  pool->ConnectTimeout(profile.ConnectTimeout);
+  return {pool, profile.ReceiveTimeout};
 }
 
 std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  const Engine& engine = target.session->Server();
-  return Reporting(*last_error_, *target.session, [&]() -> std::unique_ptr<Cursor> {
+  const Engine& engine = target.pool->Server();
+  return Reporting(*last_error_, *target.pool, [&]() -> std::unique_ptr<Cursor> {
     const std::string_view statement = dialect::RequireOneStatement(sql);
     const Compiled compiled = engine.Compile(statement);
     const auto block = std::make_shared<Block>();
     if (compiled.text.empty()) {
-      return std::make_unique<OdbcCursor>(target.session, std::nullopt, std::move(*block),
-                                          last_error_, 0, Deadline());
+      return std::make_unique<OdbcCursor>(target.pool, std::nullopt, std::move(*block), last_error_,
+                                          0, Deadline());
     }
-    std::optional<Lease> lease(target.session);
+    std::optional<Lease> lease(target.pool);
     const Deadline deadline = DeadlineIn(target.timeout_s);
     lease->Do(
         [block, compiled, timeout_s = target.timeout_s](Workplace& here) {
@@ -231,18 +231,18 @@ std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAd
       }
     }
     if (!block->has_more) lease.reset();
-    return std::make_unique<OdbcCursor>(target.session, std::move(lease), std::move(*block),
+    return std::make_unique<OdbcCursor>(target.pool, std::move(lease), std::move(*block),
                                         last_error_, target.timeout_s, deadline);
   });
 }
 
 void OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  Reporting(*last_error_, *target.session, [&] {
+  Reporting(*last_error_, *target.pool, [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const std::u16string text = ToWide(target.session->Server().Compile(statement).text);
+    const std::u16string text = ToWide(target.pool->Server().Compile(statement).text);
     if (text.empty()) return;
-    Lease(target.session)
+    Lease(target.pool)
         .Do([text, timeout_s = target.timeout_s](
                 Workplace& here) { here.connection->Execute(text, timeout_s); },
             DeadlineIn(target.timeout_s), VerbOf(dialect::KindOf(statement)));
@@ -251,8 +251,8 @@ void OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
 
 void OdbcLink::ExecuteNative(std::string_view sql) {
   const Target target = Find({});
-  Reporting(*last_error_, *target.session, [&] {
-    Lease(target.session)
+  Reporting(*last_error_, *target.pool, [&] {
+    Lease(target.pool)
         .Do([text = ToWide(sql), timeout_s = target.timeout_s](
                 Workplace& here) { here.connection->Execute(text, timeout_s); },
             DeadlineIn(target.timeout_s));
@@ -265,10 +265,10 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
     RowBlock row{0};
   };
   const Target target = Find(call.address);
-  return Reporting(*last_error_, *target.session, [&] {
+  return Reporting(*last_error_, *target.pool, [&] {
     CheckParameters(call);
     const auto answer = std::make_shared<Answer>();
-    Lease(target.session)
+    Lease(target.pool)
         .Do(
             [answer, call, timeout_s = target.timeout_s](Workplace& here) {
               auto signature =
@@ -293,7 +293,7 @@ RoutineOutcome OdbcLink::Call(const RoutineCall& call) {
 
 void OdbcLink::Write(const RowSet& rows) {
   const Target target = Find({});
-  Reporting(*last_error_, *target.session, [&] {
+  Reporting(*last_error_, *target.pool, [&] {
     std::string sql = "INSERT INTO " + rows.table + " (";
     std::string values = "(";
     for (std::size_t i = 0; i < rows.columns.size(); ++i) {
@@ -303,13 +303,13 @@ void OdbcLink::Write(const RowSet& rows) {
     values += ")";
     // One row of nulls, compiled for the names' sake; its values are then taken off again.
     sql += ") VALUES " + values;
-    std::string head = target.session->Server().Compile(dialect::RequireOneStatement(sql)).text;
+    std::string head = target.pool->Server().Compile(dialect::RequireOneStatement(sql)).text;
     if (!head.ends_with(values)) throw dialect::SyntaxFailure{903, "invalid table name"};
     head.resize(head.size() - values.size());
     for (const std::string_view row : rows.rows) {
       if (!IsSendableText(row)) throw dialect::SyntaxFailure{911, "invalid character in a row"};
     }
-    Lease(target.session)
+    Lease(target.pool)
         .Do([head, copy = std::make_shared<const RowSet>(rows), timeout_s = target.timeout_s](
                 Workplace& here) { here.connection->Write(head, *copy, timeout_s); },
             DeadlineIn(target.timeout_s), Verb::kInsert);
@@ -319,8 +319,8 @@ void OdbcLink::Write(const RowSet& rows) {
 OdbcLink::~OdbcLink() { ShutDown(); }
 
 void OdbcLink::ShutDown() noexcept {
-  for (auto& [key, session] : sessions_) session->Close();
-  sessions_.clear();
+  for (auto& [key, pool] : pools_) pool->Close();
+  pools_.clear();
   AwaitEndingWorkers();
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "adapters/odbc/session.h"
+#include "adapters/odbc/connection_pool.h"
 #include "adapters/shared/profiles.h"
 #include "sabrel/platform/data_link.h"
 #include "sabrel/platform/rowlink.h"
@@ -38,7 +38,7 @@ class OdbcLink final : public DataLink {
 
  private:
   struct Target {
-    std::shared_ptr<Session> session;
+    std::shared_ptr<ConnectionPool> pool;
     std::int32_t timeout_s;
   };
   using Key =
@@ -50,7 +50,7 @@ class OdbcLink final : public DataLink {
   std::shared_ptr<CancelSwitch> cancel_;
   /// Shared with cursors, which may fail later than this link lives.
   std::shared_ptr<DatabaseError> last_error_;
-  std::map<Key, std::shared_ptr<Session>> sessions_;
+  std::map<Key, std::shared_ptr<ConnectionPool>> pools_;
 };
 
 }  // namespace sabrel::odbc

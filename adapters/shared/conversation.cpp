@@ -17,9 +17,9 @@ constexpr std::size_t kPartBytes = std::size_t{256} << 10U;
 
 }  // namespace
 
-class OverheardRowlink::Ear {
+class RecordingRowlink::Recorder {
  public:
-  Ear(std::shared_ptr<Rowlink> inner, std::shared_ptr<ConversationListener> listener)
+  Recorder(std::shared_ptr<Rowlink> inner, std::shared_ptr<ConversationListener> listener)
       : inner_(std::move(inner)), listener_(std::move(listener)) {}
 
   [[nodiscard]] Rowlink& Inner() const { return *inner_; }
@@ -102,10 +102,10 @@ std::size_t BytesOf(const Variant& value) {
 
 }  // namespace
 
-class OverheardRowlink::LinkCursor final : public Cursor {
+class RecordingRowlink::LinkCursor final : public Cursor {
  public:
-  LinkCursor(std::shared_ptr<Ear> ear, std::shared_ptr<Recordset> rows, Entry entry)
-      : ear_(std::move(ear)), rows_(std::move(rows)), entry_(std::move(entry)) {
+  LinkCursor(std::shared_ptr<Recorder> recorder, std::shared_ptr<Recordset> rows, Entry entry)
+      : recorder_(std::move(recorder)), rows_(std::move(rows)), entry_(std::move(entry)) {
     const FieldList fields = rows_->Fields();
     for (std::int32_t i = 0; i < fields.Count(); ++i) names_.push_back(fields.Item(i).Name());
     entry_.columns = names_;
@@ -151,14 +151,14 @@ class OverheardRowlink::LinkCursor final : public Cursor {
       return true;
     } catch (...) {
       failure_ = std::current_exception();
-      ear_->Failed(entry_);
+      recorder_->Failed(entry_);
       return false;
     }
   }
 
   void Tell(Entry::End end) {
     entry_.end = end;
-    ear_->Answered(entry_);
+    recorder_->Answered(entry_);
     Entry rest;
     rest.id = entry_.id;
     rest.operation = entry_.operation;
@@ -168,7 +168,7 @@ class OverheardRowlink::LinkCursor final : public Cursor {
     bytes_ = 0;
   }
 
-  std::shared_ptr<Ear> ear_;
+  std::shared_ptr<Recorder> recorder_;
   std::shared_ptr<Recordset> rows_;
   Entry entry_;
   std::vector<std::string> names_;
@@ -176,43 +176,43 @@ class OverheardRowlink::LinkCursor final : public Cursor {
   std::size_t bytes_ = 0;
 };
 
-class OverheardRowlink::Link final : public DataLink {
+class RecordingRowlink::Link final : public DataLink {
  public:
-  explicit Link(std::shared_ptr<Ear> ear) : ear_(std::move(ear)) {}
+  explicit Link(std::shared_ptr<Recorder> recorder) : recorder_(std::move(recorder)) {}
 
   std::unique_ptr<Cursor> Query(std::string_view sql, const DataServerAddress& address) override {
-    Entry entry = ear_->Start(Entry::Operation::kQuery, sql, address);
-    ear_->Sent(entry);
-    auto rows = ear_->Inner().MakeRecordset();
+    Entry entry = recorder_->Start(Entry::Operation::kQuery, sql, address);
+    recorder_->Sent(entry);
+    auto rows = recorder_->Inner().MakeRecordset();
     try {
       Deref(rows).Open(sql, address.host, address.port, address.user, address.password,
                        address.timeout_s);
     } catch (...) {
-      ear_->Failed(entry);
+      recorder_->Failed(entry);
       throw;
     }
-    return std::make_unique<LinkCursor>(ear_, std::move(rows), std::move(entry));
+    return std::make_unique<LinkCursor>(recorder_, std::move(rows), std::move(entry));
   }
 
   void Execute(std::string_view sql, const DataServerAddress& address) override {
-    Overhear(ear_->Start(Entry::Operation::kRequest, sql, address), [&](Entry&) {
-      Deref(ear_->Inner().MakeRecordset())
+    Overhear(recorder_->Start(Entry::Operation::kRequest, sql, address), [&](Entry&) {
+      Deref(recorder_->Inner().MakeRecordset())
           .Execute(sql, address.host, address.port, address.user, address.password,
                    address.timeout_s);
     });
   }
 
   RoutineOutcome Call(const RoutineCall& call) override {
-    Entry started = ear_->Start(Entry::Operation::kCall, call.procedure, call.address);
+    Entry started = recorder_->Start(Entry::Operation::kCall, call.procedure, call.address);
     for (const RoutineParameter& parameter : call.parameters) {
       started.parameters.push_back(parameter);
-      if (!parameter.value.empty() && ear_->IsSecret(parameter)) {
+      if (!parameter.value.empty() && recorder_->IsSecret(parameter)) {
         started.parameters.back().value = kHidden;
       }
     }
     RoutineOutcome outcome;
     Overhear(std::move(started), [&](Entry& entry) {
-      const auto inner = ear_->Inner().MakeProcedureCall();
+      const auto inner = recorder_->Inner().MakeProcedureCall();
       outcome = CallThrough(Deref(inner), call);
       entry.outcome = outcome;
     });
@@ -220,10 +220,10 @@ class OverheardRowlink::Link final : public DataLink {
   }
 
   void Write(const RowSet& rows) override {
-    Entry started = ear_->Start(Entry::Operation::kWrite, rows.table, {});
+    Entry started = recorder_->Start(Entry::Operation::kWrite, rows.table, {});
     started.row_set = rows;
     Overhear(std::move(started), [&](Entry&) {
-      const auto inner = ear_->Inner().MakeRowSetWriter();
+      const auto inner = recorder_->Inner().MakeRowSetWriter();
       Deref(inner).Table(rows.table);
       for (const auto& column : rows.columns) inner->DeclareColumn(column.name, column.type_word);
       for (const std::string_view row : rows.rows) inner->AddRow(row);
@@ -234,15 +234,15 @@ class OverheardRowlink::Link final : public DataLink {
  private:
   template <class Operation>
   void Overhear(Entry entry, const Operation& operation) {
-    ear_->Sent(entry);
+    recorder_->Sent(entry);
     try {
       operation(entry);
     } catch (...) {
-      ear_->Failed(entry);
+      recorder_->Failed(entry);
       throw;
     }
     entry.end = Entry::End::kDone;
-    ear_->Answered(entry);
+    recorder_->Answered(entry);
   }
 
   static RoutineOutcome CallThrough(ProcedureCall& inner, const RoutineCall& call) {
@@ -266,25 +266,25 @@ class OverheardRowlink::Link final : public DataLink {
     return outcome;
   }
 
-  std::shared_ptr<Ear> ear_;
+  std::shared_ptr<Recorder> recorder_;
 };
 
-OverheardRowlink::OverheardRowlink(std::shared_ptr<Rowlink> inner,
+RecordingRowlink::RecordingRowlink(std::shared_ptr<Rowlink> inner,
                                    std::shared_ptr<ConversationListener> listener)
-    : OverheardRowlink(std::make_shared<Ear>(std::move(inner), std::move(listener))) {}
+    : RecordingRowlink(std::make_shared<Recorder>(std::move(inner), std::move(listener))) {}
 
-OverheardRowlink::OverheardRowlink(const std::shared_ptr<Ear>& ear)
-    : LinkedRowlink(std::make_shared<Link>(ear)), ear_(ear) {}
+RecordingRowlink::RecordingRowlink(const std::shared_ptr<Recorder>& recorder)
+    : LinkedRowlink(std::make_shared<Link>(recorder)), recorder_(recorder) {}
 
-void OverheardRowlink::ShutDown() { ear_->Inner().ShutDown(); }
-std::int32_t OverheardRowlink::ConnectionErrorCode(std::int32_t number) const {
-  return ear_->Inner().ConnectionErrorCode(number);
+void RecordingRowlink::ShutDown() { recorder_->Inner().ShutDown(); }
+std::int32_t RecordingRowlink::ConnectionErrorCode(std::int32_t number) const {
+  return recorder_->Inner().ConnectionErrorCode(number);
 }
-DatabaseError OverheardRowlink::LastDatabaseError() const {
-  return ear_->Inner().LastDatabaseError();
+DatabaseError RecordingRowlink::LastDatabaseError() const {
+  return recorder_->Inner().LastDatabaseError();
 }
-void OverheardRowlink::Cancel() noexcept { ear_->Inner().Cancel(); }
-void OverheardRowlink::Hide(std::string_view secret) { ear_->Hide(secret); }
+void RecordingRowlink::Cancel() noexcept { recorder_->Inner().Cancel(); }
+void RecordingRowlink::Hide(std::string_view secret) { recorder_->Hide(secret); }
 
 std::string_view OperationWord(ConversationEntry::Operation operation) noexcept {
   switch (operation) {

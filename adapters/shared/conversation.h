@@ -1,6 +1,6 @@
 // What was said between the component and a Data Server, kept entry by entry.
 //
-// `OverheardRowlink` stands between the component and any Rowlink: everything passes through
+// `RecordingRowlink` stands between the component and any Rowlink: everything passes through
 // unchanged, and a listener hears each statement before it is sent and each answer as it arrives.
 // Entries can be written as lines of JSON and read back with every value of the kind it had, so
 // that a scripted double answers a test with what a real server once said. Long answers are told in
@@ -69,9 +69,9 @@ class ConversationListener {
 };
 
 /// Passes everything on to `inner`. One per thread, as the Rowlink that it stands before.
-class OverheardRowlink final : public LinkedRowlink {
+class RecordingRowlink final : public LinkedRowlink {
  public:
-  OverheardRowlink(std::shared_ptr<Rowlink> inner, std::shared_ptr<ConversationListener> listener);
+  RecordingRowlink(std::shared_ptr<Rowlink> inner, std::shared_ptr<ConversationListener> listener);
 
   void ShutDown() override;
   [[nodiscard]] std::int32_t ConnectionErrorCode(std::int32_t number) const override;
@@ -83,11 +83,11 @@ class OverheardRowlink final : public LinkedRowlink {
   void Hide(std::string_view secret);
 
  private:
-  class Ear;
+  class Recorder;
   class Link;
   class LinkCursor;
-  explicit OverheardRowlink(const std::shared_ptr<Ear>& ear);
-  std::shared_ptr<Ear> ear_;
+  explicit RecordingRowlink(const std::shared_ptr<Recorder>& recorder);
+  std::shared_ptr<Recorder> recorder_;
 };
 
 /// Writes `entry` or one part of it as one line. Errors: none of its own; the stream's state tells

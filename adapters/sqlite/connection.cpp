@@ -51,17 +51,17 @@ void RemoveEmptyJournal(const std::string& path) noexcept {
 
 }  // namespace
 
-void StopSwitch::Add(Connection& connection) {
+void CancelSwitch::Add(Connection& connection) {
   const std::scoped_lock lock(mutex_);
   connections_.push_back(&connection);
 }
 
-void StopSwitch::Remove(Connection& connection) {
+void CancelSwitch::Remove(Connection& connection) {
   const std::scoped_lock lock(mutex_);
   std::erase(connections_, &connection);
 }
 
-void StopSwitch::StopAll() noexcept {
+void CancelSwitch::CancelAll() noexcept {
   const std::scoped_lock lock(mutex_);
   for (Connection* connection : connections_) {
     if (!connection->running_) continue;
@@ -70,9 +70,9 @@ void StopSwitch::StopAll() noexcept {
   }
 }
 
-Connection::Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+Connection::Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
                        Durability durability)
-    : path_(path), stop_switch_(std::move(stop_switch)) {
+    : path_(path), cancel_switch_(std::move(cancel_switch)) {
   RequireFile(path_);
   const bool had_journal = HasJournal(path_);
   try {
@@ -84,11 +84,11 @@ Connection::Connection(const std::string& path, std::shared_ptr<StopSwitch> stop
     if (!had_journal) RemoveEmptyJournal(path_);
     throw;
   }
-  stop_switch_->Add(*this);
+  cancel_switch_->Add(*this);
 }
 
 Connection::~Connection() {
-  stop_switch_->Remove(*this);
+  cancel_switch_->Remove(*this);
   for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
   sqlite3_close(handle_);
 }
@@ -300,14 +300,14 @@ void Connection::RollBack() noexcept {
 }
 
 Operation::Operation(Connection& connection, Deadline deadline) : connection_(&connection) {
-  const std::scoped_lock lock(connection.stop_switch_->mutex_);
+  const std::scoped_lock lock(connection.cancel_switch_->mutex_);
   connection.deadline_ = deadline;
   connection.cancelled_ = false;
   connection.running_ = true;
 }
 
 Operation::~Operation() {
-  const std::scoped_lock lock(connection_->stop_switch_->mutex_);
+  const std::scoped_lock lock(connection_->cancel_switch_->mutex_);
   connection_->running_ = false;
   connection_->cancelled_ = false;
   connection_->deadline_.reset();

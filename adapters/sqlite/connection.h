@@ -33,12 +33,12 @@ class Connection;
 enum class Durability { kEachCommit, kAtTheEnd };
 
 /// The connections that Cancel may stop; shared by a thread's rowlink and its connections.
-class StopSwitch {
+class CancelSwitch {
  public:
   void Add(Connection& connection);
   void Remove(Connection& connection);
   /// Any thread.
-  void StopAll() noexcept;
+  void CancelAll() noexcept;
 
  private:
   friend class Operation;
@@ -56,7 +56,7 @@ class Connection {
   static constexpr std::chrono::seconds kLongestWait{30};
 
   /// Opens the existing file `path` as a site. Errors: ServerFailure naming file and reason
-  Connection(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+  Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
              Durability durability = Durability::kEachCommit);
   ~Connection();
   Connection(const Connection&) = delete;
@@ -88,7 +88,7 @@ class Connection {
  private:
   friend class Statement;
   friend class Operation;
-  friend class StopSwitch;
+  friend class CancelSwitch;
   friend class Transaction;
 
   void Open();
@@ -105,7 +105,7 @@ class Connection {
     sqlite3_stmt* handle;
   };
   std::string path_;
-  std::shared_ptr<StopSwitch> stop_switch_;
+  std::shared_ptr<CancelSwitch> cancel_switch_;
   sqlite3* handle_ = nullptr;
   std::list<Kept> kept_;  // last used first
   std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;

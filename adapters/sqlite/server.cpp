@@ -122,9 +122,9 @@ dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) c
   return {"sabrel_call(" + dialect::TextConstant(UpperCase(name)), true};
 }
 
-Server::Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
                std::shared_ptr<SessionState> session, Durability durability)
-    : connection_(path, std::move(stop_switch), durability),
+    : connection_(path, std::move(cancel_switch), durability),
       session_(std::move(session)),
       routines_(*this),
       dialect_(routines_) {

@@ -67,7 +67,7 @@ class SqliteDialect final : public dialect::Engine {
 
 class Server {
  public:
-  Server(const std::string& path, std::shared_ptr<StopSwitch> stop_switch,
+  Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
          std::shared_ptr<SessionState> session, Durability durability);
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;

@@ -149,7 +149,7 @@ void SiteBuilder::Finish() {
   work_->Guard([this] {
     {
       // With the server's functions, which columns' checks may call.
-      Server server(work_->unfinished, std::make_shared<StopSwitch>(),
+      Server server(work_->unfinished, std::make_shared<CancelSwitch>(),
                     std::make_shared<SessionState>(), Durability::kAtTheEnd);
       Statement check = server.Engine().Prepare("PRAGMA integrity_check(1)");
       if (!check.Step() || check.Column(0).text != "ok") {

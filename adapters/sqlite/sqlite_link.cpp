@@ -103,7 +103,7 @@ SqliteLink::SqliteLink(ProfileSet profiles, Durability durability,
                        std::shared_ptr<DatabaseError> last_error)
     : profiles_(std::move(profiles)),
       durability_(durability),
-      stop_switch_(std::make_shared<StopSwitch>()),
+      cancel_switch_(std::make_shared<CancelSwitch>()),
       last_error_(std::move(last_error)) {}
 
 SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
@@ -122,17 +122,17 @@ SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
   }
   Key key{profile.Driver,   profile.Host,     profile.Port,
           profile.Database, profile.UserName, profile.Password};
-  auto& session = sessions_[std::move(key)];
-  if (!session) session = std::make_shared<Session>(profile.Database, stop_switch_, durability_);
-  return {session, profile.ReceiveTimeout};
+  auto& pool = pools_[std::move(key)];
+  if (!pool) pool = std::make_shared<ConnectionPool>(profile.Database, cancel_switch_, durability_);
+  return {pool, profile.ReceiveTimeout};
 }
 
 std::unique_ptr<Cursor> SqliteLink::Query(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  const std::string& path = target.session->Path();
+  const std::string& path = target.pool->Path();
   return Reporting(*last_error_, path, [&]() -> std::unique_ptr<Cursor> {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    Lease lease(target.session);
+    Lease lease(target.pool);
     const Deadline deadline = DeadlineIn(target.timeout_s);
     const Operation operation(lease->Engine(), deadline);
     QueryResult result = lease->Query(statement);
@@ -144,9 +144,9 @@ std::unique_ptr<Cursor> SqliteLink::Query(std::string_view sql, const DataServer
 
 void SqliteLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  Reporting(*last_error_, target.session->Path(), [&] {
+  Reporting(*last_error_, target.pool->Path(), [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const Lease lease(target.session);
+    const Lease lease(target.pool);
     const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
     lease->Execute(statement);
   });
@@ -154,8 +154,8 @@ void SqliteLink::Execute(std::string_view sql, const DataServerAddress& address)
 
 RoutineOutcome SqliteLink::Call(const RoutineCall& call) {
   const Target target = Find(call.address);
-  return Reporting(*last_error_, target.session->Path(), [&] {
-    const Lease lease(target.session);
+  return Reporting(*last_error_, target.pool->Path(), [&] {
+    const Lease lease(target.pool);
     const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
     return lease->Call(call);
   });
@@ -163,16 +163,16 @@ RoutineOutcome SqliteLink::Call(const RoutineCall& call) {
 
 void SqliteLink::Write(const RowSet& rows) {
   const Target target = Find({});
-  Reporting(*last_error_, target.session->Path(), [&] {
-    const Lease lease(target.session);
+  Reporting(*last_error_, target.pool->Path(), [&] {
+    const Lease lease(target.pool);
     const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
     lease->Write(rows);
   });
 }
 
 void SqliteLink::ShutDown() noexcept {
-  for (auto& [key, session] : sessions_) session->Close();
-  sessions_.clear();
+  for (auto& [key, pool] : pools_) pool->Close();
+  pools_.clear();
 }
 
 }  // namespace sabrel::sqlite

@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "adapters/shared/profiles.h"
-#include "adapters/sqlite/session.h"
+#include "adapters/sqlite/connection_pool.h"
 #include "sabrel/platform/data_link.h"
 #include "sabrel/platform/rowlink.h"
 
@@ -28,12 +28,12 @@ class SqliteLink final : public DataLink {
   void Write(const RowSet& rows) override;
 
   void ShutDown() noexcept;
-  void Cancel() noexcept { stop_switch_->StopAll(); }
+  void Cancel() noexcept { cancel_switch_->CancelAll(); }
   [[nodiscard]] const DatabaseError& LastError() const noexcept { return *last_error_; }
 
  private:
   struct Target {
-    std::shared_ptr<Session> session;
+    std::shared_ptr<ConnectionPool> pool;
     std::int32_t timeout_s;
   };
   using Key =
@@ -42,10 +42,10 @@ class SqliteLink final : public DataLink {
 
   ProfileSet profiles_;
   Durability durability_;
-  std::shared_ptr<StopSwitch> stop_switch_;
+  std::shared_ptr<CancelSwitch> cancel_switch_;
   /// Shared with cursors, which may fail later than this link lives.
   std::shared_ptr<DatabaseError> last_error_;
-  std::map<Key, std::shared_ptr<Session>> sessions_;
+  std::map<Key, std::shared_ptr<ConnectionPool>> pools_;
 };
 
 }  // namespace sabrel::sqlite

@@ -130,7 +130,7 @@ TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
     ::kill(child, SIGKILL);
     EXPECT_EQ(ResultOf(child), -1);
     EXPECT_EQ(Ask("SELECT MOD(COUNT(*), 2) FROM T"), "0");
-    sqlite::Connection file(File(), std::make_shared<sqlite::StopSwitch>());
+    sqlite::Connection file(File(), std::make_shared<sqlite::CancelSwitch>());
     sqlite::Statement check = file.Prepare("PRAGMA integrity_check");
     ASSERT_TRUE(check.Step());
     ASSERT_EQ(check.Column(0).text, "ok");

@@ -40,7 +40,7 @@ class Conversation : public ::testing::Test {
 
   ScriptedPlatform platform_;
   std::shared_ptr<Listener> listener_ = std::make_shared<Listener>();
-  OverheardRowlink rowlink_{CurrentPlatform().rowlink, listener_};
+  RecordingRowlink rowlink_{CurrentPlatform().rowlink, listener_};
 };
 
 TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {

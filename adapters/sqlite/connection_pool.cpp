@@ -1,18 +1,18 @@
-#include "adapters/sqlite/session.h"
+#include "adapters/sqlite/connection_pool.h"
 
 #include <utility>
 
 namespace sabrel::sqlite {
 
-std::unique_ptr<Server> Session::Take() {
-  if (idle_.empty()) return std::make_unique<Server>(path_, stop_switch_, state_, durability_);
+std::unique_ptr<Server> ConnectionPool::Take() {
+  if (idle_.empty()) return std::make_unique<Server>(path_, cancel_switch_, state_, durability_);
   // The last one back has the statements that are in use now.
   std::unique_ptr<Server> server = std::move(idle_.back());
   idle_.pop_back();
   return server;
 }
 
-void Session::GiveBack(std::unique_ptr<Server> server) noexcept {
+void ConnectionPool::GiveBack(std::unique_ptr<Server> server) noexcept {
   if (server->Engine().InTransaction()) server->Engine().RollBack();
   if (closed_ || server->Engine().IsBroken() || idle_.size() >= kMostIdle) return;
   try {
@@ -21,7 +21,7 @@ void Session::GiveBack(std::unique_ptr<Server> server) noexcept {
   }
 }
 
-void Session::Close() noexcept {
+void ConnectionPool::Close() noexcept {
   closed_ = true;
   idle_.clear();
 }

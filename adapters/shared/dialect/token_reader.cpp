@@ -1,4 +1,4 @@
-#include "adapters/shared/dialect/cursor.h"
+#include "adapters/shared/dialect/token_reader.h"
 
 #include <charconv>
 
@@ -6,41 +6,41 @@
 
 namespace sabrel::dialect {
 
-bool Cursor::IsText(std::string_view upper) const {
+bool TokenReader::IsText(std::string_view upper) const {
   return Here().kind == TokenKind::kWord && EqualIgnoringCase(HereText(), upper);
 }
 
-bool Cursor::IsSymbol(char symbol) const {
+bool TokenReader::IsSymbol(char symbol) const {
   return Here().kind == TokenKind::kSymbol && Here().symbol == symbol;
 }
 
-bool Cursor::SkipWord(Word word) {
+bool TokenReader::SkipWord(Word word) {
   if (!IsWord(word)) return false;
   ++at_;
   return true;
 }
 
-bool Cursor::SkipText(std::string_view upper) {
+bool TokenReader::SkipText(std::string_view upper) {
   if (!IsText(upper)) return false;
   ++at_;
   return true;
 }
 
-bool Cursor::SkipSymbol(char symbol) {
+bool TokenReader::SkipSymbol(char symbol) {
   if (!IsSymbol(symbol)) return false;
   ++at_;
   return true;
 }
 
-void Cursor::ExpectWord(Word word, std::string_view what) {
+void TokenReader::ExpectWord(Word word, std::string_view what) {
   if (!SkipWord(word)) Fail(what);
 }
 
-void Cursor::ExpectSymbol(char symbol, std::string_view what) {
+void TokenReader::ExpectSymbol(char symbol, std::string_view what) {
   if (!SkipSymbol(symbol)) Fail(what);
 }
 
-std::string Cursor::Name(std::string_view what) {
+std::string TokenReader::Name(std::string_view what) {
   const Token& token = Here();
   if (token.kind != TokenKind::kWord && token.kind != TokenKind::kQuotedName) Fail(what);
   if (IsReservedByOracle(token.word)) Fail(what);
@@ -48,13 +48,13 @@ std::string Cursor::Name(std::string_view what) {
   return ValueOfName(sql_, token);
 }
 
-std::string Cursor::QualifiedName(std::string_view what) {
+std::string TokenReader::QualifiedName(std::string_view what) {
   std::string name = Name(what);
   while (SkipSymbol('.')) name += "." + Name(what);
   return name;
 }
 
-std::int64_t Cursor::Integer() {
+std::int64_t TokenReader::Integer() {
   const bool is_negative = SkipSymbol('-');
   const std::string text = (is_negative ? "-" : "") + std::string(HereText());
   std::int64_t value = 0;
@@ -67,12 +67,12 @@ std::int64_t Cursor::Integer() {
   return value;
 }
 
-std::string_view Cursor::SourceFrom(std::size_t first) const {
+std::string_view TokenReader::SourceFrom(std::size_t first) const {
   if (first == at_) return {};
   return sql_.substr(tokens_[first].begin, tokens_[at_ - 1].end - tokens_[first].begin);
 }
 
-std::string_view Cursor::Expression() {
+std::string_view TokenReader::Expression() {
   const std::size_t first = at_;
   std::size_t depth = 0;
   for (; !AtEnd() && !IsSymbol(';'); ++at_) {
@@ -83,13 +83,13 @@ std::string_view Cursor::Expression() {
   return SourceFrom(first);
 }
 
-std::string_view Cursor::Statement() {
+std::string_view TokenReader::Statement() {
   const std::size_t first = at_;
   while (!AtEnd() && !IsSymbol(';')) ++at_;
   return SourceFrom(first);
 }
 
-void Cursor::Fail(std::string_view what) const {
+void TokenReader::Fail(std::string_view what) const {
   throw SyntaxFailure{native_number_, std::string(what) + PlaceOf(sql_, Here())};
 }
 

@@ -1,4 +1,4 @@
-#include "adapters/odbc/session.h"
+#include "adapters/odbc/connection_pool.h"
 
 #include <algorithm>
 #include <utility>
@@ -63,14 +63,14 @@ void CancelSwitch::CancelAll() noexcept {
   for (Worker* const worker : workers_) worker->Cancel();
 }
 
-Session::Session(const Engine& engine, ConnectionProfile profile, Opening opening,
-                 std::shared_ptr<CancelSwitch> cancel)
+ConnectionPool::ConnectionPool(const Engine& engine, ConnectionProfile profile, Opening opening,
+                               std::shared_ptr<CancelSwitch> cancel)
     : engine_(engine), profile_(std::move(profile)), opening_(opening), cancel_(std::move(cancel)) {
   if (profile_.Port == 0) profile_.Port = engine.UsualPort();
   address_ = profile_.Host + ":" + std::to_string(profile_.Port);
 }
 
-Session::Place Session::Take() {
+ConnectionPool::Place ConnectionPool::Take() {
   if (!idle_.empty()) {
     Place place = std::move(idle_.back());
     idle_.pop_back();
@@ -79,18 +79,17 @@ Session::Place Session::Take() {
   return {std::make_unique<Worker>(address_), false};
 }
 
-void Session::GiveBack(Place place) noexcept {
+void ConnectionPool::GiveBack(Place place) noexcept {
   if (!closed_ && place.is_connected && idle_.size() < kMostIdle) idle_.push_back(std::move(place));
 }
 
-void Session::Close() noexcept {
+void ConnectionPool::Close() noexcept {
   closed_ = true;
   idle_.clear();
 }
 
 // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): where connecting throws, the place goes.
-Lease::Lease(std::shared_ptr<Session> session)
-    : session_(std::move(session)), place_(session_->Take()) {
+Lease::Lease(std::shared_ptr<ConnectionPool> pool) : pool_(std::move(pool)), place_(pool_->Take()) {
   if (!place_.is_connected) Connect();
 }
 // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
@@ -99,7 +98,7 @@ Lease::~Lease() {
   // A cancelling may still be on its way: it would hit the next statement, or the end of a
   // transaction.
   if (was_cancelled_) place_.is_connected = false;
-  if (place_.worker) session_->GiveBack(std::move(place_));
+  if (place_.worker) pool_->GiveBack(std::move(place_));
 }
 
 void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure code) {
@@ -116,8 +115,8 @@ void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure c
     CancelSwitch& cancel_;
     Worker& worker_;
   };
-  RequireFewLeftBehind(session_->address_);
-  const Watch watch(*session_->cancel_, *place_.worker);
+  RequireFewLeftBehind(pool_->address_);
+  const Watch watch(*pool_->cancel_, *place_.worker);
   const auto patience = deadline ? Deadline(*deadline + kGrace) : deadline;
   Worker::End end = Worker::End::kDone;
   try {
@@ -136,9 +135,9 @@ void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure c
 }
 
 void Lease::Connect() {
-  const Deadline deadline = DeadlineIn(session_->profile_.ConnectTimeout);
+  const Deadline deadline = DeadlineIn(pool_->profile_.ConnectTimeout);
   RunWatched(
-      [&engine = session_->engine_, profile = session_->profile_, opening = session_->opening_,
+      [&engine = pool_->engine_, profile = pool_->profile_, opening = pool_->opening_,
        deadline](Workplace& here) {
         try {
           here.connection =
@@ -156,7 +155,7 @@ void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
     RunWatched(std::move(task), deadline, ConnectionFailure::kReceiveTimeOut);
   } catch (const DriverFailure& failure) {
     const Diagnosis& diagnosis = failure.What();
-    Meaning meaning = session_->engine_.MeaningOf(diagnosis, verb);
+    Meaning meaning = pool_->engine_.MeaningOf(diagnosis, verb);
     // The driver may be out of step where it was cancelled between two calls.
     if (was_cancelled_ && meaning.native_number == kUndescribed) {
       throw Refused({kCancelled, std::nullopt}, kCancelledText, diagnosis.state);
@@ -169,7 +168,7 @@ void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
     }
     if (meaning.connection && meaning.connection != ConnectionFailure::kReceiveTimeOut) {
       place_.is_connected = false;
-      session_->DropIdle();
+      pool_->DropIdle();
     }
     throw Refused(meaning, diagnosis.message, diagnosis.state);
   }

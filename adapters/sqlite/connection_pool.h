@@ -13,13 +13,14 @@
 
 namespace sabrel::sqlite {
 
-class Session {
+class ConnectionPool {
  public:
   static constexpr std::size_t kMostIdle = 4;
 
-  Session(std::string path, std::shared_ptr<StopSwitch> stop_switch, Durability durability)
+  ConnectionPool(std::string path, std::shared_ptr<CancelSwitch> cancel_switch,
+                 Durability durability)
       : path_(std::move(path)),
-        stop_switch_(std::move(stop_switch)),
+        cancel_switch_(std::move(cancel_switch)),
         state_(std::make_shared<SessionState>()),
         durability_(durability) {}
 
@@ -32,7 +33,7 @@ class Session {
 
  private:
   std::string path_;
-  std::shared_ptr<StopSwitch> stop_switch_;
+  std::shared_ptr<CancelSwitch> cancel_switch_;
   std::shared_ptr<SessionState> state_;
   std::vector<std::unique_ptr<Server>> idle_;
   Durability durability_;
@@ -42,10 +43,10 @@ class Session {
 /// A borrowed connection.
 class Lease {
  public:
-  explicit Lease(std::shared_ptr<Session> session)
-      : session_(std::move(session)), server_(session_->Take()) {}
+  explicit Lease(std::shared_ptr<ConnectionPool> pool)
+      : pool_(std::move(pool)), server_(pool_->Take()) {}
   ~Lease() {
-    if (server_) session_->GiveBack(std::move(server_));
+    if (server_) pool_->GiveBack(std::move(server_));
   }
   Lease(Lease&&) noexcept = default;
   Lease& operator=(Lease&&) = delete;
@@ -55,7 +56,7 @@ class Lease {
   [[nodiscard]] Server* operator->() const noexcept { return server_.get(); }
 
  private:
-  std::shared_ptr<Session> session_;
+  std::shared_ptr<ConnectionPool> pool_;
   std::unique_ptr<Server> server_;
 };
 

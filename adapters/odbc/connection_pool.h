@@ -47,12 +47,12 @@ class CancelSwitch {
   std::vector<Worker*> workers_;
 };
 
-class Session {
+class ConnectionPool {
  public:
   static constexpr std::size_t kMostIdle = 4;
 
-  Session(const Engine& engine, ConnectionProfile profile, Opening opening,
-          std::shared_ptr<CancelSwitch> cancel);
+  ConnectionPool(const Engine& engine, ConnectionProfile profile, Opening opening,
+                 std::shared_ptr<CancelSwitch> cancel);
 
   /// Time-outs may change from request to request.
   void ConnectTimeout(std::int32_t seconds) noexcept { profile_.ConnectTimeout = seconds; }
@@ -88,7 +88,7 @@ class Session {
 class Lease {
  public:
   /// Connects where that is to be done, within the profile's own limit for it. Errors: as Do
-  explicit Lease(std::shared_ptr<Session> session);
+  explicit Lease(std::shared_ptr<ConnectionPool> pool);
   /// Gives the connection back, or drops it where a request was cancelled or left it unusable.
   ~Lease();
   Lease(Lease&&) noexcept = default;
@@ -107,8 +107,8 @@ class Lease {
   void Connect();
   void RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure code);
 
-  std::shared_ptr<Session> session_;
-  Session::Place place_;
+  std::shared_ptr<ConnectionPool> pool_;
+  ConnectionPool::Place place_;
   bool was_cancelled_ = false;  // ever
 };
 

@@ -10,10 +10,10 @@
 
 namespace sabrel::dialect {
 
-class Cursor {
+class TokenReader {
  public:
   /// Failures carry `native_number`.
-  Cursor(std::string_view sql, std::int32_t native_number)
+  TokenReader(std::string_view sql, std::int32_t native_number)
       : sql_(sql), tokens_(Tokenize(sql)), native_number_(native_number) {}
 
   [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
