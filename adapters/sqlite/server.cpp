@@ -273,8 +273,7 @@ std::int64_t Server::NextValue(const std::string& sequence) {
   const std::int64_t value = next.Column(0).integer;
   next.Reset();
   Statement draw = connection_.Prepare(
-      "UPDATE sabrel_sequence SET next_value = next_value + increment_by WHERE name = ?1",
-      Verb::kUpdate);
+      "UPDATE sabrel_sequence SET next_value = next_value + increment_by WHERE name = ?1");
   draw.Bind(1, std::string_view(sequence));
   draw.Step();
   session_->current_values[sequence] = value;

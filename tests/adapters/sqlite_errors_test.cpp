@@ -95,6 +95,7 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"writing while reading behind DUAL", 14551,
        "INSERT INTO P (ID) SELECT WRITING(P.ID) FROM DUAL d, P"},
       {"current value too early", 8002, "SELECT S.CURRVAL FROM DUAL"},
+      {"child with a drawn value", 2291, "INSERT INTO L SELECT S.NEXTVAL + 90 FROM DUAL"},
       {"raised by a routine", 20011, "SELECT CHECKED(7) FROM DUAL"},
   };
   for (const auto& [name, number, sql] : kRows) {

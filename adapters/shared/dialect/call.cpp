@@ -122,8 +122,7 @@ void Rewriter::KeepColumnName(std::size_t first) {
     }
   }
   std::erase(name, '"');
-  if (!traits_.names_columns) name = UpperCase(name);
-  const std::string quoted = "\"" + name + "\"";
+  const std::string quoted = "\"" + UpperCase(name) + "\"";
   const std::string spelled = engine_.NameSpelling(quoted);
   edits_.AppendBehind(at_ - 1, " AS " + (spelled.empty() ? quoted : spelled));
 }

@@ -73,10 +73,9 @@ void Rewriter::Between(const Operand& left) {
   ExpectWord(Word::kAnd, 905, "missing keyword AND of BETWEEN");
   const Operand high = Sum();
   const Type type = TypeOf(left);
-  const bool is_number = IsNumberOrSum(left);
   if (IsNumber(TypeOf(low)) || IsNumber(TypeOf(high))) MakeNumberForNumbers(left);
   for (const Operand& bound : {low, high}) {
-    if (is_number && TypeOf(bound) == Type::kTextConstant) MakeNumber(bound);
+    if (IsNumber(type) && TypeOf(bound) == Type::kTextConstant) MakeNumber(bound);
     if (type == Type::kColumn) CastBesideColumn(bound);
   }
   if (TypeOf(low) == Type::kColumn || TypeOf(high) == Type::kColumn) CastBesideColumn(left);
@@ -98,16 +97,10 @@ void Rewriter::In(const Operand& left) {
     has_texts = has_texts && (token.kind == TokenKind::kText || IsSymbol(token, ','));
   }
   if (has_numbers) MakeNumberForNumbers(left);
-  if (!has_texts || !IsNumberOrSum(left)) return;
+  if (!has_texts || !IsNumber(TypeOf(left))) return;
   for (std::size_t i = open + 1; i + 1 < at_; ++i) {
     if (tokens_[i].kind == TokenKind::kText) MakeNumber({i, i});
   }
-}
-
-bool Rewriter::IsNumberOrSum(const Operand& operand) const {
-  if (operand.is_date) return false;
-  return IsNumber(TypeOf(operand)) ||
-         (!operand.function.empty() && operand.function != engine_.ConcatenateFunction());
 }
 
 void Rewriter::MakeNumber(const Operand& operand) {
@@ -121,7 +114,8 @@ void Rewriter::MakeNumber(const Operand& operand) {
 // sake of its index.
 void Rewriter::MakeNumberForNumbers(const Operand& operand) {
   const Type type = TypeOf(operand);
-  if (IsText(type) || type == Type::kUnknown) MakeNumber(operand);
+  const bool is_parameter = tokens_[operand.first].kind == TokenKind::kParameter;
+  if (IsText(type) || type == Type::kUnknown || is_parameter) MakeNumber(operand);
 }
 
 // A number beside a column makes the engine compare numbers, whatever the column holds.
@@ -220,6 +214,9 @@ Rewriter::Type Rewriter::TypeOf(Operand operand) const {
   }
   const Token& first = tokens_[operand.first];
   if (operand.is_number) return Type::kNumberConstant;
+  if (operand.first == operand.last && first.kind == TokenKind::kNumber) {
+    return Type::kNumberConstant;
+  }
   if (operand.first == operand.last && first.kind == TokenKind::kText) return Type::kTextConstant;
   if (operand.first == operand.last && first.kind == TokenKind::kParameter) return Type::kColumn;
   if (!operand.function.empty()) {

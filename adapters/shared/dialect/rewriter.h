@@ -122,7 +122,6 @@ class Rewriter {
   void Pattern(bool is_negated);
   void Quantified(std::size_t operation);
   [[nodiscard]] Type TypeOf(Operand operand) const;
-  [[nodiscard]] bool IsNumberOrSum(const Operand& operand) const;
   void Between(const Operand& left);
   void In(const Operand& left);
   void MakeNumber(const Operand& operand);
