@@ -174,8 +174,10 @@ void CreateTable(Server& server, std::string_view statement) {
   RequireParents(engine, table);
   AddRounding(engine, table);
   if (parts.query.empty()) return;
-  const std::string fill = "INSERT INTO " + QuotedName(parts.name) + " ";
-  server.Prepare(server.Compile(fill + std::string(parts.query))).RunToEnd();
+  dialect::Rewritten fill = server.Compile(parts.query);
+  fill.text.insert(0, "INSERT INTO " + QuotedName(parts.name) + " ");
+  fill.kind = dialect::StatementKind::kInsert;
+  server.Prepare(fill).RunToEnd();
 }
 
 bool IsWord(std::string_view text, const Token& token, std::string_view word) {

@@ -1,6 +1,8 @@
 #include "adapters/sqlite/query_table.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -21,11 +23,17 @@ bool IsSymbol(const Token& token, char symbol) {
   return token.kind == dialect::TokenKind::kSymbol && token.symbol == symbol;
 }
 
-/// NUMBER, VARCHAR2 or DATE for a type of that kind; empty for what is no type of Oracle's.
+/// Whether the engine itself named the type so, in a table that an older program made of a query.
+bool IsEnginesType(std::string_view declared) {
+  return declared == "NUM" || declared == "INT" || declared == "TEXT";
+}
+
+/// NUMBER, VARCHAR2 or DATE for a type of that kind; empty for all others.
 std::string_view KindOfType(std::string_view declared) {
   const std::string type = UpperCase(declared.substr(0, declared.find_first_of(" (")));
-  if (IsNumberType(type)) return "NUMBER";
-  if (type.find("CHAR") != std::string::npos || type.ends_with("CLOB") || type == "LONG") {
+  if (IsNumberType(type) || type == "NUM") return "NUMBER";
+  if (type.find("CHAR") != std::string::npos || type.ends_with("CLOB") || type == "LONG" ||
+      type == "TEXT") {
     return "VARCHAR2";
   }
   return type == "DATE" || type == "TIMESTAMP" ? "DATE" : "";
@@ -41,6 +49,19 @@ std::string_view TypeOfValue(const Value& value) {
   }
   return "";
 }
+
+/// Depth in parentheses and CASE ... END.
+class Nesting {
+ public:
+  [[nodiscard]] bool IsOutside() const { return depth_ == 0; }
+  void Pass(const Token& token) {
+    if (IsSymbol(token, '(') || token.word == Word::kCase) ++depth_;
+    if (IsSymbol(token, ')') || token.word == Word::kEnd) --depth_;
+  }
+
+ private:
+  int depth_ = 0;
+};
 
 /// The type of a select item that is a CAST, maybe named; `tokens` are the item's.
 std::string_view TypeOfCast(std::string_view query, std::span<const Token> tokens) {
@@ -58,24 +79,28 @@ std::string_view TypeOfCast(std::string_view query, std::span<const Token> token
   return query.substr(tokens[type].begin, tokens[close].begin - tokens[type].begin);
 }
 
-/// What the select list of `query` casts to, as far as no "*" hides the columns' places.
-std::vector<std::string_view> CastTypes(std::string_view query, std::span<const Token> tokens) {
-  std::vector<std::string_view> types;
-  std::size_t first = 1;
-  const Word second = tokens[std::min<std::size_t>(1, tokens.size() - 1)].word;
-  if (second == Word::kDistinct || second == Word::kUnique || second == Word::kAll) ++first;
-  int depth = 0;
-  for (std::size_t i = first; i < tokens.size(); ++i) {
-    if (IsSymbol(tokens[i], '(')) ++depth;
-    if (IsSymbol(tokens[i], ')')) --depth;
-    const bool is_end = tokens[i].word == Word::kFrom;
-    if (depth > 0 || !(is_end || IsSymbol(tokens[i], ','))) continue;
-    if (i == first || IsSymbol(tokens[i - 1], '*')) break;
-    types.push_back(TypeOfCast(query, tokens.subspan(first, i - first)));
-    if (is_end) break;
-    first = i + 1;
+/// The items of the first select list, as far as no "*" hides the columns' places.
+std::vector<std::span<const Token>> SelectItems(std::span<const Token> tokens) {
+  std::vector<std::span<const Token>> items;
+  std::size_t i = 0;
+  Nesting nesting;
+  while (i + 2 < tokens.size() && (!nesting.IsOutside() || tokens[i].word != Word::kSelect)) {
+    nesting.Pass(tokens[i++]);
   }
-  return types;
+  std::size_t first = ++i;
+  const Word word = tokens[first].word;
+  if (word == Word::kDistinct || word == Word::kUnique || word == Word::kAll) ++first;
+  for (i = first; i < tokens.size(); ++i) {
+    const bool is_end = tokens[i].word == Word::kFrom;
+    if (nesting.IsOutside() && (is_end || IsSymbol(tokens[i], ','))) {
+      if (i == first || IsSymbol(tokens[i - 1], '*')) break;
+      items.push_back(tokens.subspan(first, i - first));
+      if (is_end) break;
+      first = i + 1;
+    }
+    nesting.Pass(tokens[i]);
+  }
+  return items;
 }
 
 bool HasSetOperator(std::span<const Token> tokens) {
@@ -85,43 +110,239 @@ bool HasSetOperator(std::span<const Token> tokens) {
   });
 }
 
+/// What the names in a query say of the tables and views of these names.
+struct Sources {
+  bool has_view = false;
+  std::map<std::string, std::string_view> kinds;  // by column; empty where tables differ
+};
+
+Sources SourcesOf(Connection& engine, std::string_view query, std::span<const Token> tokens) {
+  std::set<std::string> names;
+  for (const Token& token : tokens) {
+    const bool is_name =
+        token.kind == dialect::TokenKind::kWord || token.kind == dialect::TokenKind::kQuotedName;
+    if (is_name) names.insert(UpperCase(dialect::ValueOfName(query, token)));
+  }
+  Sources sources;
+  for (const std::string& name : names) {
+    Statement columns = engine.Prepare(
+        "SELECT r.type = 'view', UPPER(c.name), c.type FROM sqlite_schema r"
+        " JOIN pragma_table_info(r.name) c WHERE r.type IN ('table', 'view')"
+        " AND UPPER(r.name) = ?1");
+    columns.Bind(1, std::string_view(name));
+    while (columns.Step()) {
+      if (columns.Column(0).integer != 0) sources.has_view = true;
+      const std::string_view kind = KindOfType(columns.Column(2).text);
+      const auto [known, is_new] = sources.kinds.emplace(columns.Column(1).text, kind);
+      if (!is_new && known->second != kind) known->second = {};
+    }
+  }
+  return sources;
+}
+
+struct FunctionForm {
+  std::string_view names;  // each between blanks
+  std::string_view kind;
+  std::size_t argument = 0;  // where no kind is given: the one whose kind the call has
+};
+
+constexpr FunctionForm kFunctionForms[] = {
+    {" COUNT SUM AVG MEDIAN STDDEV VARIANCE ABS MOD SQRT LN LOG EXP CEIL FLOOR POWER SIGN TO_NUMBER"
+     " INSTR LENGTH ASCII MONTHS_BETWEEN ROW_NUMBER RANK DENSE_RANK NTILE ",
+     "NUMBER"},
+    {" UPPER LOWER INITCAP SUBSTR REPLACE LPAD RPAD TRIM LTRIM RTRIM CHR CONCAT TO_CHAR ",
+     "VARCHAR2"},
+    {" TO_DATE ADD_MONTHS LAST_DAY ", "DATE"},
+    {" NVL COALESCE NULLIF MIN MAX ROUND TRUNC GREATEST LEAST LAG LEAD FIRST_VALUE LAST_VALUE ", "",
+     0},
+    {" NVL2 ", "", 1},
+    {" DECODE ", "", 2},
+};
+
+/// Tells the kind of an expression that has no value by what it is written as.
+class FormReader {
+ public:
+  FormReader(std::string_view query, const Sources& sources) : query_(query), sources_(&sources) {}
+
+  /// Empty where the form does not tell.
+  [[nodiscard]] std::string_view KindOf(std::span<const Token> form) const {
+    if (form.empty()) return {};
+    std::size_t sum = 0;
+    bool has_factors = false;
+    Nesting nesting;
+    for (std::size_t i = 0; i < form.size(); ++i) {
+      if (nesting.IsOutside()) {
+        if (IsSymbol(form[i], dialect::kConcatenation)) return "VARCHAR2";
+        const bool is_signed = i == 0 || (form[i - 1].symbol != '\0' && form[i - 1].symbol != ')');
+        if (!is_signed && (IsSymbol(form[i], '+') || IsSymbol(form[i], '-'))) sum = i;
+        if (IsSymbol(form[i], '*') || IsSymbol(form[i], '/')) has_factors = true;
+      }
+      nesting.Pass(form[i]);
+    }
+    if (sum > 0) {
+      return KindOfSum(KindOf(form.first(sum)), form[sum].symbol, KindOf(form.subspan(sum + 1)));
+    }
+    if (has_factors || IsSymbol(form[0], '-') || IsSymbol(form[0], '+')) return "NUMBER";
+    return KindOfOperand(form);
+  }
+
+ private:
+  static std::string_view KindOfSum(std::string_view left, char sign, std::string_view right) {
+    if (left.empty() || right.empty()) return {};
+    if ((left == "DATE") == (right == "DATE")) return left == "DATE" && sign == '+' ? "" : "NUMBER";
+    return "DATE";
+  }
+
+  [[nodiscard]] std::string_view KindOfOperand(std::span<const Token> form) const {
+    const Token& last = form.back();
+    if (form.size() == 1 && last.kind == dialect::TokenKind::kText) return "VARCHAR2";
+    if (form.size() == 1 && last.kind == dialect::TokenKind::kNumber) return "NUMBER";
+    if (form.size() == 1 && last.word == Word::kSystemDate) return "DATE";
+    if (form[0].word == Word::kCast) return KindOfType(TypeOfCast(query_, form));
+    const bool is_date = form[0].word == Word::kDate || form[0].word == Word::kTimestamp;
+    if (is_date && last.kind == dialect::TokenKind::kText) return "DATE";
+    if (form.size() == 1 || IsSymbol(form[form.size() - 2], '.')) return KindOfName(last);
+    if (IsSymbol(form[0], '(')) return KindOf(Argument(form, 0));
+    return IsSymbol(form[1], '(') ? KindOfCall(form) : "";
+  }
+
+  [[nodiscard]] std::string_view KindOfName(const Token& name) const {
+    if (name.word == Word::kNextval || name.word == Word::kCurrval) return "NUMBER";
+    const auto column = sources_->kinds.find(UpperCase(dialect::ValueOfName(query_, name)));
+    return column == sources_->kinds.end() ? "" : column->second;
+  }
+
+  [[nodiscard]] std::string_view KindOfCall(std::span<const Token> call) const {
+    const std::string name = " " + dialect::ValueOfName(query_, call[0]) + " ";
+    for (const FunctionForm& form : kFunctionForms) {
+      if (form.names.find(name) == std::string_view::npos) continue;
+      return form.kind.empty() ? KindOf(Argument(call.subspan(1), form.argument)) : form.kind;
+    }
+    return {};
+  }
+
+  /// Of the list in parentheses that `list` starts with; empty where it has fewer.
+  static std::span<const Token> Argument(std::span<const Token> list, std::size_t number) {
+    Nesting nesting;
+    std::size_t first = 1;
+    for (std::size_t i = 1; i < list.size(); ++i) {
+      const bool is_end = nesting.IsOutside() && IsSymbol(list[i], ')');
+      if (is_end || (nesting.IsOutside() && IsSymbol(list[i], ','))) {
+        if (number-- == 0) return list.subspan(first, i - first);
+        if (is_end) break;
+        first = i + 1;
+      }
+      nesting.Pass(list[i]);
+    }
+    return {};
+  }
+
+  std::string_view query_;
+  const Sources* sources_;
+};
+
+/// A select item without its alias.
+std::span<const Token> WithoutAlias(std::span<const Token> item) {
+  if (item.size() < 2) return item;
+  const Token& last = item.back();
+  const Token& before = item[item.size() - 2];
+  if (before.word == Word::kAs) return item.first(item.size() - 2);
+  const bool is_name = last.kind == dialect::TokenKind::kQuotedName ||
+                       (last.kind == dialect::TokenKind::kWord && last.word != Word::kEnd);
+  const bool is_behind_expression =
+      before.kind != dialect::TokenKind::kSymbol || IsSymbol(before, ')');
+  return is_name && is_behind_expression ? item.first(item.size() - 1) : item;
+}
+
+bool IsBareNull(std::string_view query, std::span<const Token> form) {
+  return form.size() == 1 &&
+         (form[0].word == Word::kNull || (form[0].kind == dialect::TokenKind::kText &&
+                                          dialect::IsEmptyText(dialect::TextOf(query, form[0]))));
+}
+
+/// Columns of this type are not checked, and the engine keeps their values as they come.
+constexpr const char* kAnyType = "BLOB";
+
+/// The query's result columns: from what is declared and cast, from values, and else from forms.
+class QueryColumns {
+ public:
+  QueryColumns(Server& server, std::string_view query)
+      : query_(query),
+        tokens_(dialect::Tokenize(query)),
+        items_(SelectItems(tokens_)),
+        has_set_operator_(HasSetOperator(tokens_)),
+        rewritten_(server.Compile(query)),
+        rows_(server.Prepare(rewritten_)) {
+    RequireBound(rows_, rewritten_);
+    const bool has_row = rows_.Step();
+    sources_ = SourcesOf(server.Engine(), query, tokens_);
+    for (int i = 0; i < rows_.Columns(); ++i) types_.push_back(DeclaredType(i));
+    TakeTypesOfValues(has_row);
+  }
+
+  [[nodiscard]] std::string List() const {
+    std::string columns;
+    for (std::size_t i = 0; i < types_.size(); ++i) {
+      const std::string name = ResultName(rows_.ColumnName(static_cast<int>(i)), rewritten_);
+      const std::string type = types_[i].empty() ? TypeOfForm(i, name) : types_[i];
+      columns += (i > 0 ? ", " : "(") + QuotedName(name) + " " + type;
+    }
+    return columns + ")";
+  }
+
+ private:
+  [[nodiscard]] std::string DeclaredType(int column) const {
+    const auto place = static_cast<std::size_t>(column);
+    std::string_view type = rows_.DeclaredType(column);
+    if (place < items_.size()) {
+      const std::string_view cast = TypeOfCast(query_, items_[place]);
+      if (!cast.empty()) type = cast;
+    }
+    if (type == "LONG TEXT") type = "LONG";
+    const std::string_view kind = KindOfType(type);
+    // Of several queries, which a view may hold too, the engine tells the types of one: they may be
+    // too narrow.
+    const bool is_kind_only = has_set_operator_ || sources_.has_view || IsEnginesType(type);
+    return std::string(is_kind_only || kind.empty() ? kind : type);
+  }
+
+  void TakeTypesOfValues(bool has_row) {
+    const auto is_known = [](const std::string& type) { return !type.empty(); };
+    while (has_row && !std::all_of(types_.begin(), types_.end(), is_known)) {
+      for (std::size_t i = 0; i < types_.size(); ++i) {
+        if (types_[i].empty()) types_[i] = TypeOfValue(rows_.Column(static_cast<int>(i)));
+      }
+      has_row = rows_.Step();
+    }
+  }
+
+  /// kAnyType where nothing tells.
+  [[nodiscard]] std::string TypeOfForm(std::size_t place, const std::string& name) const {
+    if (place >= items_.size()) return kAnyType;
+    const std::span<const Token> form = WithoutAlias(items_[place]);
+    if (!IsBareNull(query_, form)) {
+      const std::string_view kind = FormReader(query_, sources_).KindOf(form);
+      return kind.empty() ? kAnyType : std::string(kind);
+    }
+    if (has_set_operator_) return kAnyType;
+    throw ServerFailure(1723, "zero-length columns are not allowed: no value tells the type of " +
+                                  name + "; write CAST(... AS type)");
+  }
+
+  std::string_view query_;
+  std::vector<Token> tokens_;
+  std::vector<std::span<const Token>> items_;
+  bool has_set_operator_;
+  dialect::Rewritten rewritten_;
+  Statement rows_;
+  Sources sources_;
+  std::vector<std::string> types_;
+};
+
 }  // namespace
 
 std::string ColumnsFor(Server& server, std::string_view query) {
-  const std::vector<Token> tokens = dialect::Tokenize(query);
-  const std::vector<std::string_view> casts = CastTypes(query, tokens);
-  const bool has_set_operator = HasSetOperator(tokens);
-  const dialect::Rewritten rewritten = server.Compile(query);
-  Statement rows = server.Prepare(rewritten);
-  RequireBound(rows, rewritten);
-  bool has_row = rows.Step();
-  std::vector<std::string> types;
-  for (int i = 0; i < rows.Columns(); ++i) {
-    const auto place = static_cast<std::size_t>(i);
-    std::string_view type = rows.DeclaredType(i);
-    if (place < casts.size() && !casts[place].empty()) type = casts[place];
-    if (type == "LONG TEXT") type = "LONG";
-    const std::string_view kind = KindOfType(type);
-    // Of several queries the engine tells the first one's types, which may be too narrow.
-    types.emplace_back(has_set_operator || kind.empty() ? kind : type);
-  }
-  const auto is_known = [](const std::string& type) { return !type.empty(); };
-  while (has_row && !std::all_of(types.begin(), types.end(), is_known)) {
-    for (std::size_t i = 0; i < types.size(); ++i) {
-      if (types[i].empty()) types[i] = TypeOfValue(rows.Column(static_cast<int>(i)));
-    }
-    has_row = rows.Step();
-  }
-  std::string columns;
-  for (std::size_t i = 0; i < types.size(); ++i) {
-    const std::string name = ResultName(rows.ColumnName(static_cast<int>(i)), rewritten);
-    if (types[i].empty()) {
-      throw ServerFailure(1723, "zero-length columns are not allowed: no value tells the type of " +
-                                    name + "; write CAST(... AS type)");
-    }
-    columns += (i > 0 ? ", " : "(") + QuotedName(name) + " " + types[i];
-  }
-  return columns + ")";
+  return QueryColumns(server, query).List();
 }
 
 }  // namespace sabrel::sqlite
