@@ -9,6 +9,7 @@
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel::odbc {
+
 std::vector<CallParameter> ParametersOf(const Signature& signature,
                                         const std::vector<std::optional<std::string>>& values) {
   std::vector<CallParameter> parameters;

@@ -161,7 +161,8 @@ std::unique_ptr<Statement> Connection::Run(const std::string& text, std::int32_t
 
 std::unique_ptr<Statement> Connection::Query(const Compiled& statement, std::int32_t timeout_s) {
   const bool has_one_row = !statement.question.empty() && IsSo(statement.question, timeout_s);
-  return Run(has_one_row ? statement.one_row_text : statement.text, timeout_s);
+  return Run(has_one_row ? std::string(statement.one_row_prefix) + statement.text : statement.text,
+             timeout_s);
 }
 
 bool Connection::IsSo(const std::string& question, std::int32_t timeout_s) {

@@ -52,10 +52,12 @@ class Connection {
   /// pieces are checked already. Errors: DriverFailure, after everything was rolled back
   void Write(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
 
-  // Oracle's way of calling and writing, public so that other servers can try it.
-
+  /// Calls as `{? = call name(?, ?)}` whatever the engine prefers, and appends the row that Call
+  /// returns. Cost: preparing, one round trip. Errors: DriverFailure
   void CallBound(const Signature& signature, const std::vector<std::optional<std::string>>& values,
                  std::int32_t timeout_s, RowBlock& row);
+  /// Writes as arrays of parameters whatever the engine prefers, in whatever transaction is open.
+  /// Cost: preparing and one round trip for each array. Errors: DriverFailure
   void WriteArrays(std::string_view head, const RowSet& rows, std::int32_t timeout_s);
 
  private:

@@ -48,10 +48,10 @@ struct Compiled {
   /// Empty where there is nothing to send (COMMIT, where each statement is a transaction).
   std::string text;
   /// A query with one row and column, more than 0 where `text` is one that gives one row at most;
-  /// `one_row_text` is then sent instead, which saves a round trip. Empty where there is no such
-  /// doubt. The answer may be out of date: it decides on costs only.
+  /// `one_row_prefix` then goes in front of it, which saves a round trip. Empty where there is no
+  /// such doubt. The answer may be out of date: it decides on costs only.
   std::string question;
-  std::string one_row_text;
+  std::string_view one_row_prefix;
 };
 
 class Engine {

@@ -195,7 +195,7 @@ class RecordingRowlink::Link final : public DataLink {
   }
 
   void Execute(std::string_view sql, const DataServerAddress& address) override {
-    Overhear(recorder_->Start(Entry::Operation::kRequest, sql, address), [&](Entry&) {
+    Record(recorder_->Start(Entry::Operation::kRequest, sql, address), [&](Entry&) {
       Deref(recorder_->Inner().MakeRecordset())
           .Execute(sql, address.host, address.port, address.user, address.password,
                    address.timeout_s);
@@ -211,7 +211,7 @@ class RecordingRowlink::Link final : public DataLink {
       }
     }
     RoutineOutcome outcome;
-    Overhear(std::move(started), [&](Entry& entry) {
+    Record(std::move(started), [&](Entry& entry) {
       const auto inner = recorder_->Inner().MakeProcedureCall();
       outcome = CallThrough(Deref(inner), call);
       entry.outcome = outcome;
@@ -222,7 +222,7 @@ class RecordingRowlink::Link final : public DataLink {
   void Write(const RowSet& rows) override {
     Entry started = recorder_->Start(Entry::Operation::kWrite, rows.table, {});
     started.row_set = rows;
-    Overhear(std::move(started), [&](Entry&) {
+    Record(std::move(started), [&](Entry&) {
       const auto inner = recorder_->Inner().MakeRowSetWriter();
       Deref(inner).Table(rows.table);
       for (const auto& column : rows.columns) inner->DeclareColumn(column.name, column.type_word);
@@ -233,7 +233,7 @@ class RecordingRowlink::Link final : public DataLink {
 
  private:
   template <class Operation>
-  void Overhear(Entry entry, const Operation& operation) {
+  void Record(Entry entry, const Operation& operation) {
     recorder_->Sent(entry);
     try {
       operation(entry);

@@ -220,9 +220,8 @@ void RequireUnreferenced(Connection& engine, std::string_view table, std::int32_
       " WHERE r.type = 'table' AND UPPER(k.\"table\") = ?1 AND UPPER(r.name) <> ?1");
   child.Bind(1, table);
   if (!child.Step()) return;
-  const std::string name = child.Column(0).text;
   throw ServerFailure(native_number, "unique/primary keys in table referenced by foreign keys of " +
-                                         name + (native_number == 2449 ? "; drop it first" : ""));
+                                         child.Column(0).text + "; drop it first");
 }
 
 void DefineOther(Server& server, std::string_view statement) {

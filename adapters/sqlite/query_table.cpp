@@ -1,8 +1,6 @@
 #include "adapters/sqlite/query_table.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
 #include <span>
 #include <vector>
 
@@ -110,136 +108,18 @@ bool HasSetOperator(std::span<const Token> tokens) {
   });
 }
 
-/// What the names in a query say of the tables and views of these names.
-struct Sources {
-  bool has_view = false;
-  std::map<std::string, std::string_view> kinds;  // by column; empty where tables differ
-};
-
-Sources SourcesOf(Connection& engine, std::string_view query, std::span<const Token> tokens) {
-  std::set<std::string> names;
-  for (const Token& token : tokens) {
+/// Whether a view has one of the query's names.
+bool ReadsView(Connection& engine, std::string_view query, std::span<const Token> tokens) {
+  return std::any_of(tokens.begin(), tokens.end(), [&](const Token& token) {
     const bool is_name =
         token.kind == dialect::TokenKind::kWord || token.kind == dialect::TokenKind::kQuotedName;
-    if (is_name) names.insert(UpperCase(dialect::ValueOfName(query, token)));
-  }
-  Sources sources;
-  for (const std::string& name : names) {
-    Statement columns = engine.Prepare(
-        "SELECT r.type = 'view', UPPER(c.name), c.type FROM sqlite_schema r"
-        " JOIN pragma_table_info(r.name) c WHERE r.type IN ('table', 'view')"
-        " AND UPPER(r.name) = ?1");
-    columns.Bind(1, std::string_view(name));
-    while (columns.Step()) {
-      if (columns.Column(0).integer != 0) sources.has_view = true;
-      const std::string_view kind = KindOfType(columns.Column(2).text);
-      const auto [known, is_new] = sources.kinds.emplace(columns.Column(1).text, kind);
-      if (!is_new && known->second != kind) known->second = {};
-    }
-  }
-  return sources;
+    if (!is_name) return false;
+    Statement view =
+        engine.Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'view' AND UPPER(name) = ?1");
+    view.Bind(1, std::string_view(UpperCase(dialect::ValueOfName(query, token))));
+    return view.Step();
+  });
 }
-
-struct FunctionForm {
-  std::string_view names;  // each between blanks
-  std::string_view kind;
-  std::size_t argument = 0;  // where no kind is given: the one whose kind the call has
-};
-
-constexpr FunctionForm kFunctionForms[] = {
-    {" COUNT SUM AVG MEDIAN STDDEV VARIANCE ABS MOD SQRT LN LOG EXP CEIL FLOOR POWER SIGN TO_NUMBER"
-     " INSTR LENGTH ASCII MONTHS_BETWEEN ROW_NUMBER RANK DENSE_RANK NTILE ",
-     "NUMBER"},
-    {" UPPER LOWER INITCAP SUBSTR REPLACE LPAD RPAD TRIM LTRIM RTRIM CHR CONCAT TO_CHAR ",
-     "VARCHAR2"},
-    {" TO_DATE ADD_MONTHS LAST_DAY ", "DATE"},
-    {" NVL COALESCE NULLIF MIN MAX ROUND TRUNC GREATEST LEAST LAG LEAD FIRST_VALUE LAST_VALUE ", "",
-     0},
-    {" NVL2 ", "", 1},
-    {" DECODE ", "", 2},
-};
-
-/// Tells the kind of an expression that has no value by what it is written as.
-class FormReader {
- public:
-  FormReader(std::string_view query, const Sources& sources) : query_(query), sources_(&sources) {}
-
-  /// Empty where the form does not tell.
-  [[nodiscard]] std::string_view KindOf(std::span<const Token> form) const {
-    if (form.empty()) return {};
-    std::size_t sum = 0;
-    bool has_factors = false;
-    Nesting nesting;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-      if (nesting.IsOutside()) {
-        if (IsSymbol(form[i], dialect::kConcatenation)) return "VARCHAR2";
-        const bool is_signed = i == 0 || (form[i - 1].symbol != '\0' && form[i - 1].symbol != ')');
-        if (!is_signed && (IsSymbol(form[i], '+') || IsSymbol(form[i], '-'))) sum = i;
-        if (IsSymbol(form[i], '*') || IsSymbol(form[i], '/')) has_factors = true;
-      }
-      nesting.Pass(form[i]);
-    }
-    if (sum > 0) {
-      return KindOfSum(KindOf(form.first(sum)), form[sum].symbol, KindOf(form.subspan(sum + 1)));
-    }
-    if (has_factors || IsSymbol(form[0], '-') || IsSymbol(form[0], '+')) return "NUMBER";
-    return KindOfOperand(form);
-  }
-
- private:
-  static std::string_view KindOfSum(std::string_view left, char sign, std::string_view right) {
-    if (left.empty() || right.empty()) return {};
-    if ((left == "DATE") == (right == "DATE")) return left == "DATE" && sign == '+' ? "" : "NUMBER";
-    return "DATE";
-  }
-
-  [[nodiscard]] std::string_view KindOfOperand(std::span<const Token> form) const {
-    const Token& last = form.back();
-    if (form.size() == 1 && last.kind == dialect::TokenKind::kText) return "VARCHAR2";
-    if (form.size() == 1 && last.kind == dialect::TokenKind::kNumber) return "NUMBER";
-    if (form.size() == 1 && last.word == Word::kSystemDate) return "DATE";
-    if (form[0].word == Word::kCast) return KindOfType(TypeOfCast(query_, form));
-    const bool is_date = form[0].word == Word::kDate || form[0].word == Word::kTimestamp;
-    if (is_date && last.kind == dialect::TokenKind::kText) return "DATE";
-    if (form.size() == 1 || IsSymbol(form[form.size() - 2], '.')) return KindOfName(last);
-    if (IsSymbol(form[0], '(')) return KindOf(Argument(form, 0));
-    return IsSymbol(form[1], '(') ? KindOfCall(form) : "";
-  }
-
-  [[nodiscard]] std::string_view KindOfName(const Token& name) const {
-    if (name.word == Word::kNextval || name.word == Word::kCurrval) return "NUMBER";
-    const auto column = sources_->kinds.find(UpperCase(dialect::ValueOfName(query_, name)));
-    return column == sources_->kinds.end() ? "" : column->second;
-  }
-
-  [[nodiscard]] std::string_view KindOfCall(std::span<const Token> call) const {
-    const std::string name = " " + dialect::ValueOfName(query_, call[0]) + " ";
-    for (const FunctionForm& form : kFunctionForms) {
-      if (form.names.find(name) == std::string_view::npos) continue;
-      return form.kind.empty() ? KindOf(Argument(call.subspan(1), form.argument)) : form.kind;
-    }
-    return {};
-  }
-
-  /// Of the list in parentheses that `list` starts with; empty where it has fewer.
-  static std::span<const Token> Argument(std::span<const Token> list, std::size_t number) {
-    Nesting nesting;
-    std::size_t first = 1;
-    for (std::size_t i = 1; i < list.size(); ++i) {
-      const bool is_end = nesting.IsOutside() && IsSymbol(list[i], ')');
-      if (is_end || (nesting.IsOutside() && IsSymbol(list[i], ','))) {
-        if (number-- == 0) return list.subspan(first, i - first);
-        if (is_end) break;
-        first = i + 1;
-      }
-      nesting.Pass(list[i]);
-    }
-    return {};
-  }
-
-  std::string_view query_;
-  const Sources* sources_;
-};
 
 /// A select item without its alias.
 std::span<const Token> WithoutAlias(std::span<const Token> item) {
@@ -263,7 +143,7 @@ bool IsBareNull(std::string_view query, std::span<const Token> form) {
 /// Columns of this type are not checked, and the engine keeps their values as they come.
 constexpr const char* kAnyType = "BLOB";
 
-/// The query's result columns: from what is declared and cast, from values, and else from forms.
+/// The query's result columns: from what is declared and cast, and else from values.
 class QueryColumns {
  public:
   QueryColumns(Server& server, std::string_view query)
@@ -275,7 +155,7 @@ class QueryColumns {
         rows_(server.Prepare(rewritten_)) {
     RequireBound(rows_, rewritten_);
     const bool has_row = rows_.Step();
-    sources_ = SourcesOf(server.Engine(), query, tokens_);
+    reads_view_ = ReadsView(server.Engine(), query, tokens_);
     for (int i = 0; i < rows_.Columns(); ++i) types_.push_back(DeclaredType(i));
     TakeTypesOfValues(has_row);
   }
@@ -284,8 +164,9 @@ class QueryColumns {
     std::string columns;
     for (std::size_t i = 0; i < types_.size(); ++i) {
       const std::string name = ResultName(rows_.ColumnName(static_cast<int>(i)), rewritten_);
-      const std::string type = types_[i].empty() ? TypeOfForm(i, name) : types_[i];
-      columns += (i > 0 ? ", " : "(") + QuotedName(name) + " " + type;
+      if (types_[i].empty()) RequireValue(i, name);
+      columns += (i > 0 ? ", " : "(") + QuotedName(name) + " " +
+                 (types_[i].empty() ? kAnyType : types_[i]);
     }
     return columns + ")";
   }
@@ -302,7 +183,7 @@ class QueryColumns {
     const std::string_view kind = KindOfType(type);
     // Of several queries, which a view may hold too, the engine tells the types of one: they may be
     // too narrow.
-    const bool is_kind_only = has_set_operator_ || sources_.has_view || IsEnginesType(type);
+    const bool is_kind_only = has_set_operator_ || reads_view_ || IsEnginesType(type);
     return std::string(is_kind_only || kind.empty() ? kind : type);
   }
 
@@ -316,15 +197,10 @@ class QueryColumns {
     }
   }
 
-  /// kAnyType where nothing tells.
-  [[nodiscard]] std::string TypeOfForm(std::size_t place, const std::string& name) const {
-    if (place >= items_.size()) return kAnyType;
-    const std::span<const Token> form = WithoutAlias(items_[place]);
-    if (!IsBareNull(query_, form)) {
-      const std::string_view kind = FormReader(query_, sources_).KindOf(form);
-      return kind.empty() ? kAnyType : std::string(kind);
-    }
-    if (has_set_operator_) return kAnyType;
+  /// Refuses a plain NULL, which no later value is due to follow.
+  void RequireValue(std::size_t place, const std::string& name) const {
+    if (has_set_operator_ || place >= items_.size()) return;
+    if (!IsBareNull(query_, WithoutAlias(items_[place]))) return;
     throw ServerFailure(1723, "zero-length columns are not allowed: no value tells the type of " +
                                   name + "; write CAST(... AS type)");
   }
@@ -335,7 +211,7 @@ class QueryColumns {
   bool has_set_operator_;
   dialect::Rewritten rewritten_;
   Statement rows_;
-  Sources sources_;
+  bool reads_view_ = false;
   std::vector<std::string> types_;
 };
 

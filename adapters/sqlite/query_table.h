@@ -1,8 +1,8 @@
 // The table that CREATE TABLE ... AS SELECT makes.
 //
 // The engine would forget the types of the query's columns. Here they come from the tables that the
-// query reads, from its casts, else from the values of its first rows, and where there are none
-// from the form of its expressions. A column that nothing gives a type takes values of every type.
+// query reads, from its casts, else from the values of its first rows. A column that nothing gives
+// a type takes values of every type.
 #pragma once
 
 #include <string>

@@ -10,6 +10,10 @@
 namespace sabrel::cli {
 namespace {
 
+void AddName(CLI::App& command, const char* word, std::string& name, const char* help) {
+  command.add_option(word, name, help)->required()->check(QuotableName());
+}
+
 struct SchemaArguments {
   std::string name;
   std::string part;
@@ -40,9 +44,7 @@ void AddTableProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesTableExist(a.name, a.server.host, a.server.port, a.server.user,
                                                 password, a.server.timeout_s);
                });
-  table.add_option("NAME", arguments->name, "The table, in any case")
-      ->required()
-      ->check(QuotableName());
+  AddName(table, "NAME", arguments->name, "The table, in any case");
   AddServerOptions(table, arguments->server);
   AddTimeOut(table, arguments->server);
 }
@@ -56,12 +58,8 @@ void AddColumnProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesFieldExist(a.name, a.part, a.server.host, a.server.port,
                                                 a.server.user, password);
                });
-  column.add_option("TABLE", arguments->name, "The table, in any case")
-      ->required()
-      ->check(QuotableName());
-  column.add_option("COLUMN", arguments->part, "The column, in any case")
-      ->required()
-      ->check(QuotableName());
+  AddName(column, "TABLE", arguments->name, "The table, in any case");
+  AddName(column, "COLUMN", arguments->part, "The column, in any case");
   AddServerOptions(column, arguments->server);
 }
 
@@ -75,12 +73,8 @@ void AddProcedureProbe(CLI::App& probe, Context& context) {
                [](const SchemaArguments& a, const std::string&) {
                  return GSabrel::DoesThisProcedureExist(a.name, a.part);
                });
-  procedure.add_option("PACKAGE", arguments->name, "The package, in any case")
-      ->required()
-      ->check(QuotableName());
-  procedure.add_option("NAME", arguments->part, "The procedure, in any case")
-      ->required()
-      ->check(QuotableName());
+  AddName(procedure, "PACKAGE", arguments->name, "The package, in any case");
+  AddName(procedure, "NAME", arguments->part, "The procedure, in any case");
 }
 
 void AddObjectProbe(CLI::App& probe, Context& context) {
@@ -93,9 +87,7 @@ void AddObjectProbe(CLI::App& probe, Context& context) {
                  return GSabrel::DoesDbObjectExist(a.name, a.part, a.server.host, a.server.port,
                                                    a.server.user, password, a.server.timeout_s);
                });
-  object.add_option("NAME", arguments->name, "The object, in any case")
-      ->required()
-      ->check(QuotableName());
+  AddName(object, "NAME", arguments->name, "The object, in any case");
   object.add_option("TYPE", arguments->part, "TABLE, VIEW, PACKAGE, FUNCTION, SEQUENCE, ...")
       ->check(QuotableName());
   AddServerOptions(object, arguments->server);
@@ -112,12 +104,8 @@ void AddArgumentCount(CLI::App& probe, Context& context) {
         return PrintAnswer(c,
                            Variant(GSabrel::GetProcedureLength(arguments->name, arguments->part)));
       });
-  count.add_option("PACKAGE", arguments->name, "The package, as the dictionary has it: upper case")
-      ->required()
-      ->check(QuotableName());
-  count.add_option("NAME", arguments->part, "The procedure, likewise")
-      ->required()
-      ->check(QuotableName());
+  AddName(count, "PACKAGE", arguments->name, "The package, as the dictionary has it: upper case");
+  AddName(count, "NAME", arguments->part, "The procedure, likewise");
 }
 
 int Length(Context& context, const SchemaArguments& arguments) {

@@ -377,10 +377,9 @@ Compiled CompileForPostgresql(std::string_view statement) {
                   TextConstant(PostgresqlName(dialect::DroppedName(statement))) + ")");
     default: {
       dialect::Rewritten rewritten = dialect::Rewrite(statement, Dialect());
-      std::string cursorless = std::string(kWithoutCursor) + rewritten.text;
-      if (rewritten.has_few_rows) return only(std::move(cursorless));
+      if (rewritten.has_few_rows) return only(std::string(kWithoutCursor) + rewritten.text);
       if (!rewritten.look_up) return only(std::move(rewritten.text));
-      return {std::move(rewritten.text), UniqueKeyQuery(*rewritten.look_up), std::move(cursorless)};
+      return {std::move(rewritten.text), UniqueKeyQuery(*rewritten.look_up), kWithoutCursor};
     }
   }
 }
