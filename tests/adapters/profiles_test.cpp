@@ -8,36 +8,38 @@
 #include <fstream>
 
 #include "tests/platform/failures.h"
+#include "tests/support/sample_site_copy.h"
 
 namespace sabrel {
 namespace {
 
 using ::testing::HasSubstr;
 
-std::string Written(const std::string& text, mode_t mode = 0600) {
-  const std::string path = ::testing::TempDir() + "profiles_test.ini";
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+ProfileFile Read(const std::string& text, mode_t mode = 0600) {
+  const testing::TemporaryFolder folder;
+  const std::string path = folder.Path("profiles.ini");
+  std::ofstream(path, std::ios::binary) << text;
   ::chmod(path.c_str(), mode);
-  return path;
+  return ReadProfileFile(path);
 }
 
 TEST(Profiles, AFileGivesItsSettings) {
-  const ProfileFile file = ReadProfileFile(
-      Written("\xEF\xBB\xBF# plants\r\n[ plant ]\r\ndriver = sqlite\nDATABASE=/a b/=x\n"
-              "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n",
-              0640));
+  const ProfileFile file = Read(
+      "\xEF\xBB\xBF# plants\r\n[ plant ]\r\ndriver = sqlite\nDATABASE=/a b/=x\n"
+      "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n",
+      0640);
   ASSERT_EQ(file.profiles.All().size(), 2U);
   EXPECT_EQ(file.profiles.Session(),
             (ConnectionProfile{"plant", "sqlite", "", 0, "/a b/=x", "", "p#;", 0, 60}));
   EXPECT_EQ(file.profiles.All()[1].Port, 1521);
   ASSERT_EQ(file.warnings.size(), 1U);
   EXPECT_THAT(file.warnings[0], HasSubstr("chmod 600"));
-  EXPECT_TRUE(ReadProfileFile(Written("[a]\nPassword=x\n")).warnings.empty());
+  EXPECT_TRUE(Read("[a]\nPassword=x\n").warnings.empty());
 }
 
 TEST(Profiles, AFaultNamesFileAndLine) {
-  const auto refusal_of = [](const std::string& path) {
-    return testing::FailureIn([&] { return ReadProfileFile(path); }).Description();
+  const auto refusal_of = [](const auto& reading) {
+    return testing::FailureIn(reading).Description();
   };
   constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
       {"unknown setting", "[a]\nPasword=hush\n", ":2: no setting is called \"Pasword\""},
@@ -48,12 +50,12 @@ TEST(Profiles, AFaultNamesFileAndLine) {
       {"no UTF-8", "[a]\nHost=\xFF\n", ":2: this is not UTF-8"},
   };
   for (const auto& [name, text, expected] : kRows) {
-    const std::string told = refusal_of(Written(text));
+    const std::string told = refusal_of([&] { return Read(text); });
     EXPECT_THAT(told, HasSubstr(expected)) << name;
     EXPECT_THAT(told, ::testing::Not(HasSubstr("hush"))) << name;
   }
-  EXPECT_THAT(refusal_of("/nowhere/x"), HasSubstr("No such file"));
-  EXPECT_THAT(refusal_of("/"), HasSubstr("is a folder"));
+  EXPECT_THAT(refusal_of([] { return ReadProfileFile("/nowhere/x"); }), HasSubstr("No such file"));
+  EXPECT_THAT(refusal_of([] { return ReadProfileFile("/"); }), HasSubstr("is a folder"));
 }
 
 TEST(Profiles, AnAddressChoosesAndOverrides) {
