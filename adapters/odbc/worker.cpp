@@ -11,6 +11,7 @@
 #include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "sabrel/platform/rowlink.h"
 
@@ -58,7 +59,8 @@ class LeftBehind {
   std::atomic<int> all_ = 0;
 };
 
-/// Workers that were told to end and have not yet. Never destroyed, as above.
+/// Threads of workers that were told to end. Joined when nothing is left to do for them but what
+/// the driver's libraries do at a thread's end. Never destroyed, as above.
 class Ending {
  public:
   static Ending& Instance() {
@@ -66,39 +68,60 @@ class Ending {
     return *instance;
   }
 
-  void Add() noexcept {
+  void Add(std::thread thread) {
+    JoinEnded();
     const std::lock_guard lock(mutex_);
-    ++count_;
+    const std::thread::id id = thread.get_id();
+    threads_.emplace(id, std::move(thread));
   }
-  void Remove() noexcept {
+  /// The thread that calls is about to return.
+  void HasEnded() noexcept {
     const std::lock_guard lock(mutex_);
-    if (--count_ == 0) none_.notify_all();
+    ended_.push_back(threads_.extract(std::this_thread::get_id()));
+    if (threads_.empty()) none_.notify_all();
   }
   void Await(std::chrono::milliseconds patience) noexcept {
-    std::unique_lock lock(mutex_);
-    none_.wait_for(lock, patience, [this] { return count_ == 0; });
+    {
+      std::unique_lock lock(mutex_);
+      none_.wait_for(lock, patience, [this] { return threads_.empty(); });
+    }
+    JoinEnded();
   }
 
  private:
+  using Threads = std::map<std::thread::id, std::thread>;
+
+  void JoinEnded() noexcept {
+    std::vector<Threads::node_type> ended;
+    {
+      const std::lock_guard lock(mutex_);
+      ended.swap(ended_);
+    }
+    for (Threads::node_type& thread : ended) thread.mapped().join();
+  }
+
   std::mutex mutex_;
   std::condition_variable none_;
-  int count_ = 0;
+  Threads threads_;
+  std::vector<Threads::node_type> ended_;
 };
 
 /// Starts a thread that takes no signals: those belong to the host's own threads.
 template <class Work>
-void StartQuietly(Work work) {
+std::thread StartQuietly(Work work) {
   sigset_t all;
   sigset_t before;
   ::sigfillset(&all);
   ::pthread_sigmask(SIG_SETMASK, &all, &before);
+  std::thread thread;
   try {
-    std::thread(std::move(work)).detach();
+    thread = std::thread(std::move(work));
   } catch (...) {
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     throw;
   }
   ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  return thread;
 }
 
 }  // namespace
@@ -123,12 +146,16 @@ struct Worker::State {
 
 Worker::Worker(std::string address) : state_(std::make_shared<State>()) {
   state_->address = std::move(address);
-  StartQuietly([state = state_] { Live(state); });
+  thread_ = StartQuietly([state = state_] { Live(state); });
 }
 
 Worker::~Worker() {
   const std::lock_guard lock(state_->mutex);
-  if (!state_->left_behind) Ending::Instance().Add();
+  if (state_->left_behind) {
+    thread_.detach();
+  } else {
+    Ending::Instance().Add(std::move(thread_));
+  }
   state_->ends = true;
   state_->has_work.notify_one();
 }
@@ -166,7 +193,7 @@ void Worker::Live(const std::shared_ptr<State>& state) noexcept {
   if (state->left_behind) {
     LeftBehind::Instance().Remove(state->address);
   } else {
-    Ending::Instance().Remove();
+    Ending::Instance().HasEnded();
   }
 }
 
@@ -227,7 +254,7 @@ void Worker::Cancel() noexcept {
       state->workplace.cancel_point->Cancel();
       const std::lock_guard lock(state->mutex);
       state->cancelling = false;
-    });
+    }).detach();
   } catch (...) {
     const std::lock_guard lock(state_->mutex);
     state_->cancelling = false;

@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "adapters/odbc/connection.h"
 #include "adapters/shared/deadline.h"
@@ -65,6 +66,7 @@ class Worker {
   void LeaveBehind(ConnectionFailure code);
 
   std::shared_ptr<State> state_;
+  std::thread thread_;
 };
 
 /// Errors: the code of the last worker left behind for `address` when there are two
