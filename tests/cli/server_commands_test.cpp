@@ -13,7 +13,7 @@ std::string Section(const std::string& name, const ConnectionProfile& profile) {
   return "[" + name + "]\nDriver = " + profile.Driver + "\nHost = " + profile.Host +
          "\nPort = " + std::to_string(profile.Port) + "\nDatabase = " + profile.Database +
          "\nUserName = " + profile.UserName + "\nPassword = " + profile.Password +
-         "\nConnectTimeout = 2\n";
+         "\nConnectTimeout = 20\n";
 }
 
 TEST_F(CommandLine, TellsWhatIsWrongWithAServer) {
