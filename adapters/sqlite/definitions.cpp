@@ -128,6 +128,19 @@ struct NewTable {
   std::string_view query;
 };
 
+std::string_view WithoutParentheses(std::string_view query) {
+  const std::vector<Token> tokens = dialect::Tokenize(query);
+  if (tokens.empty() || tokens[0].symbol != '(') return query;
+  int depth = 0;
+  for (const Token& token : tokens) {
+    if (token.symbol == '(') ++depth;
+    if (token.symbol != ')' || --depth > 0) continue;
+    if (token.end != query.size()) return query;
+    return WithoutParentheses(query.substr(tokens[1].begin, token.begin - tokens[1].begin));
+  }
+  return query;
+}
+
 NewTable PartsOf(std::string_view statement) {
   const std::vector<Token> tokens = dialect::Tokenize(statement);
   std::size_t name = 2;
@@ -136,7 +149,7 @@ NewTable PartsOf(std::string_view statement) {
   NewTable table{dialect::ValueOfName(statement, tokens[name]), {}, {}};
   if (tokens[name + 1].word != Word::kAs) return table;
   table.head = statement.substr(0, tokens[name].end);
-  table.query = statement.substr(tokens[name + 2].begin);
+  table.query = WithoutParentheses(statement.substr(tokens[name + 2].begin));
   return table;
 }
 
@@ -224,6 +237,23 @@ void RequireUnreferenced(Connection& engine, std::string_view table, std::int32_
                                          child.Column(0).text + "; drop it first");
 }
 
+/// CREATE [OR REPLACE] VIEW; what the view reads must be there.
+void CreateView(Server& server, std::string_view statement) {
+  Connection& engine = server.Engine();
+  std::string text = server.Compile(statement).text;
+  std::vector<Token> tokens = dialect::Tokenize(text);
+  const bool replaces = tokens[1].word == Word::kOr;
+  if (replaces) {
+    text.erase(tokens[1].begin, tokens[3].begin - tokens[1].begin);
+    tokens = dialect::Tokenize(text);
+  }
+  const std::string name = dialect::ValueOfName(text, tokens[2]);
+  RequireFreeName(engine, name, replaces ? ", 'VIEW'" : "");
+  if (replaces) engine.Run(("DROP VIEW IF EXISTS " + QuotedName(name)).c_str());
+  engine.Prepare(text).RunToEnd();
+  engine.Prepare("SELECT * FROM " + QuotedName(name) + " LIMIT 0").RunToEnd();
+}
+
 void DefineOther(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
   const std::vector<Token> tokens = dialect::Tokenize(statement);
@@ -233,11 +263,11 @@ void DefineOther(Server& server, std::string_view statement) {
   const auto name = [&](std::size_t i) {
     return i < tokens.size() ? dialect::ValueOfName(statement, tokens[i]) : std::string();
   };
+  if (is(0, "CREATE") && (is(1, "VIEW") || is(3, "VIEW"))) return CreateView(server, statement);
   if (is(0, "DROP")) RequireOwnObject(statement);
   std::string text = server.Compile(statement).text;
   if (is(0, "DROP") && is(1, "TABLE")) RequireUnreferenced(engine, name(2), 2449);
   if (is(0, "TRUNCATE")) RequireUnreferenced(engine, name(2), 2266);
-  if (is(0, "CREATE") && is(1, "VIEW")) RequireFreeName(engine, name(2));
   const bool alters = is(0, "ALTER") && is(1, "TABLE");
   if (alters) {
     text = WithColumnChecks(text);

@@ -73,6 +73,8 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
        "SELECT REPLACE(LPAD('a',32767,'a'),'a',LPAD('b',32767,'b')) FROM DUAL"},
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
       {"the dictionary by its owner", 1031, "DROP\tVIEW main.user_sequences"},
+      {"a view of nothing", 942, "CREATE OR REPLACE VIEW V AS SELECT ID FROM NOWHERE"},
+      {"a view in a table's place", 955, "CREATE OR REPLACE VIEW P AS SELECT ID FROM K"},
       {"referenced table", 2449, "DROP TABLE P"},
       {"referenced table with its rules", 2449, "DROP TABLE P CASCADE CONSTRAINTS PURGE"},
       {"definition in a body", 6550, "CREATE PROCEDURE D IS BEGIN DROP TABLE P; END;"},

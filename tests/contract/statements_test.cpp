@@ -46,6 +46,25 @@ TEST_P(Contract, DictionaryViewsTellTheSchemaInUpperCase) {
   }
 }
 
+TEST_P(Contract, RowsAreCountedBeforeAnythingElseIsDoneWithThem) {
+  Run("CREATE TABLE T AS (SELECT Group_Id A FROM PM_GROUPS WHERE Group_Id IN (1, 2, 3, 4))");
+  Run("INSERT INTO T (SELECT A + 10 FROM T WHERE ROWNUM <= 2)");
+  EXPECT_EQ(Value("SELECT COUNT(*) FROM T"), Variant(6));
+  Run("CREATE VIEW V AS SELECT A FROM T");
+  Run("CREATE OR REPLACE VIEW V AS (SELECT A FROM T WHERE A < 4)");
+  const Outcome page = Query(
+      "SELECT * FROM (SELECT x.*, ROWNUM N FROM (SELECT A FROM V ORDER BY A DESC) x"
+      " WHERE ROWNUM <= 3) WHERE N > 1");
+  ASSERT_EQ(page.rows.size(), 2U) << session->LastDatabaseError().message;
+  EXPECT_EQ(page.columns[1], "N");
+  EXPECT_EQ(page.rows[1], (std::vector<Variant>{Variant(1), Variant(3)}));
+  EXPECT_EQ(Value("SELECT (SELECT A FROM V WHERE A > 2 AND ROWNUM = 1) FROM DUAL WHERE EXISTS"
+                  " (SELECT 1 FROM V WHERE ROWNUM = 1)"),
+            Variant(3));
+  EXPECT_EQ(Query("(SELECT A FROM V WHERE ROWNUM < 3) UNION ALL (SELECT A FROM V)").rows.size(),
+            5U);
+}
+
 TEST_P(Contract, QuotingBringsEveryTextBack) {
   const ScriptedPlatform locale;
   std::vector<std::string> texts;

@@ -67,6 +67,7 @@ TEST_P(Contract, DatesAreCutFormattedAndComputed) {
       {"LENGTH('\u00E4\U0001F600b')", Variant(3)},
       {"SUBSTR('\u00E4\U0001F600b', 2, 1)", Variant("\U0001F600")},
       {"MOD(7, 3)", Variant(1)},
+      {"EXTRACT(MONTH FROM TO_DATE('2024-03-01','YYYY-MM-DD') - 1/24)", Variant(2)},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(Value("SELECT " + std::string(row.expression) + " FROM DUAL"), row.value)

@@ -219,6 +219,7 @@ class PostgresqlDialect final : public dialect::Engine {
     traits.locks_rows = true;
     traits.takes_fetch_first = true;
     traits.takes_truncate = true;
+    traits.takes_query_in_parentheses = true;
     traits.integers_overflow = true;
     traits.pattern_end = " ESCAPE ''";
     traits.drop_end = " CASCADE";

@@ -67,6 +67,9 @@ void Rewriter::DropTable() {
 void Rewriter::AlterTable() {
   QualifiedName();
   if (!SkipText("ADD")) {
+    if (IsText(Here(), "MODIFY")) {
+      Fail(900, "MODIFY is not supported; add a column, copy the values, drop the old column");
+    }
     if (SkipWord(Word::kDrop) && SkipText("COLUMN")) Name();
     return Copy();
   }

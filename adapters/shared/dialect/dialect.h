@@ -105,6 +105,8 @@ class Engine {
     bool locks_rows = false;           // FOR UPDATE
     bool takes_fetch_first = false;
     bool takes_truncate = false;
+    /// A whole query, or one that a set operator joins, may stand in parentheses.
+    bool takes_query_in_parentheses = false;
     bool integers_overflow = false;  // where Oracle's numbers go on
     /// What a LIKE without ESCAPE wants behind its pattern.
     std::string_view pattern_end = {};

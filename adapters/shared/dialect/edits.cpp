@@ -162,7 +162,6 @@ void Edits::Render(Rewritten& rewritten) const {
     out.append(mark.closings, ')');
     if (mark.suffix != kNone) out += replacements_[mark.suffix];
   }
-  out += tail_;
 }
 
 }  // namespace sabrel::dialect

@@ -38,7 +38,6 @@ class Edits {
     marks_[last].closings -= ClosingsOf(function);
     marks_[new_last].closings += ClosingsOf(function);
   }
-  void AppendToStatement(std::string_view text) { tail_ += text; }
 
   /// Cost: linear in the statement's length
   void Render(Rewritten& rewritten) const;
@@ -75,7 +74,6 @@ class Edits {
   std::vector<Mark> marks_;
   std::vector<Opening> openings_;
   std::vector<std::string> replacements_;
-  std::string tail_;
 };
 
 }  // namespace sabrel::dialect

@@ -190,11 +190,12 @@ bool Rewriter::WordOperand() {
       if (has_text) Fail(900, "INTERVAL constants are not supported");
       break;
     case Word::kPrior: Fail(900, "CONNECT BY is not supported");
-    case Word::kRownum:
-      Fail(900,
-           "ROWNUM is supported only as \"ROWNUM <= constant\", joined by AND, in the WHERE "
-           "clause of an outermost SELECT");
+    case Word::kRownum: NumberRows(); return false;
     default: break;
+  }
+  if (IsText(word, "EXTRACT") && IsSymbol(Ahead(1), '(') && Ahead(3).word == Word::kFrom) {
+    Extract();
+    return false;
   }
   const bool is_date =
       word.word == Word::kSystemDate || (IsSymbol(Ahead(1), '(') && IsText(word, "TO_DATE"));
@@ -279,6 +280,42 @@ void Rewriter::Cast() {
     is_renamed_ = true;
   }
   ExpectSymbol(')', 907, "missing right parenthesis");
+}
+
+// EXTRACT(YEAR FROM date) is TO_NUMBER(TO_CHAR(date, 'YYYY')).
+void Rewriter::Extract() {
+  constexpr std::pair<std::string_view, std::string_view> kFields[] = {
+      {"YEAR", "YYYY"}, {"MONTH", "MM"},  {"DAY", "DD"},
+      {"HOUR", "HH24"}, {"MINUTE", "MI"}, {"SECOND", "SS"}};
+  const auto* const field =
+      std::find_if(std::begin(kFields), std::end(kFields),
+                   [&](const auto& known) { return IsText(Ahead(2), known.first); });
+  if (field == std::end(kFields)) Fail(907, "missing right parenthesis");
+  const Level level(*this);
+  const auto spelled = [this](const char* name) {
+    const std::string_view renamed = engine_.FunctionName(name);
+    return std::string(renamed.empty() ? name : renamed);
+  };
+  edits_.Replace(at_, spelled("TO_NUMBER") + "(" + spelled("TO_CHAR"));
+  edits_.Remove(at_ + 2);
+  edits_.Remove(at_ + 3);
+  at_ += 4;
+  (void)Sum();
+  ExpectSymbol(')', 907, "missing right parenthesis");
+  edits_.Replace(at_ - 1, ",'" + std::string(field->second) + "'))");
+  is_renamed_ = true;
+}
+
+void Rewriter::NumberRows() {
+  if (facts_ == nullptr) {
+    Fail(900,
+         "ROWNUM is supported only in a select list, and as \"ROWNUM <= constant\", joined by AND, "
+         "in the WHERE clause of a SELECT");
+  }
+  facts_->numbers_rows = true;
+  facts_->rownum_token = at_;
+  edits_.Replace(at_++, "ROW_NUMBER() OVER ()");
+  is_renamed_ = true;
 }
 
 void Rewriter::DateConstant() {

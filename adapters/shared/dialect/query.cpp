@@ -16,10 +16,12 @@ Rewriter::QueryShape Rewriter::Query() {
   With();
   while (true) {
     if (IsSymbol('(')) {
-      Parenthesis();
-      shape = {true, false};
+      const Level level(*this);
+      if (!traits_.takes_query_in_parentheses) edits_.Replace(at_, "SELECT * FROM (");
+      ++at_;
+      shape = Query();
+      ExpectSymbol(')', 907, "missing right parenthesis");
     } else {
-      if (is_outermost) facts_ = &own_facts;
       SelectCore(own_facts, shape);
     }
     if (IsWord(Word::kMinus)) edits_.Replace(at_, "EXCEPT");
@@ -41,8 +43,12 @@ Rewriter::QueryShape Rewriter::Query() {
     is_ordered = true;
     FetchFirst();
   }
+  RequireCountableRows(own_facts, is_ordered || has_set_operator);
+  if (own_facts.row_limit) {
+    edits_.AppendBehind(at_ - 1, " LIMIT " + std::to_string(*own_facts.row_limit));
+    shape.has_one_row = shape.has_one_row || *own_facts.row_limit <= 1;
+  }
   if (IsWord(Word::kFor)) ForUpdate();
-  if (own_facts.has_row_limit) FinishRowLimit(own_facts, is_ordered || has_set_operator);
   facts_ = outer_facts;
   if (has_set_operator) shape.has_one_row = false;
   if (has_set_operator && is_outermost) look_up_.reset();
@@ -74,17 +80,18 @@ void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
     SkipWord(Word::kAll);
   }
   lift_ = Lift::kInCalls;
+  facts_ = &facts;
   const std::size_t item = at_;
   shape.has_one_column = SelectList() == 1;
+  facts_ = nullptr;
   const std::size_t from = at_;
   ExpectWord(Word::kFrom, 923, "FROM keyword not found where expected");
   lift_ = Lift::kAlways;
   FromList();
   const bool is_one_row = IsText(tokens_[from + 1], "DUAL") && at_ == from + 2;
-  const bool is_outermost = facts_ == &facts && depth_ == 0;
-  facts_ = nullptr;
+  const bool is_outermost = depth_ == 0;
   if (is_outermost) look_up_ = KeyLookUp{OnlyTable(from + 1), {}};
-  if (IsWord(Word::kWhere)) Where(is_outermost ? &facts : nullptr);
+  if (IsWord(Word::kWhere)) Where(&facts);
   if (is_outermost && (look_up_->table.empty() || look_up_->columns.empty())) look_up_.reset();
   if (IsWord(Word::kConnect) || IsWord(Word::kStart)) Fail(900, "CONNECT BY is not supported");
   const bool is_grouped = IsWord(Word::kGroup);
@@ -180,6 +187,7 @@ void Rewriter::TableAlias() {
 }
 
 void Rewriter::Where(SelectFacts* facts) {
+  const bool is_outermost = facts != nullptr && depth_ == 0;
   const std::size_t where = at_++;
   bool has_or = false;
   std::size_t connective = where;
@@ -190,7 +198,7 @@ void Rewriter::Where(SelectFacts* facts) {
     } else {
       const std::size_t predicate = at_;
       Predicate();
-      std::string column = facts != nullptr ? EqualColumn(predicate) : std::string();
+      std::string column = is_outermost ? EqualColumn(predicate) : std::string();
       if (!column.empty()) look_up_->columns.push_back(std::move(column));
     }
     connective = at_;
@@ -200,11 +208,11 @@ void Rewriter::Where(SelectFacts* facts) {
       break;
     }
   }
-  if (facts != nullptr && has_or) look_up_->columns.clear();
-  if (facts == nullptr || !facts->has_row_limit) return;
+  if (is_outermost && has_or) look_up_->columns.clear();
+  if (facts == nullptr || !facts->row_limit) return;
   if (has_or) Fail(900, "ROWNUM beside OR is not supported");
   // A first condition takes the AND behind it along; an only one takes the WHERE.
-  const std::size_t behind = facts->row_limit_token + 3;
+  const std::size_t behind = facts->rownum_token + 3;
   const bool takes_next = limit_connective == where && tokens_[behind].word == Word::kAnd;
   edits_.Remove(takes_next ? behind : limit_connective);
 }
@@ -234,7 +242,7 @@ std::string Rewriter::EqualColumn(std::size_t first) const {
 
 bool Rewriter::RowLimit(SelectFacts& facts) {
   const Token& comparison = Ahead(1);
-  if (!IsWord(Word::kRownum) || facts.has_row_limit || Ahead(2).kind != TokenKind::kNumber) {
+  if (!IsWord(Word::kRownum) || facts.row_limit || Ahead(2).kind != TokenKind::kNumber) {
     return false;
   }
   const bool is_below = IsSymbol(comparison, '<');
@@ -247,20 +255,22 @@ bool Rewriter::RowLimit(SelectFacts& facts) {
   const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), limit);
   if (parsed.ec != std::errc() || parsed.ptr != digits.data() + digits.size()) return false;
   if (is_below) limit = std::max<std::int64_t>(limit - 1, 0);
-  facts.has_row_limit = true;
-  facts.row_limit_token = at_;
-  has_few_rows_ = limit <= Rewritten::kFewRows;
+  facts.row_limit = limit;
+  facts.rownum_token = at_;
+  if (depth_ == 0) has_few_rows_ = limit <= Rewritten::kFewRows;
   for (int i = 0; i < 3; ++i) edits_.Remove(at_++);
-  edits_.AppendToStatement(" LIMIT " + std::to_string(limit));
   return true;
 }
 
-void Rewriter::FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator) {
+// Oracle counts the rows before it sorts, groups and joins them to others; other engines behind
+// that.
+void Rewriter::RequireCountableRows(const SelectFacts& facts, bool has_order_or_set_operator) {
+  if (!facts.row_limit && !facts.numbers_rows) return;
   if (!has_order_or_set_operator && !facts.has_aggregate && !facts.is_grouped &&
       !facts.is_distinct) {
     return;
   }
-  at_ = facts.row_limit_token;
+  at_ = facts.rownum_token;
   Fail(900,
        "ROWNUM is not supported beside ORDER BY, GROUP BY, DISTINCT, aggregates, FETCH and set "
        "operators; select from a query in parentheses");

@@ -63,13 +63,14 @@ class Rewriter {
     std::string name;
     bool draws = false;
   };
-  /// What speaks against cutting a SELECT at its ROWNUM condition.
+  /// How a SELECT counts its rows, and what speaks against that.
   struct SelectFacts {
-    bool has_row_limit = false;
+    std::optional<std::int64_t> row_limit;  // of its ROWNUM condition
+    bool numbers_rows = false;              // by a ROWNUM in its select list
     bool has_aggregate = false;
     bool is_grouped = false;
     bool is_distinct = false;
-    std::size_t row_limit_token = 0;
+    std::size_t rownum_token = 0;
   };
   /// A column of CREATE TABLE, up to its type's last token.
   struct Column {
@@ -152,6 +153,8 @@ class Rewriter {
   void Parenthesis(bool is_scalar = false);
   void Case();
   void Cast();
+  void Extract();
+  void NumberRows();
   void DateConstant();
   void ExpressionList();
   void OrderList(bool places_nulls = true);
@@ -187,7 +190,7 @@ class Rewriter {
   bool RowLimit(SelectFacts& facts);
   [[nodiscard]] std::string OnlyTable(std::size_t first) const;
   [[nodiscard]] std::string EqualColumn(std::size_t first) const;
-  void FinishRowLimit(const SelectFacts& facts, bool has_order_or_set_operator);
+  void RequireCountableRows(const SelectFacts& facts, bool has_order_or_set_operator);
   void GroupBy(SelectFacts& facts);
   void FetchFirst();
   void ForUpdate();
@@ -233,7 +236,7 @@ class Rewriter {
   std::vector<Column> columns_;
   std::vector<SequenceUse> sequences_;
   int table_aliases_ = 0;
-  SelectFacts* facts_ = nullptr;  // of the outermost SELECT while its parts are read
+  SelectFacts* facts_ = nullptr;  // of the SELECT whose list is read
 };
 
 class Rewriter::Level {
