@@ -95,11 +95,13 @@ class Shell {
       return kDone;
     }
     const StatementWord kind = StatementKindOf(word);
-    const bool has_help = rest == "--help" || rest == "-h";
+    // No statement starts with a quote: such a line is quoted as on the command line.
+    const bool has_words =
+        rest == "--help" || rest == "-h" || rest.starts_with('"') || rest.starts_with('\'');
     if (kind == StatementWord::kQuery) return RunSql(RunQuery, Trimmed(line));
     if (kind == StatementWord::kRequest) return RunSql(RunRequest, Trimmed(line));
-    if (command == "query" && !has_help) return RunSql(RunQuery, rest);
-    if (command == "request" && !has_help) return RunSql(RunRequest, rest);
+    if (command == "query" && !has_words) return RunSql(RunQuery, rest);
+    if (command == "request" && !has_words) return RunSql(RunRequest, rest);
     return context_.Run([&, words = std::string(rest), typed = std::string(word)](Context&) {
       return RunCommand(line, typed, words);
     });

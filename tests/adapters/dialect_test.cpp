@@ -196,6 +196,8 @@ TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
        "WHERE n>4",
        "SELECT * FROM (SELECT x.*, ROW_NUMBER() OVER () n FROM (SELECT a FROM t ORDER BY a NULLS "
        "LAST) x LIMIT 8) WHERE n>?1 |4"},
+      {"numbers beside texts", Columns, "CASE WHEN ROWNUM='1' THEN 2 END x",
+       "CASE WHEN compare(ROW_NUMBER() OVER (),'1')=0 THEN 2 END x"},
       {"numbers sorted", Columns, "ROWNUM FROM t ORDER BY a", "!900 @8"},
       {"numbers counted", Columns, "MAX(ROWNUM)", "!900 @12"},
       {"numbers in a join", Whole, "SELECT 1 FROM t JOIN u ON a=ROWNUM", "!900 @29"},

@@ -147,6 +147,8 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
        "In line 2 of the input.\n"},
       {"byte order mark", "\xef\xbb\xbfliteral str a\n", 0, "'a'\n"},
       {"open quote", "literal str 'a\n", 2, ""},
+      {"SQL in quotes", "query \"SELECT 'x;' AS \\\"b\\\" FROM DUAL\"\nrequest 'COMMIT'\n", 0,
+       "b\n--\nx;\n"},
       {"forms", "format csv\nselect '' || '' AS A, 1 AS B from dual\n", 0, "A,B\n,1\n"},
       {"a state of its own", "sequence ZR_QUERY_SQ\nselect ZR_QUERY_SQ.CURRVAL AS C from dual\n", 0,
        "100\n  C\n---\n100\n"},

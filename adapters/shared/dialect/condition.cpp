@@ -14,7 +14,8 @@ constexpr std::array kNumberFunctions{
     std::string_view("COUNT"),  std::string_view("SUM"),   std::string_view("AVG"),
     std::string_view("LENGTH"), std::string_view("INSTR"), std::string_view("MOD"),
     std::string_view("ABS"),    std::string_view("SIGN"),  std::string_view("CEIL"),
-    std::string_view("FLOOR"),  std::string_view("POWER"), std::string_view("TO_NUMBER")};
+    std::string_view("FLOOR"),  std::string_view("POWER"), std::string_view("TO_NUMBER"),
+    std::string_view("EXTRACT")};
 constexpr std::array kTextFunctions{
     std::string_view("UPPER"), std::string_view("LOWER"),  std::string_view("SUBSTR"),
     std::string_view("TRIM"),  std::string_view("LTRIM"),  std::string_view("RTRIM"),
@@ -230,6 +231,7 @@ Rewriter::Type Rewriter::TypeOf(Operand operand) const {
         is_dot ? IsSymbol(tokens_[i], '.')
                : tokens_[i].kind == TokenKind::kWord || tokens_[i].kind == TokenKind::kQuotedName;
   }
+  if (is_name && first.word == Word::kRownum) return Type::kNumber;
   if (is_name && first.word != Word::kSystemDate) return Type::kColumn;
   const bool is_call = operand.first < operand.last && first.kind == TokenKind::kWord &&
                        IsSymbol(tokens_[operand.first + 1], '(');
