@@ -247,9 +247,17 @@ void CreateView(Server& server, std::string_view statement) {
     text.erase(tokens[1].begin, tokens[3].begin - tokens[1].begin);
     tokens = dialect::Tokenize(text);
   }
-  const std::string name = dialect::ValueOfName(text, tokens[2]);
+  std::size_t last = 2;
+  while (tokens[last + 1].symbol == '.') last += 2;
+  const std::string name = dialect::ValueOfName(text, tokens[last]);
   RequireFreeName(engine, name, replaces ? ", 'VIEW'" : "");
-  if (replaces) engine.Run(("DROP VIEW IF EXISTS " + QuotedName(name)).c_str());
+  Statement old = engine.Prepare(
+      "SELECT 1 FROM user_objects WHERE OBJECT_NAME = ?1 AND OBJECT_TYPE = 'VIEW'");  // no server's
+  old.Bind(1, std::string_view(name));
+  if (replaces && old.Step()) {
+    old.Step();
+    engine.Run(("DROP VIEW " + QuotedName(name)).c_str());
+  }
   engine.Prepare(text).RunToEnd();
   engine.Prepare("SELECT * FROM " + QuotedName(name) + " LIMIT 0").RunToEnd();
 }

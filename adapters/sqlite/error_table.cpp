@@ -97,6 +97,8 @@ constexpr Row kRows[] = {
     {SQLITE_ERROR, "no tables specified", 923, "FROM keyword not found where expected"},
     {SQLITE_ERROR, "row value misused", 920, "invalid relational operator"},
     {SQLITE_ERROR, "too many ", 1745, "the statement is too large for this server"},
+    {SQLITE_ERROR, "unknown database ", 1918, "user does not exist: $"},
+    {SQLITE_ERROR, " columns for '", 1730, "invalid number of column names specified"},
     {SQLITE_ERROR, " is circularly defined", 1731, "circular view definition encountered"},
     {SQLITE_ERROR, "Expression tree is too large", 1745, "the expression is nested too deeply"},
     {SQLITE_ERROR, "parser stack overflow", 1745, "the expression is nested too deeply"},

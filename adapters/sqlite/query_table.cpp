@@ -178,6 +178,8 @@ class QueryColumns {
     if (place < items_.size()) {
       const std::string_view cast = TypeOfCast(query_, items_[place]);
       if (!cast.empty()) type = cast;
+      const std::span<const Token> form = WithoutAlias(items_[place]);
+      if (form.size() == 1 && form[0].word == Word::kRownum) type = "NUMBER";
     }
     if (type == "LONG TEXT") type = "LONG";
     const std::string_view kind = KindOfType(type);

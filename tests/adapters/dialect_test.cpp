@@ -80,7 +80,7 @@ std::string Between(std::string_view before, std::string_view sql, std::string_v
 std::string Whole(std::string_view sql) { return Between("", sql, ""); }
 std::string Columns(std::string_view sql) { return Between("SELECT ", sql, " FROM t"); }
 std::string Where(std::string_view sql) { return Between("SELECT a FROM t WHERE ", sql, ""); }
-std::string Group(std::string_view sql) { return Between("SELECT a FROM t GROUP BY ", sql, ""); }
+std::string Group(std::string_view sql) { return Between("SELECT 1 FROM t GROUP BY ", sql, ""); }
 
 struct Row {
   const char* name;
@@ -194,16 +194,33 @@ TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
       {"pages", Whole,
        "SELECT * FROM (SELECT x.*, ROWNUM n FROM (SELECT a FROM t ORDER BY a) x WHERE ROWNUM<9) "
        "WHERE n>4",
-       "SELECT * FROM (SELECT x.*, ROW_NUMBER() OVER () n FROM (SELECT a FROM t ORDER BY a NULLS "
+       "SELECT * FROM (SELECT x.*, CAST(ROW_NUMBER() OVER () AS NUMERIC) n FROM (SELECT a FROM t "
+       "ORDER BY a NULLS "
        "LAST) x LIMIT 8) WHERE n>?1 |4"},
       {"numbers beside texts", Columns, "CASE WHEN ROWNUM='1' THEN 2 END x",
-       "CASE WHEN compare(ROW_NUMBER() OVER (),'1')=0 THEN 2 END x"},
+       "CASE WHEN compare(CAST(ROW_NUMBER() OVER () AS NUMERIC),'1')=0 THEN 2 END x"},
+      {"order of what is joined", Whole,
+       "SELECT * FROM u, (t JOIN (SELECT a FROM t ORDER BY a) y ON 1=1) WHERE ROWNUM<3",
+       "SELECT * FROM u, (t JOIN (SELECT a FROM t ORDER BY a NULLS LAST LIMIT -1) y ON ?1=?2) "
+       "LIMIT 2 |1 |1"},
       {"numbers sorted", Columns, "ROWNUM FROM t ORDER BY a", "!900 @8"},
       {"numbers counted", Columns, "MAX(ROWNUM)", "!900 @12"},
       {"numbers in a join", Whole, "SELECT 1 FROM t JOIN u ON a=ROWNUM", "!900 @29"},
       {"above", Where, "ROWNUM>5", "!900 @23"},
       {"counted", Whole, "SELECT NVL(COUNT(*),0) FROM t WHERE ROWNUM<=5", "!900 @37"},
       {"distinct", Whole, "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", "!900 @32"},
+  });
+}
+
+TEST(Rewrite, RefusesColumnsBesideAggregatesThatAreNotGrouped) {
+  CheckAll({
+      {"no group", Columns, "1, NVL(MAX(b),0), a", "!937 @26"},
+      {"windows", Columns, "MAX(b) OVER (), a", "MAX(b) OVER (), a"},
+      {"another group", Whole, "SELECT t.a, MAX(b) FROM t GROUP BY b", "!979 @10"},
+      {"its group", Whole, "SELECT t.a, \"B\", 1+c FROM t GROUP BY (A, t.b)",
+       "SELECT t.a, \"B\", plus(1,c) FROM t GROUP BY (A, t.b)"},
+      {"of an outer query", Where, "a IN (SELECT t.a FROM u GROUP BY b)",
+       "a IN (SELECT t.a FROM u GROUP BY b)"},
   });
 }
 

@@ -54,6 +54,7 @@ TEST(OdbcErrors, VerbOrTextDecideWhatOneStateMixes) {
       {"23502", Verb::kUpdateOfReference, "null by update", 1407},
       {"22003", Verb::kInsert, "number too large for a column", 1438},
       {"55000", Verb::kInsert, "currval of sequence \"s\" is not yet", 8002},
+      {"42P16", Verb::kOther, "cannot drop columns from view", 955},
       {"23503", Verb::kDelete, "insert or update on table c, foreign key f", 2291},
       {"23503", Verb::kInsert, "update or delete on table p, foreign key f on table c", 2292},
       {"23503", Verb::kDelete, "Einfügen in „c“ verletzt „f“\nDETAIL: in Tabelle „p“", 2291},

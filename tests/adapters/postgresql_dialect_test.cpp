@@ -36,8 +36,8 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
       {"names", "SELECT LIMIT, t.End, \"ID\", \"aB\", X#, 1 DAY FROM s.User t ORDER BY LIMIT DESC",
        "SELECT \"limit\", t.\"end\", \"id\", \"aB\", \"x#\", 1 \"day\" FROM s.\"user\" t ORDER BY "
        "\"limit\" DESC"},
-      {"names of columns", "SELECT COUNT(*), 'a', t.*, q.NEXTVAL, SYSDATE, NULL, a b FROM t",
-       "SELECT COUNT(*) AS \"count(*)\", 'a' AS \"'a'\", t.*, @next_value('q') AS \"nextval\", "
+      {"names of columns", "SELECT ABS(c), 'a', t.*, q.NEXTVAL, SYSDATE, NULL, a b FROM t",
+       "SELECT ABS(c) AS \"abs(c)\", 'a' AS \"'a'\", t.*, @next_value('q') AS \"nextval\", "
        "@sysdate() AS \"sysdate\", NULL AS \"null\", a b FROM t"},
       {"comments", "SELECT/*+ a /* b */c--d\nFROM t", "SELECT c FROM t"},
       {"one row", "SELECT MAX(a) AS m FROM t", "/**/SELECT MAX(a) AS m FROM t"},

@@ -74,6 +74,8 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"division by zero", 1476, "SELECT 1/0 FROM DUAL"},
       {"the dictionary by its owner", 1031, "DROP\tVIEW main.user_sequences"},
       {"a view of nothing", 942, "CREATE OR REPLACE VIEW V AS SELECT ID FROM NOWHERE"},
+      {"a view in the dictionary's place", 955, "CREATE OR REPLACE VIEW DUAL AS SELECT ID FROM P"},
+      {"a view with too many names", 1730, "CREATE OR REPLACE VIEW V (A, B) AS SELECT ID FROM P"},
       {"a view of itself", 1731, "CREATE OR REPLACE VIEW V AS SELECT ID FROM V"},
       {"a view in a table's place", 955, "CREATE OR REPLACE VIEW P AS SELECT ID FROM K"},
       {"referenced table", 2449, "DROP TABLE P"},

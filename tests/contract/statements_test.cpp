@@ -61,6 +61,10 @@ TEST_P(Contract, RowsAreCountedBeforeAnythingElseIsDoneWithThem) {
   EXPECT_EQ(Value("SELECT (SELECT A FROM V WHERE A > 2 AND ROWNUM = 1) FROM DUAL WHERE EXISTS"
                   " (SELECT 1 FROM V WHERE ROWNUM = 1)"),
             Variant(3));
+  EXPECT_EQ(Value("SELECT A FROM (SELECT A, ROWNUM N FROM (SELECT A FROM V ORDER BY A DESC) x)"
+                  " WHERE N = '2'"),
+            Variant(2));
+  EXPECT_EQ(Query("(SELECT x.A, y.A FROM V x, V y WHERE ROWNUM < 2)").columns[1], "A");
   EXPECT_EQ(Query("(SELECT A FROM V WHERE ROWNUM < 3) UNION ALL (SELECT A FROM V)").rows.size(),
             5U);
 }

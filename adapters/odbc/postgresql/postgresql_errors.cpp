@@ -84,7 +84,7 @@ constexpr StateRow kStates[] = {
     {"42P09", {918, {}}},        // ambiguous name
     {"42P10", {1785, {}}},       // ORDER BY
     {"42P13", {6550, {}}},       // routine's definition
-    {"42P16", {2260, {}}},       // second primary key
+    {"42P16", {2260, {}}},       // second primary key; see NumberByContext
     {"42P18", {932, {}}},        // types
     {"42P20", {30483, {}}},      // window function
     {"42", {900, {}}},           // other bad statements
@@ -165,6 +165,8 @@ std::int32_t NumberByContext(const Diagnosis& diagnosis, Verb verb) {
   if (diagnosis.state == "55000" && diagnosis.message.find("currval") != std::string::npos) {
     return 8002;
   }
+  // A view that is replaced keeps its columns.
+  if (diagnosis.state == "42P16" && diagnosis.message.find("view") != std::string::npos) return 955;
   // Where the server's messages are in English; elsewhere it stays "not supported".
   if (diagnosis.state == "0A000" && diagnosis.message.starts_with("cannot truncate a table")) {
     return 2266;

@@ -13,7 +13,15 @@ bool IsAggregate(std::string_view upper_name) {
       std::string_view("COUNT"),    std::string_view("MAX"),     std::string_view("MIN"),
       std::string_view("SUM"),      std::string_view("AVG"),     std::string_view("LISTAGG"),
       std::string_view("STDDEV"),   std::string_view("MEDIAN"),  std::string_view("WM_CONCAT"),
-      std::string_view("VARIANCE"), std::string_view("COLLECT"), std::string_view("XMLAGG")};
+      std::string_view("VARIANCE"), std::string_view("COLLECT"), std::string_view("XMLAGG"),
+      std::string_view("CORR")};
+  constexpr std::array kBeginnings{
+      std::string_view("STDDEV_"), std::string_view("VAR_"),        std::string_view("COVAR_"),
+      std::string_view("REGR_"),   std::string_view("STRING_AGG"),  std::string_view("ARRAY_AGG"),
+      std::string_view("BOOL_"),   std::string_view("GROUP_CONCAT")};
+  for (const std::string_view beginning : kBeginnings) {
+    if (upper_name.starts_with(beginning)) return true;
+  }
   for (const std::string_view name : kAggregates) {
     if (name == upper_name) return true;
   }
@@ -194,7 +202,9 @@ void Rewriter::Call(std::size_t first, std::size_t last) {
     if (!IsSymbol(')')) Arguments();
     ExpectSymbol(')', 907, "missing right parenthesis");
   }
-  if (IsWord(Word::kOver) && IsSymbol(Ahead(1), '(')) Window();
+  if (IsWord(Word::kOver) && IsSymbol(Ahead(1), '(')) return Window();
+  const bool is_aggregate = first == last && IsAggregate(Upper(tokens_[first]));
+  if (facts_ != nullptr && is_aggregate) facts_->makes_one_row = true;
 }
 
 // DECODE(a, 1, b, NULL, c, d) becomes CASE with the same operands at the same places, so that only

@@ -16,7 +16,10 @@ void Rewriter::Definition() {
   may_lift_ = false;
   const Word verb = Here().word;
   std::size_t object = at_ + 1;
-  if (verb == Word::kCreate && tokens_[object].word == Word::kOr) object += 2;  // OR REPLACE
+  if (verb == Word::kCreate && Ahead(1).word == Word::kOr) {
+    if (!IsText(Ahead(2), "REPLACE")) Fail(905, "missing keyword REPLACE");
+    object += 2;
+  }
   if (verb == Word::kCreate && Ahead(1).word == Word::kUnique) ++object;
   const Word word = tokens_[std::min(object, tokens_.size() - 1)].word;
   if (word == Word::kTable) {

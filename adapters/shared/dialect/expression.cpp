@@ -282,7 +282,7 @@ void Rewriter::Cast() {
   ExpectSymbol(')', 907, "missing right parenthesis");
 }
 
-// EXTRACT(YEAR FROM date) is TO_NUMBER(TO_CHAR(date, 'YYYY')).
+// EXTRACT(YEAR FROM date) is TO_NUMBER(TO_CHAR(date, 'YYYY')), known to be a number outside too.
 void Rewriter::Extract() {
   constexpr std::pair<std::string_view, std::string_view> kFields[] = {
       {"YEAR", "YYYY"}, {"MONTH", "MM"},  {"DAY", "DD"},
@@ -296,13 +296,13 @@ void Rewriter::Extract() {
     const std::string_view renamed = engine_.FunctionName(name);
     return std::string(renamed.empty() ? name : renamed);
   };
-  edits_.Replace(at_, spelled("TO_NUMBER") + "(" + spelled("TO_CHAR"));
+  edits_.Replace(at_, "CAST(" + spelled("TO_NUMBER") + "(" + spelled("TO_CHAR"));
   edits_.Remove(at_ + 2);
   edits_.Remove(at_ + 3);
   at_ += 4;
   (void)Sum();
   ExpectSymbol(')', 907, "missing right parenthesis");
-  edits_.Replace(at_ - 1, ",'" + std::string(field->second) + "'))");
+  edits_.Replace(at_ - 1, ",'" + std::string(field->second) + "')) AS NUMERIC)");
   is_renamed_ = true;
 }
 
@@ -314,7 +314,8 @@ void Rewriter::NumberRows() {
   }
   facts_->numbers_rows = true;
   facts_->rownum_token = at_;
-  edits_.Replace(at_++, "ROW_NUMBER() OVER ()");
+  // A number of Oracle's, which is no whole number of an engine.
+  edits_.Replace(at_++, "CAST(ROW_NUMBER() OVER () AS NUMERIC)");
   is_renamed_ = true;
 }
 

@@ -16,11 +16,7 @@ Rewriter::QueryShape Rewriter::Query() {
   With();
   while (true) {
     if (IsSymbol('(')) {
-      const Level level(*this);
-      if (!traits_.takes_query_in_parentheses) edits_.Replace(at_, "SELECT * FROM (");
-      ++at_;
-      shape = Query();
-      ExpectSymbol(')', 907, "missing right parenthesis");
+      shape = QueryInParentheses(!has_set_operator);
     } else {
       SelectCore(own_facts, shape);
     }
@@ -34,6 +30,7 @@ Rewriter::QueryShape Rewriter::Query() {
   }
   bool is_ordered = false;
   if (IsWord(Word::kOrder)) {
+    shape.is_ordered = true;
     is_ordered = true;
     ++at_;
     ExpectWord(Word::kBy, 924, "missing BY keyword");
@@ -41,6 +38,7 @@ Rewriter::QueryShape Rewriter::Query() {
   }
   if (IsWord(Word::kOffset) || IsWord(Word::kFetch)) {
     is_ordered = true;
+    shape.is_ordered = false;  // and cut
     FetchFirst();
   }
   RequireCountableRows(own_facts, is_ordered || has_set_operator);
@@ -52,6 +50,22 @@ Rewriter::QueryShape Rewriter::Query() {
   facts_ = outer_facts;
   if (has_set_operator) shape.has_one_row = false;
   if (has_set_operator && is_outermost) look_up_.reset();
+  return shape;
+}
+
+Rewriter::QueryShape Rewriter::QueryInParentheses(bool is_first) {
+  const Level level(*this);
+  const std::size_t open = at_++;
+  const QueryShape shape = Query();
+  ExpectSymbol(')', 907, "missing right parenthesis");
+  if (traits_.takes_query_in_parentheses) return shape;
+  const bool is_whole = is_first && (IsSymbol(')') || Here().kind == TokenKind::kEnd);
+  if (is_whole) {
+    edits_.Remove(open);
+    edits_.Remove(at_ - 1);
+  } else {
+    edits_.Replace(open, "SELECT * FROM (");
+  }
   return shape;
 }
 
@@ -87,7 +101,8 @@ void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
   const std::size_t from = at_;
   ExpectWord(Word::kFrom, 923, "FROM keyword not found where expected");
   lift_ = Lift::kAlways;
-  FromList();
+  FromList(facts);
+  KeepOrder(facts);
   const bool is_one_row = IsText(tokens_[from + 1], "DUAL") && at_ == from + 2;
   const bool is_outermost = depth_ == 0;
   if (is_outermost) look_up_ = KeyLookUp{OnlyTable(from + 1), {}};
@@ -96,6 +111,7 @@ void Rewriter::SelectCore(SelectFacts& facts, QueryShape& shape) {
   if (IsWord(Word::kConnect) || IsWord(Word::kStart)) Fail(900, "CONNECT BY is not supported");
   const bool is_grouped = IsWord(Word::kGroup);
   if (is_grouped || IsWord(Word::kHaving)) GroupBy(facts);
+  if (is_outermost) RequireGroupedColumns(facts);
   shape.has_one_row = is_one_row || (!is_grouped && IsAggregateCall(item, from));
   lift_ = lift;
 }
@@ -114,7 +130,9 @@ std::size_t Rewriter::SelectList() {
     }
     is_renamed_ = false;
     Condition();
-    has_all = has_all || IsSymbol(tokens_[at_ - 1], '*');
+    const bool is_all = IsSymbol(tokens_[at_ - 1], '*');
+    has_all = has_all || is_all;
+    if (!is_all && facts_ != nullptr && IsPlainColumn(first)) facts_->columns.push_back(at_ - 1);
     const bool has_as = SkipWord(Word::kAs);
     if (Here().kind == TokenKind::kQuotedName ||
         (Here().kind == TokenKind::kWord && !IsReservedByOracle(Here().word))) {
@@ -129,11 +147,11 @@ std::size_t Rewriter::SelectList() {
   return has_all ? 0 : columns;
 }
 
-void Rewriter::FromList() {
+void Rewriter::FromList(SelectFacts& facts) {
   do {
-    TableReference();
+    TableReference(facts);
     while (JoinWords()) {
-      TableReference();
+      TableReference(facts);
       if (SkipWord(Word::kOn)) {
         Condition();
       } else if (SkipWord(Word::kUsing)) {
@@ -156,16 +174,17 @@ bool Rewriter::JoinWords() {
   return false;
 }
 
-void Rewriter::TableReference() {
+void Rewriter::TableReference(SelectFacts& facts) {
   bool is_query = false;
+  ++facts.sources;
   if (IsSymbol('(')) {
     const Level level(*this);
     ++at_;
     is_query = IsQueryStart();
     if (is_query) {
-      (void)Query();
+      if (Query().is_ordered) facts.ordered_queries.push_back(at_ - 1);
     } else {
-      FromList();
+      FromList(facts);
     }
     ExpectSymbol(')', 907, "missing right parenthesis");
   } else {
@@ -215,6 +234,12 @@ void Rewriter::Where(SelectFacts* facts) {
   const std::size_t behind = facts->rownum_token + 3;
   const bool takes_next = limit_connective == where && tokens_[behind].word == Word::kAnd;
   edits_.Remove(takes_next ? behind : limit_connective);
+}
+
+// Engines may forget the order of what they join.
+void Rewriter::KeepOrder(const SelectFacts& facts) {
+  if (facts.sources < 2 || traits_.takes_fetch_first) return;
+  for (const std::size_t last : facts.ordered_queries) edits_.AppendBehind(last, " LIMIT -1");
 }
 
 // The table that is all of FROM, from `first` to here; empty where there is more than one.
@@ -282,11 +307,31 @@ void Rewriter::GroupBy(SelectFacts& facts) {
     if (SkipWord(Word::kGroup)) {
       ExpectWord(Word::kBy, 924, "missing BY keyword");
       lift_ = Lift::kNever;
+      facts.group_by = at_;
       ExpressionList();
+      facts.group_end = at_;
       lift_ = Lift::kAlways;
     } else if (SkipWord(Word::kHaving)) {
       Condition();
     }
+  }
+}
+
+// A column beside aggregates must be grouped; engines may take it from any row. One that stands in
+// an expression is left to them.
+void Rewriter::RequireGroupedColumns(const SelectFacts& facts) {
+  if (!facts.makes_one_row && facts.group_end == 0) return;
+  for (const std::size_t column : facts.columns) {
+    bool is_grouped = tokens_[column].word == Word::kRownum;
+    for (std::size_t i = facts.group_by; i < facts.group_end && !is_grouped; ++i) {
+      const TokenKind kind = tokens_[i].kind;
+      is_grouped = (kind == TokenKind::kWord || kind == TokenKind::kQuotedName) &&
+                   Upper(tokens_[i]) == Upper(tokens_[column]);
+    }
+    if (is_grouped) continue;
+    at_ = column;
+    if (facts.group_end == 0) Fail(937, "not a single-group group function");
+    Fail(979, "not a GROUP BY expression");
   }
 }
 

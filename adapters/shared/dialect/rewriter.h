@@ -58,19 +58,26 @@ class Rewriter {
   struct QueryShape {
     bool has_one_column = false;
     bool has_one_row = false;
+    bool is_ordered = false;
   };
   struct SequenceUse {
     std::string name;
     bool draws = false;
   };
-  /// How a SELECT counts its rows, and what speaks against that.
+  /// How a SELECT counts and groups its rows, and what speaks against that.
   struct SelectFacts {
     std::optional<std::int64_t> row_limit;  // of its ROWNUM condition
     bool numbers_rows = false;              // by a ROWNUM in its select list
-    bool has_aggregate = false;
+    bool has_aggregate = false;             // also over a window
+    bool makes_one_row = false;             // by an aggregate of its select list
     bool is_grouped = false;
     bool is_distinct = false;
     std::size_t rownum_token = 0;
+    std::vector<std::size_t> columns;  // the names of those that the select list has as they are
+    std::size_t group_by = 0;          // the list's first token, and the one behind its last
+    std::size_t group_end = 0;
+    std::size_t sources = 0;                   // tables and queries in FROM
+    std::vector<std::size_t> ordered_queries;  // of them, their ")"
   };
   /// A column of CREATE TABLE, up to its type's last token.
   struct Column {
@@ -179,11 +186,13 @@ class Rewriter {
 
   // Queries (query.cpp).
   QueryShape Query();
+  QueryShape QueryInParentheses(bool is_first);
   void With();
   void SelectCore(SelectFacts& facts, QueryShape& shape);
   [[nodiscard]] std::size_t SelectList();
-  void FromList();
-  void TableReference();
+  void FromList(SelectFacts& facts);
+  void TableReference(SelectFacts& facts);
+  void KeepOrder(const SelectFacts& facts);
   bool JoinWords();
   void TableAlias();
   void Where(SelectFacts* facts);
@@ -192,6 +201,7 @@ class Rewriter {
   [[nodiscard]] std::string EqualColumn(std::size_t first) const;
   void RequireCountableRows(const SelectFacts& facts, bool has_order_or_set_operator);
   void GroupBy(SelectFacts& facts);
+  void RequireGroupedColumns(const SelectFacts& facts);
   void FetchFirst();
   void ForUpdate();
   void LockedTables();
