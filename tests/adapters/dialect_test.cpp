@@ -219,6 +219,8 @@ TEST(Rewrite, RefusesColumnsBesideAggregatesThatAreNotGrouped) {
       {"another group", Whole, "SELECT t.a, MAX(b) FROM t GROUP BY b", "!979 @10"},
       {"its group", Whole, "SELECT t.a, \"B\", 1+c FROM t GROUP BY (A, t.b)",
        "SELECT t.a, \"B\", plus(1,c) FROM t GROUP BY (A, t.b)"},
+      {"of another query", Whole, "SELECT a FROM t UNION SELECT MAX(b) FROM u",
+       "SELECT a FROM t UNION SELECT MAX(b) FROM u"},
       {"of an outer query", Where, "a IN (SELECT t.a FROM u GROUP BY b)",
        "a IN (SELECT t.a FROM u GROUP BY b)"},
   });

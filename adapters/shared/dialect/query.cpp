@@ -1,6 +1,7 @@
 // Queries, clause by clause.
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "adapters/shared/dialect/rewriter.h"
 
@@ -10,7 +11,7 @@ Rewriter::QueryShape Rewriter::Query() {
   QueryShape shape;
   SelectFacts* const outer_facts = facts_;
   facts_ = nullptr;
-  SelectFacts own_facts;
+  SelectFacts counted;  // of the SELECT that counts its rows, if one does
   const bool is_outermost = depth_ == 0;
   bool has_set_operator = false;
   With();
@@ -18,7 +19,9 @@ Rewriter::QueryShape Rewriter::Query() {
     if (IsSymbol('(')) {
       shape = QueryInParentheses(!has_set_operator);
     } else {
-      SelectCore(own_facts, shape);
+      SelectFacts facts;
+      SelectCore(facts, shape);
+      if (facts.row_limit || facts.numbers_rows) counted = std::move(facts);
     }
     if (IsWord(Word::kMinus)) edits_.Replace(at_, "EXCEPT");
     if (!SkipWord(Word::kUnion) && !SkipWord(Word::kMinus) && !SkipWord(Word::kIntersect) &&
@@ -41,10 +44,10 @@ Rewriter::QueryShape Rewriter::Query() {
     shape.is_ordered = false;  // and cut
     FetchFirst();
   }
-  RequireCountableRows(own_facts, is_ordered || has_set_operator);
-  if (own_facts.row_limit) {
-    edits_.AppendBehind(at_ - 1, " LIMIT " + std::to_string(*own_facts.row_limit));
-    shape.has_one_row = shape.has_one_row || *own_facts.row_limit <= 1;
+  RequireCountableRows(counted, is_ordered || has_set_operator);
+  if (counted.row_limit) {
+    edits_.AppendBehind(at_ - 1, " LIMIT " + std::to_string(*counted.row_limit));
+    shape.has_one_row = shape.has_one_row || *counted.row_limit <= 1;
   }
   if (IsWord(Word::kFor)) ForUpdate();
   facts_ = outer_facts;
