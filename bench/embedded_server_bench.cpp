@@ -7,11 +7,11 @@
 #include <sqlite3.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 
 #include "adapters/console/console_platform.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
+#include "bench/site_file.h"
 #include "sabrel/core/gsabrel.h"
 #include "sabrel/platform/conversions.h"
 #include "sabrel/sql/literals.h"
@@ -23,9 +23,8 @@ constexpr int kRows = 100'000;
 // A site with one table of 100,000 rows of 4 columns; open in both ways.
 class Bench {
  public:
-  Bench() : path_(std::filesystem::temp_directory_path() / "sabrel-bench.site") {
-    std::filesystem::remove(path_);
-    sabrel::sqlite::SiteBuilder site(path_);
+  Bench() {
+    sabrel::sqlite::SiteBuilder site(file_.Path());
     site.Execute(
         "CREATE TABLE T (ID NUMBER(10) PRIMARY KEY, NAME VARCHAR2(40), V NUMBER(12,4), D DATE)");
     site.Execute(
@@ -36,20 +35,20 @@ class Bench {
         ") "
         "SELECT I, 'name of row ' || I, I * 0.25, TO_DATE('2024-03-09','YYYY-MM-DD') FROM N");
     site.Finish();
+    sabrel::UnloadThread();  // another benchmark was here
     sabrel::InstallPlatform(sabrel::ConsolePlatform([this] {
       sabrel::ConnectionProfile profile;
       profile.Driver = "sqlite";
-      profile.Database = path_;
+      profile.Database = file_.Path();
       return sabrel::MakeSqliteRowlink(sabrel::ProfileSet(profile));
     }));
-    if (sqlite3_open(path_.c_str(), &direct_) != SQLITE_OK) throw std::runtime_error("open");
+    if (sqlite3_open(file_.Path().c_str(), &direct_) != SQLITE_OK) throw std::runtime_error("open");
     sqlite3_exec(direct_, "PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL", nullptr, nullptr,
                  nullptr);
   }
   ~Bench() {
     sabrel::UnloadThread();
     sqlite3_close(direct_);
-    std::filesystem::remove(path_);
   }
   Bench(const Bench&) = delete;
   Bench& operator=(const Bench&) = delete;
@@ -81,7 +80,7 @@ class Bench {
   }
 
  private:
-  std::string path_;
+  sabrel::bench::SiteFile file_{"sabrel-bench.site"};
   sqlite3* direct_ = nullptr;
 };
 

@@ -6,13 +6,13 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "adapters/console/console_platform.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
+#include "bench/site_file.h"
 #include "sabrel/core/gsabrel.h"
 #include "sabrel/platform/utf8.h"
 #include "site/sample_site.h"
@@ -26,22 +26,22 @@ constexpr int kComponentId = 1;
 
 class StoredTextBench {
  public:
-  StoredTextBench() : path_(std::filesystem::temp_directory_path() / "sabrel-text-bench.site") {
-    std::filesystem::remove(path_);
-    sabrel::sqlite::SiteBuilder site(path_);
+  StoredTextBench() {
+    sabrel::sqlite::SiteBuilder site(file_.Path());
     for (const std::string_view statement :
          sabrel::SampleSiteStatements(sabrel::SiteRelease::kCurrent)) {
       site.Execute(statement);
     }
     site.Finish();
-    sabrel::InstallPlatform(sabrel::ConsolePlatform([this] { return sabrel::OpenSite(path_); }));
-    Require(sqlite3_open(path_.c_str(), &direct_));
+    sabrel::UnloadThread();  // another benchmark was here
+    sabrel::InstallPlatform(
+        sabrel::ConsolePlatform([this] { return sabrel::OpenSite(file_.Path()); }));
+    Require(sqlite3_open(file_.Path().c_str(), &direct_));
     Run("PRAGMA synchronous=FULL");
   }
   ~StoredTextBench() {
     sabrel::UnloadThread();
     sqlite3_close(direct_);
-    std::filesystem::remove(path_);
   }
   StoredTextBench(const StoredTextBench&) = delete;
   StoredTextBench& operator=(const StoredTextBench&) = delete;
@@ -94,7 +94,7 @@ class StoredTextBench {
     return statement;
   }
 
-  std::string path_;
+  sabrel::bench::SiteFile file_{"sabrel-text-bench.site"};
   sqlite3* direct_ = nullptr;
 };
 

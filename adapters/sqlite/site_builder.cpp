@@ -69,6 +69,20 @@ std::string FolderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
+/// Refuses a place that is taken, or where a journal lies whose file is gone: it would become the
+/// new file's.
+void RequireFreePlace(const std::string& path) {
+  if (::access(path.c_str(), F_OK) == 0) {
+    throw ServerFailure(1119, "cannot create the file " + path + ": it exists already");
+  }
+  for (const char* suffix : {"-wal", "-journal"}) {
+    const std::string journal = path + suffix;
+    if (::access(journal.c_str(), F_OK) != 0) continue;
+    throw ServerFailure(1119, "cannot create the file " + path + ": " + journal +
+                                  " is left of a file that is gone; remove it");
+  }
+}
+
 /// Removes what a process that was killed left of a new site at `path`.
 void RemoveLeftovers(const std::string& path) {
   const std::string start = std::filesystem::path(path).filename().string() + kUnfinished;
@@ -114,9 +128,7 @@ SiteBuilder::SiteBuilder(std::string path) : work_(std::make_unique<Work>()) {
   work_->unfinished = work_->path + kUnfinished + std::to_string(::getpid());
   RemoveLeftovers(work_->path);
   work_->Guard([this] {
-    if (::access(work_->path.c_str(), F_OK) == 0) {
-      throw ServerFailure(1119, "cannot create the file " + work_->path + ": it exists already");
-    }
+    RequireFreePlace(work_->path);
     try {
       MakeSite(work_->unfinished);
     } catch (...) {

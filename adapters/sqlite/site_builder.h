@@ -18,8 +18,8 @@ namespace sabrel::sqlite {
 
 class SiteBuilder {
  public:
-  /// Errors: a database error with native number 1119 when `path` exists or its folder cannot be
-  /// written
+  /// Errors: a database error with native number 1119 when `path`, or a journal of a file that is
+  /// gone, exists, or its folder cannot be written
   explicit SiteBuilder(std::string path);
   /// Removes what was not finished.
   ~SiteBuilder();

@@ -106,6 +106,9 @@ TEST_F(SqliteFiles, ASiteIsMadeWholeOrNotAtAll) {
     EXPECT_EQ(site.Error().native_number, 955);
   }
   EXPECT_EQ(FilesIn(Folder().Path("")), before);
+  std::ofstream(path + "-wal").flush();
+  EXPECT_THROW(sqlite::CreateDatabase(path), RuntimeError) << "it would be the new file's journal";
+  EXPECT_TRUE(fs::remove(path + "-wal"));
   {
     sqlite::SiteBuilder site(path);
     site.Execute("CREATE TABLE T (N NUMBER)");
