@@ -128,28 +128,20 @@ struct NewTable {
   std::string_view query;
 };
 
-std::string_view WithoutParentheses(std::string_view query) {
-  const std::vector<Token> tokens = dialect::Tokenize(query);
-  if (tokens.empty() || tokens[0].symbol != '(') return query;
-  int depth = 0;
-  for (const Token& token : tokens) {
-    if (token.symbol == '(') ++depth;
-    if (token.symbol != ')' || --depth > 0) continue;
-    if (token.end != query.size()) return query;
-    return WithoutParentheses(query.substr(tokens[1].begin, token.begin - tokens[1].begin));
-  }
-  return query;
+/// The last part of the name, "T" of "MAIN.T", that starts at `first`.
+std::size_t LastPartOfName(const std::vector<Token>& tokens, std::size_t first) {
+  while (first + 2 < tokens.size() && tokens[first + 1].symbol == '.') first += 2;
+  return first;
 }
 
 NewTable PartsOf(std::string_view statement) {
   const std::vector<Token> tokens = dialect::Tokenize(statement);
-  std::size_t name = 2;
-  while (name + 2 < tokens.size() && tokens[name + 1].symbol == '.') name += 2;
+  const std::size_t name = LastPartOfName(tokens, 2);
   if (name + 2 >= tokens.size()) return {};
   NewTable table{dialect::ValueOfName(statement, tokens[name]), {}, {}};
   if (tokens[name + 1].word != Word::kAs) return table;
   table.head = statement.substr(0, tokens[name].end);
-  table.query = WithoutParentheses(statement.substr(tokens[name + 2].begin));
+  table.query = statement.substr(tokens[name + 2].begin);
   return table;
 }
 
@@ -202,8 +194,7 @@ bool IsWord(std::string_view text, const Token& token, std::string_view word) {
 std::string WithColumnChecks(const std::string& text) {
   const std::vector<Token> tokens = dialect::Tokenize(text);
   // ALTER TABLE name ADD
-  std::size_t add = 3;
-  while (add + 1 < tokens.size() && tokens[add].symbol == '.') add += 2;
+  std::size_t add = LastPartOfName(tokens, 2) + 1;
   if (add + 1 >= tokens.size() || !IsWord(text, tokens[add], "ADD")) return text;
   if (IsWord(text, tokens[add + 1], "COLUMN")) ++add;
   const std::string head = text.substr(0, tokens[add].end);
@@ -247,9 +238,7 @@ void CreateView(Server& server, std::string_view statement) {
     text.erase(tokens[1].begin, tokens[3].begin - tokens[1].begin);
     tokens = dialect::Tokenize(text);
   }
-  std::size_t last = 2;
-  while (tokens[last + 1].symbol == '.') last += 2;
-  const std::string name = dialect::ValueOfName(text, tokens[last]);
+  const std::string name = dialect::ValueOfName(text, tokens[LastPartOfName(tokens, 2)]);
   RequireFreeName(engine, name, replaces ? ", 'VIEW'" : "");
   Statement old = engine.Prepare(
       "SELECT 1 FROM user_objects WHERE OBJECT_NAME = ?1 AND OBJECT_TYPE = 'VIEW'");  // no server's

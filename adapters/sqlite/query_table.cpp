@@ -81,6 +81,7 @@ std::string_view TypeOfCast(std::string_view query, std::span<const Token> token
 std::vector<std::span<const Token>> SelectItems(std::span<const Token> tokens) {
   std::vector<std::span<const Token>> items;
   std::size_t i = 0;
+  while (i < tokens.size() && IsSymbol(tokens[i], '(')) ++i;
   Nesting nesting;
   while (i + 2 < tokens.size() && (!nesting.IsOutside() || tokens[i].word != Word::kSelect)) {
     nesting.Pass(tokens[i++]);
