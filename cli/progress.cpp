@@ -25,7 +25,12 @@ Progress::Progress() {
   sigset_t before;
   ::sigfillset(&all);
   ::pthread_sigmask(SIG_BLOCK, &all, &before);
-  painter_ = std::thread([this] { Show(); });
+  painter_ = std::thread([this] {
+    try {
+      Show();
+    } catch (...) {  // Without memory there is no progress to see; the work goes on.
+    }
+  });
   ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 

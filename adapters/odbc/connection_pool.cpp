@@ -68,6 +68,7 @@ ConnectionPool::ConnectionPool(const Engine& engine, ConnectionProfile profile, 
     : engine_(engine), profile_(std::move(profile)), opening_(opening), cancel_(std::move(cancel)) {
   if (profile_.Port == 0) profile_.Port = engine.UsualPort();
   address_ = profile_.Host + ":" + std::to_string(profile_.Port);
+  idle_.reserve(kMostIdle);  // GiveBack cannot report that there is no memory
 }
 
 ConnectionPool::Place ConnectionPool::Take() {
@@ -174,8 +175,8 @@ void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
   }
 }
 
-void Lease::Post(Worker::Task task) noexcept {
-  if (place_.worker && place_.is_connected) place_.worker->Post(std::move(task));
+void Lease::DropStatement() noexcept {
+  if (place_.worker && place_.is_connected) place_.worker->DropStatement();
 }
 
 }  // namespace sabrel::odbc

@@ -100,8 +100,8 @@ class Lease {
   /// to, since it may outlive the call. `verb` tells errors apart. Errors: Refused; the last code
   /// of an address where too many workers were left behind
   void Do(Worker::Task task, Deadline deadline, Verb verb = Verb::kOther);
-  /// The same without waiting and without errors.
-  void Post(Worker::Task task) noexcept;
+  /// Ends the statement whose rows were being read, without waiting.
+  void DropStatement() noexcept;
 
  private:
   void Connect();

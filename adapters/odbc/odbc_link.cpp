@@ -104,7 +104,7 @@ class OdbcCursor final : public Cursor {
 
  private:
   void Finish() noexcept {
-    if (lease_) lease_->Post([](Workplace& here) { here.statement.reset(); });
+    if (lease_) lease_->DropStatement();
     lease_.reset();
   }
 

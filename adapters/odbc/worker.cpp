@@ -11,7 +11,6 @@
 #include <mutex>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "sabrel/platform/rowlink.h"
 
@@ -21,6 +20,7 @@ namespace {
 constexpr int kMostLeftBehind = 2;
 
 /// Workers left behind, by address. Never destroyed: they may return while the process ends.
+/// An address is entered when its first worker is made, so that counting needs no memory.
 class LeftBehind {
  public:
   static LeftBehind& Instance() {
@@ -28,17 +28,20 @@ class LeftBehind {
     return *instance;
   }
 
-  void Add(const std::string& address, ConnectionFailure code) {
+  void Enter(const std::string& address) {
     const std::lock_guard lock(mutex_);
-    Entry& entry = entries_[address];
+    entries_.try_emplace(address);
+  }
+  void Add(const std::string& address, ConnectionFailure code) noexcept {
+    const std::lock_guard lock(mutex_);
+    Entry& entry = entries_.find(address)->second;
     ++entry.count;
     entry.last_code = code;
     ++all_;
   }
   void Remove(const std::string& address) noexcept {
     const std::lock_guard lock(mutex_);
-    const auto found = entries_.find(address);
-    if (--found->second.count == 0) entries_.erase(found);
+    --entries_.find(address)->second.count;
     --all_;
   }
   [[nodiscard]] std::optional<ConnectionFailure> CodeOfFull(const std::string& address) {
@@ -68,16 +71,27 @@ class Ending {
     return *instance;
   }
 
-  void Add(std::thread thread) {
+  using Threads = std::map<std::thread::id, std::thread>;
+  /// Room for one thread, made while there is memory: a destructor cannot report that there is
+  /// none.
+  using Slot = Threads::node_type;
+  static Slot MakeSlot() {
+    Threads one;
+    one.try_emplace(std::thread::id());
+    return one.extract(one.begin());
+  }
+
+  void Add(std::thread thread, Slot slot) noexcept {
     JoinEnded();
     const std::lock_guard lock(mutex_);
-    const std::thread::id id = thread.get_id();
-    threads_.emplace(id, std::move(thread));
+    slot.key() = thread.get_id();
+    slot.mapped() = std::move(thread);
+    threads_.insert(std::move(slot));
   }
   /// The thread that calls is about to return.
   void HasEnded() noexcept {
     const std::lock_guard lock(mutex_);
-    ended_.push_back(threads_.extract(std::this_thread::get_id()));
+    ended_.insert(threads_.extract(std::this_thread::get_id()));
     if (threads_.empty()) none_.notify_all();
   }
   void Await(std::chrono::milliseconds patience) noexcept {
@@ -89,21 +103,19 @@ class Ending {
   }
 
  private:
-  using Threads = std::map<std::thread::id, std::thread>;
-
   void JoinEnded() noexcept {
-    std::vector<Threads::node_type> ended;
+    Threads ended;
     {
       const std::lock_guard lock(mutex_);
       ended.swap(ended_);
     }
-    for (Threads::node_type& thread : ended) thread.mapped().join();
+    for (auto& [id, thread] : ended) thread.join();
   }
 
   std::mutex mutex_;
   std::condition_variable none_;
   Threads threads_;
-  std::vector<Threads::node_type> ended_;
+  Threads ended_;
 };
 
 /// Starts a thread that takes no signals: those belong to the host's own threads.
@@ -137,6 +149,8 @@ struct Worker::State {
   std::condition_variable has_work;
   std::condition_variable has_news;  // for the one that waits in Run
   std::deque<std::shared_ptr<Job>> jobs;
+  Ending::Slot slot = Ending::MakeSlot();
+  bool drops_statement = false;
   bool ends = false;
   bool left_behind = false;
   bool cancelling = false;
@@ -146,6 +160,7 @@ struct Worker::State {
 
 Worker::Worker(std::string address) : state_(std::make_shared<State>()) {
   state_->address = std::move(address);
+  LeftBehind::Instance().Enter(state_->address);
   thread_ = StartQuietly([state = state_] { Live(state); });
 }
 
@@ -154,7 +169,7 @@ Worker::~Worker() {
   if (state_->left_behind) {
     thread_.detach();
   } else {
-    Ending::Instance().Add(std::move(thread_));
+    Ending::Instance().Add(std::move(thread_), std::move(state_->slot));
   }
   state_->ends = true;
   state_->has_work.notify_one();
@@ -163,7 +178,14 @@ Worker::~Worker() {
 void Worker::Live(const std::shared_ptr<State>& state) noexcept {
   std::unique_lock lock(state->mutex);
   while (true) {
-    state->has_work.wait(lock, [&] { return !state->jobs.empty() || state->ends; });
+    state->has_work.wait(
+        lock, [&] { return !state->jobs.empty() || state->drops_statement || state->ends; });
+    if (std::exchange(state->drops_statement, false)) {
+      lock.unlock();
+      state->workplace.statement.reset();
+      lock.lock();
+      continue;
+    }
     if (state->jobs.empty()) break;
     const std::shared_ptr<State::Job> job = std::move(state->jobs.front());
     state->jobs.pop_front();
@@ -227,17 +249,15 @@ Worker::End Worker::Run(Task task, Deadline deadline, ConnectionFailure code) {
   return End::kDone;
 }
 
-void Worker::LeaveBehind(ConnectionFailure code) {
+void Worker::LeaveBehind(ConnectionFailure code) noexcept {
   state_->left_behind = true;
   state_->ends = true;
   LeftBehind::Instance().Add(state_->address, code);
 }
 
-void Worker::Post(Task task) noexcept {
+void Worker::DropStatement() noexcept {
   const std::lock_guard lock(state_->mutex);
-  const auto job = std::make_shared<State::Job>();
-  job->task = std::move(task);
-  state_->jobs.push_back(job);
+  state_->drops_statement = true;
   state_->has_work.notify_one();
 }
 

@@ -50,8 +50,8 @@ class Worker {
   /// `task` must own all that it refers to; `code` is what later calls fail with when too many
   /// workers were left behind. Cost: a hand-over to the thread and back
   [[nodiscard]] End Run(Task task, Deadline deadline, ConnectionFailure code);
-  /// Runs `task` when the thread is free, without waiting; it must not throw.
-  void Post(Task task) noexcept;
+  /// Ends the statement whose rows were being read when the thread is free, without waiting.
+  void DropStatement() noexcept;
   /// Asks the driver to end the statement that runs; whoever waits in Run is freed after
   /// kCancelPatience at the latest. Any thread; does not wait.
   void Cancel() noexcept;
@@ -63,7 +63,7 @@ class Worker {
  private:
   struct State;
   static void Live(const std::shared_ptr<State>& state) noexcept;
-  void LeaveBehind(ConnectionFailure code);
+  void LeaveBehind(ConnectionFailure code) noexcept;
 
   std::shared_ptr<State> state_;
   std::thread thread_;

@@ -19,7 +19,11 @@
 namespace sabrel::sqlite {
 namespace {
 
-constexpr int kOperationsBetweenChecks = 2000;
+// A step of the engine handles up to a value of kLongestText, so few may pass without a check.
+constexpr int kOperationsBetweenChecks = 100;
+
+// The engine's LIKE takes time as its pattern is long, and cannot be stopped.
+constexpr int kLongestPattern = 4000;
 
 /// Refuses what the engine would take wrongly: it makes a missing file's journal, and calls a
 /// folder "unable to open".
@@ -36,18 +40,27 @@ void RequireFile(const std::string& path) {
   }
 }
 
-bool HasJournal(const std::string& path) {
-  return ::access((path + "-wal").c_str(), F_OK) == 0 ||
-         ::access((path + "-shm").c_str(), F_OK) == 0;
-}
+/// What the engine keeps beside an open file.
+class Journal {
+ public:
+  explicit Journal(const std::string& path)
+      : log_(path + "-wal"),
+        index_(path + "-shm"),
+        was_there_(::access(log_.c_str(), F_OK) == 0 || ::access(index_.c_str(), F_OK) == 0) {}
 
-/// The engine leaves its journal beside a damaged file, which it cannot close in order.
-void RemoveEmptyJournal(const std::string& path) noexcept {
-  struct stat facts {};
-  if (::stat((path + "-wal").c_str(), &facts) != 0 || facts.st_size != 0) return;
-  ::unlink((path + "-wal").c_str());
-  ::unlink((path + "-shm").c_str());
-}
+  /// The engine leaves its journal beside a damaged file, which it cannot close in order.
+  void RemoveIfNewAndEmpty() const noexcept {
+    struct stat facts {};
+    if (was_there_ || ::stat(log_.c_str(), &facts) != 0 || facts.st_size != 0) return;
+    ::unlink(log_.c_str());
+    ::unlink(index_.c_str());
+  }
+
+ private:
+  std::string log_;
+  std::string index_;
+  bool was_there_;
+};
 
 }  // namespace
 
@@ -66,46 +79,50 @@ void CancelSwitch::CancelAll() noexcept {
   for (Connection* connection : connections_) {
     if (!connection->running_) continue;
     connection->cancelled_ = true;
-    sqlite3_interrupt(connection->handle_);
+    sqlite3_interrupt(connection->Handle());
   }
+}
+
+void Connection::Closer::operator()(sqlite3* handle) const noexcept { sqlite3_close(handle); }
+void Connection::Closer::operator()(sqlite3_stmt* handle) const noexcept {
+  sqlite3_finalize(handle);
 }
 
 Connection::Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-                       Durability durability)
-    : path_(path), cancel_switch_(std::move(cancel_switch)) {
+                       Durability durability, Deadline deadline)
+    : path_(path), cancel_switch_(std::move(cancel_switch)), registration_(*cancel_switch_, *this) {
   RequireFile(path_);
-  const bool had_journal = HasJournal(path_);
+  const Journal journal(path_);
   try {
     Open();
+    const Operation opening(*this, deadline);
     Configure(durability);
-  } catch (const std::exception&) {
-    for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
-    sqlite3_close(handle_);
-    if (!had_journal) RemoveEmptyJournal(path_);
+  } catch (...) {
+    kept_by_text_.clear();
+    kept_.clear();
+    handle_.reset();
+    journal.RemoveIfNewAndEmpty();
     throw;
   }
-  cancel_switch_->Add(*this);
 }
 
-Connection::~Connection() {
-  cancel_switch_->Remove(*this);
-  for (const Kept& kept : kept_) sqlite3_finalize(kept.handle);
-  sqlite3_close(handle_);
-}
+Connection::~Connection() = default;
 
 void Connection::Open() {
-  const int code = sqlite3_open_v2(path_.c_str(), &handle_,
-                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  sqlite3* handle = nullptr;
+  const int code =
+      sqlite3_open_v2(path_.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  handle_.reset(handle);  // where opening fails, too, there is one to close
   if (code != SQLITE_OK) {
-    const int reason = handle_ != nullptr ? sqlite3_system_errno(handle_) : 0;
+    const int reason = handle != nullptr ? sqlite3_system_errno(handle) : 0;
     throw ServerFailure(1157,
                         "cannot open the file " + path_ + (reason != 0 ? ": " : "") +
                             (reason != 0 ? std::strerror(reason) : ""),
                         sqlite3_errstr(code));
   }
-  sqlite3_extended_result_codes(handle_, 1);
+  sqlite3_extended_result_codes(Handle(), 1);
   sqlite3_busy_handler(
-      handle_,
+      Handle(),
       [](void* self, int waits) {
         return static_cast<Connection*>(self)->WaitForLock(waits) ? 1 : 0;
       },
@@ -115,7 +132,7 @@ void Connection::Open() {
 
 void Connection::WatchStatements() noexcept {
   sqlite3_progress_handler(
-      handle_, kOperationsBetweenChecks,
+      Handle(), kOperationsBetweenChecks,
       [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
 }
 
@@ -132,12 +149,13 @@ void Connection::Configure(Durability durability) {
       "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON;"
       "PRAGMA journal_size_limit=67108864");
   if (durability == Durability::kAtTheEnd) Run("PRAGMA synchronous=OFF");
-  sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
-  sqlite3_limit(handle_, SQLITE_LIMIT_LENGTH, static_cast<int>(kLongestText));
-  sqlite3_limit(handle_, SQLITE_LIMIT_SQL_LENGTH, static_cast<int>(kLongestText));
-  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-  sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_limit(Handle(), SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_limit(Handle(), SQLITE_LIMIT_LENGTH, static_cast<int>(kLongestText));
+  sqlite3_limit(Handle(), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, kLongestPattern);
+  sqlite3_limit(Handle(), SQLITE_LIMIT_SQL_LENGTH, static_cast<int>(kLongestText));
+  sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
 }
 
 Statement Connection::Prepare(std::string_view sql, Verb verb) {
@@ -150,49 +168,59 @@ Statement Connection::Prepare(std::string_view sql, Verb verb) {
     kept_by_text_.erase(found);
     Kept kept = std::move(*entry);
     kept_.erase(entry);
-    return {*this, kept.handle, std::move(kept.key), verb};
+    return {*this, kept.handle.release(), std::move(kept.key), verb};
   }
   if (sql.size() > kLongestText) throw ServerFailure(1745, "the statement is too large");
   const bool keep = sql.size() <= kLongestKeptText;
+  // Made first: once there is a handle, nothing may fail until a Statement owns it.
+  std::string key = keep ? std::string(sql) : std::string();
   sqlite3_stmt* handle = nullptr;
   kept_failure_ = nullptr;
-  const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+  const int code = sqlite3_prepare_v3(Handle(), sql.data(), static_cast<int>(sql.size()),
                                       keep ? SQLITE_PREPARE_PERSISTENT : 0, &handle, nullptr);
   if (code != SQLITE_OK) Fail(code, nullptr, verb);
   if (handle == nullptr) throw ServerFailure(900, "invalid SQL statement: it is empty");
-  return {*this, handle, keep ? std::string(sql) : std::string(), verb};
+  return {*this, handle, std::move(key), verb};
 }
 
 void Connection::KeepStatement(std::string key, sqlite3_stmt* handle) noexcept {
+  Kept kept{std::move(key), std::unique_ptr<sqlite3_stmt, Closer>(handle)};
   // A statement that calls itself is prepared twice; the first to end is kept.
-  if (key.empty() || kept_by_text_.contains(key)) {
-    sqlite3_finalize(handle);
-    return;
-  }
+  if (kept.key.empty() || kept_by_text_.contains(kept.key)) return;
+  const std::size_t before = kept_.size();
   try {
-    kept_.push_front({std::move(key), handle});
+    kept_.push_front(std::move(kept));
     kept_by_text_.emplace(kept_.front().key, kept_.begin());
-  } catch (...) {
-    if (!kept_.empty() && kept_.front().handle == handle) kept_.pop_front();
-    sqlite3_finalize(handle);
+  } catch (...) {  // No memory to keep it: it is prepared again.
+    if (kept_.size() > before) kept_.pop_front();
     return;
   }
   if (kept_.size() > kKeptStatements) {
     kept_by_text_.erase(kept_.back().key);
-    sqlite3_finalize(kept_.back().handle);
     kept_.pop_back();
   }
 }
 
 void Connection::Run(const char* sql) {
   kept_failure_ = nullptr;
-  const int code = sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr);
+  const int code = sqlite3_exec(Handle(), sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) Fail(code, nullptr, Verb::kOther);
 }
 
 bool Connection::MustStop() const noexcept {
   if (!running_) return false;
   return cancelled_ || (deadline_ && std::chrono::steady_clock::now() >= *deadline_);
+}
+
+void Connection::RequireTimeLeft() {
+  unchecked_bytes_ = 0;
+  if (MustStop()) FailStopped({});
+}
+
+void Connection::FailStopped(const std::string& detail) {
+  if (cancelled_) throw ServerFailure(1013, "user requested cancel of current operation", detail);
+  throw ConnectionFailed(ConnectionFailure::kReceiveTimeOut,
+                         "The statement took longer than the time-out allows.");
 }
 
 bool Connection::WaitForLock(int waits) noexcept {
@@ -211,25 +239,28 @@ bool Connection::WaitForLock(int waits) noexcept {
 
 void Connection::Fail(int code, sqlite3_stmt* handle, Verb verb) {
   if (kept_failure_) std::rethrow_exception(std::exchange(kept_failure_, nullptr));
-  std::string text = sqlite3_errmsg(handle_);
+  std::string text = sqlite3_errmsg(Handle());
   const int plain = code & 0xFF;
-  if (plain == SQLITE_INTERRUPT || plain == SQLITE_BUSY) {
-    if (cancelled_) throw ServerFailure(1013, "user requested cancel of current operation", text);
-    if (deadline_ && std::chrono::steady_clock::now() >= *deadline_) {
+  if ((plain == SQLITE_INTERRUPT || plain == SQLITE_BUSY) && MustStop()) {
+    if (plain == SQLITE_BUSY && !cancelled_) {
       throw ConnectionFailed(ConnectionFailure::kReceiveTimeOut,
-                             "The statement took longer than the time-out allows.");
+                             "Another session held the lock of the file " + path_ +
+                                 " for as long as the time-out allows.");
     }
+    FailStopped(text);
   }
   const int extended =
-      code == SQLITE_ERROR || code > 0xFF ? code : sqlite3_extended_errcode(handle_);
+      code == SQLITE_ERROR || code > 0xFF ? code : sqlite3_extended_errcode(Handle());
   NativeError error =
       NativeErrorOf((extended & 0xFF) == plain ? extended : code, text,
                     extended == SQLITE_CONSTRAINT_FOREIGNKEY ? PreciseVerb(handle, verb) : verb);
   std::string message = error.message;
   if (plain == SQLITE_CORRUPT || plain == SQLITE_NOTADB || plain == SQLITE_CANTOPEN ||
-      plain == SQLITE_READONLY || plain == SQLITE_IOERR || plain == SQLITE_FULL) {
+      plain == SQLITE_READONLY || plain == SQLITE_IOERR || plain == SQLITE_FULL ||
+      plain == SQLITE_BUSY) {
     message += " (" + path_ + ")";
-    const int reason = sqlite3_system_errno(handle_);
+    // Of a lock that is held the system says nothing more.
+    const int reason = plain == SQLITE_BUSY ? 0 : sqlite3_system_errno(Handle());
     const bool is_full = reason == ENOSPC || reason == EFBIG || reason == EDQUOT;
     if (is_full && (plain == SQLITE_IOERR || plain == SQLITE_FULL)) {
       error.number = 1653;
@@ -258,7 +289,7 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
     std::vector<std::pair<std::string, std::string>> columns;
   } seen;
   sqlite3_set_authorizer(
-      handle_,
+      Handle(),
       [](void* to, int action, const char* table, const char* column, const char*,
          const char* trigger) {
         if (action == SQLITE_UPDATE && trigger == nullptr && table != nullptr &&
@@ -269,9 +300,9 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
       },
       &seen);
   sqlite3_stmt* again = nullptr;
-  sqlite3_prepare_v2(handle_, sql, -1, &again, nullptr);
+  sqlite3_prepare_v2(Handle(), sql, -1, &again, nullptr);
   sqlite3_finalize(again);
-  sqlite3_set_authorizer(handle_, nullptr, nullptr);
+  sqlite3_set_authorizer(Handle(), nullptr, nullptr);
   for (const auto& [table, column] : seen.columns) {
     Statement references =
         Prepare("SELECT 1 FROM pragma_foreign_key_list(?1) WHERE UPPER(\"from\") = UPPER(?2)");
@@ -282,18 +313,18 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
   return verb;
 }
 
-bool Connection::InTransaction() const noexcept { return sqlite3_get_autocommit(handle_) == 0; }
+bool Connection::InTransaction() const noexcept { return sqlite3_get_autocommit(Handle()) == 0; }
 
 bool Connection::MayWrite() const noexcept {
-  return sqlite3_txn_state(handle_, nullptr) == SQLITE_TXN_WRITE;
+  return sqlite3_txn_state(Handle(), nullptr) == SQLITE_TXN_WRITE;
 }
 
 void Connection::RollBack() noexcept {
   // A cancel that comes in between must not stop the clean-up: it holds for the failed statement
   // only.
   for (int attempt = 0; attempt < 3 && InTransaction(); ++attempt) {
-    sqlite3_progress_handler(handle_, 0, nullptr, nullptr);
-    sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_progress_handler(Handle(), 0, nullptr, nullptr);
+    sqlite3_exec(Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
     WatchStatements();
   }
   broken_ = broken_ || InTransaction();

@@ -35,13 +35,28 @@ enum class Durability { kEachCommit, kAtTheEnd };
 /// The connections that Cancel may stop; shared by a thread's rowlink and its connections.
 class CancelSwitch {
  public:
-  void Add(Connection& connection);
-  void Remove(Connection& connection);
+  /// A connection is registered for as long as this lives.
+  class Registration {
+   public:
+    Registration(CancelSwitch& to, Connection& connection) : switch_(to), connection_(connection) {
+      switch_.Add(connection_);
+    }
+    ~Registration() { switch_.Remove(connection_); }
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+
+   private:
+    CancelSwitch& switch_;
+    Connection& connection_;
+  };
+
   /// Any thread.
   void CancelAll() noexcept;
 
  private:
   friend class Operation;
+  void Add(Connection& connection);
+  void Remove(Connection& connection);
   std::mutex mutex_;
   std::vector<Connection*> connections_;
 };
@@ -55,20 +70,29 @@ class Connection {
   /// For the write lock, where no time-out holds.
   static constexpr std::chrono::seconds kLongestWait{30};
 
-  /// Opens the existing file `path` as a site. Errors: ServerFailure naming file and reason
+  /// Opens the existing file `path` as a site; waits for the file's lock until `deadline`.
+  /// Errors: ServerFailure naming file and reason; connection 24
   Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-             Durability durability = Durability::kEachCommit);
+             Durability durability, Deadline deadline);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  [[nodiscard]] sqlite3* Handle() const noexcept { return handle_; }
+  [[nodiscard]] sqlite3* Handle() const noexcept { return handle_.get(); }
   [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
   /// Prepares one statement of the engine, or takes it from the cache.
   [[nodiscard]] Statement Prepare(std::string_view sql, Verb verb = Verb::kOther);
   /// Runs statements of this server's own, without rows.
   void Run(const char* sql);
+
+  /// A function of a running statement has handled `bytes` more. Functions call this as they go,
+  /// since the engine asks for the time-out and for Cancel between its own steps only.
+  /// Errors: as a statement that is stopped, 1013 or connection 24
+  void Worked(std::size_t bytes) {
+    unchecked_bytes_ += bytes;
+    if (unchecked_bytes_ >= kBytesBetweenChecks) RequireTimeLeft();
+  }
 
   /// Keeps a failure that happened inside a function of a running statement; it replaces the
   /// engine's own.
@@ -91,22 +115,32 @@ class Connection {
   friend class CancelSwitch;
   friend class Transaction;
 
+  static constexpr std::size_t kBytesBetweenChecks = std::size_t{256} << 10U;
+
+  /// The engine's handles end with their owners, whatever fails in between.
+  struct Closer {
+    void operator()(sqlite3* handle) const noexcept;
+    void operator()(sqlite3_stmt* handle) const noexcept;
+  };
+
   void Open();
   void Configure(Durability durability);
   /// Makes the engine ask MustStop while a statement runs.
   void WatchStatements() noexcept;
   void KeepStatement(std::string key, sqlite3_stmt* handle) noexcept;
   [[nodiscard]] bool MustStop() const noexcept;
+  void RequireTimeLeft();
+  [[noreturn]] void FailStopped(const std::string& detail);
   [[nodiscard]] bool WaitForLock(int waits) noexcept;
   [[nodiscard]] Verb PreciseVerb(sqlite3_stmt* handle, Verb verb);
 
   struct Kept {
     std::string key;
-    sqlite3_stmt* handle;
+    std::unique_ptr<sqlite3_stmt, Closer> handle;
   };
   std::string path_;
   std::shared_ptr<CancelSwitch> cancel_switch_;
-  sqlite3* handle_ = nullptr;
+  std::unique_ptr<sqlite3, Closer> handle_;
   std::list<Kept> kept_;  // last used first
   std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;
   std::exception_ptr kept_failure_;
@@ -115,9 +149,11 @@ class Connection {
   std::string last_update_;
   Deadline deadline_;
   std::chrono::steady_clock::time_point wait_started_;
+  std::size_t unchecked_bytes_ = 0;
   std::atomic<bool> running_ = false;
   std::atomic<bool> cancelled_ = false;
   bool broken_ = false;
+  CancelSwitch::Registration registration_;
 };
 
 /// The time during which a connection works for one request: its deadline holds and Cancel reaches

@@ -4,8 +4,10 @@
 
 namespace sabrel::sqlite {
 
-std::unique_ptr<Server> ConnectionPool::Take() {
-  if (idle_.empty()) return std::make_unique<Server>(path_, cancel_switch_, state_, durability_);
+std::unique_ptr<Server> ConnectionPool::Take(Deadline deadline) {
+  if (idle_.empty()) {
+    return std::make_unique<Server>(path_, cancel_switch_, state_, durability_, deadline);
+  }
   // The last one back has the statements that are in use now.
   std::unique_ptr<Server> server = std::move(idle_.back());
   idle_.pop_back();

@@ -24,8 +24,8 @@ class ConnectionPool {
         state_(std::make_shared<SessionState>()),
         durability_(durability) {}
 
-  /// Errors: as Connection
-  [[nodiscard]] std::unique_ptr<Server> Take();
+  /// A new connection waits for the file's lock until `deadline`. Errors: as Connection
+  [[nodiscard]] std::unique_ptr<Server> Take(Deadline deadline);
   void GiveBack(std::unique_ptr<Server> server) noexcept;
   /// Closes the idle connections now, the borrowed ones when they come back.
   void Close() noexcept;
@@ -43,8 +43,8 @@ class ConnectionPool {
 /// A borrowed connection.
 class Lease {
  public:
-  explicit Lease(std::shared_ptr<ConnectionPool> pool)
-      : pool_(std::move(pool)), server_(pool_->Take()) {}
+  Lease(std::shared_ptr<ConnectionPool> pool, Deadline deadline)
+      : pool_(std::move(pool)), server_(pool_->Take(deadline)) {}
   ~Lease() {
     if (server_) pool_->GiveBack(std::move(server_));
   }

@@ -192,7 +192,7 @@ Value SystemDate(Arguments, void*) { return DateValue(Now()); }
 Value AddMonthsTo(Arguments a, void*) {
   if (HasNull(a)) return {};
   const std::int64_t months = WholeOf(a[1]);
-  if (std::llabs(months) > 200000) {
+  if (months < -200000 || months > 200000) {
     throw ServerFailure(1841, "(full) year must be between 100 and 9999");
   }
   return DateValue(AddMonths(MomentFrom(a[0]), static_cast<int>(months)));

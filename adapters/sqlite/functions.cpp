@@ -13,6 +13,9 @@
 namespace sabrel::sqlite {
 namespace {
 
+/// What a call costs besides its texts, as work.
+constexpr std::size_t kBytesOfACall = 256;
+
 struct Binding {
   SqlFunction function;
   Connection* connection;
@@ -72,7 +75,12 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
     }
     std::vector<Value> arguments;
     arguments.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) arguments.push_back(ArgumentOf(values[i]));
+    std::size_t bytes = kBytesOfACall;
+    for (int i = 0; i < count; ++i) {
+      arguments.push_back(ArgumentOf(values[i]));
+      bytes += arguments.back().text.size();
+    }
+    binding.connection->Worked(bytes);
     Answer(context, binding.function.run(arguments, binding.context));
   } catch (...) {
     binding.connection->Keep(std::current_exception());

@@ -123,8 +123,8 @@ dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) c
 }
 
 Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-               std::shared_ptr<SessionState> session, Durability durability)
-    : connection_(path, std::move(cancel_switch), durability),
+               std::shared_ptr<SessionState> session, Durability durability, Deadline deadline)
+    : connection_(path, std::move(cancel_switch), durability, deadline),
       session_(std::move(session)),
       routines_(*this),
       dialect_(routines_) {

@@ -58,7 +58,7 @@ class SqliteDialect final : public dialect::Engine {
   [[nodiscard]] std::string_view ConcatenateFunction() const override { return "sabrel_concat"; }
   [[nodiscard]] std::string_view SingleFunction() const override { return "sabrel_single"; }
   [[nodiscard]] std::string_view CompareFunction() const override { return "sabrel_compare"; }
-  [[nodiscard]] std::string_view HidingOperator() const override { return "+"; }
+  [[nodiscard]] std::string_view PatternFunction() const override { return "sabrel_like"; }
   [[nodiscard]] std::string_view FunctionName(std::string_view) const override { return {}; }
 
  private:
@@ -68,7 +68,7 @@ class SqliteDialect final : public dialect::Engine {
 class Server {
  public:
   Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-         std::shared_ptr<SessionState> session, Durability durability);
+         std::shared_ptr<SessionState> session, Durability durability, Deadline deadline);
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 

@@ -4,8 +4,10 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <charconv>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -29,8 +31,13 @@ std::string Reason(const char* what, const std::string& path) {
   return std::string(what) + " " + path + ": " + std::strerror(errno);
 }
 
+/// Needs no memory: destructors and handlers of failures call it.
 void RemoveWithJournals(const std::string& path) noexcept {
-  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) ::unlink((path + suffix).c_str());
+  std::array<char, PATH_MAX + 16> name;  // a longer name is no file's
+  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+    std::snprintf(name.data(), name.size(), "%s%s", path.c_str(), suffix);
+    ::unlink(name.data());
+  }
 }
 
 /// Makes an empty file that nobody else has, and a site of it.
@@ -162,7 +169,7 @@ void SiteBuilder::Finish() {
     {
       // With the server's functions, which columns' checks may call.
       Server server(work_->unfinished, std::make_shared<CancelSwitch>(),
-                    std::make_shared<SessionState>(), Durability::kAtTheEnd);
+                    std::make_shared<SessionState>(), Durability::kAtTheEnd, std::nullopt);
       Statement check = server.Engine().Prepare("PRAGMA integrity_check(1)");
       if (!check.Step() || check.Column(0).text != "ok") {
         throw ServerFailure(1578, "the new file is damaged", check.Column(0).text);

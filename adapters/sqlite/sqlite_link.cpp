@@ -132,8 +132,8 @@ std::unique_ptr<Cursor> SqliteLink::Query(std::string_view sql, const DataServer
   const std::string& path = target.pool->Path();
   return Reporting(*last_error_, path, [&]() -> std::unique_ptr<Cursor> {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    Lease lease(target.pool);
     const Deadline deadline = DeadlineIn(target.timeout_s);
+    Lease lease(target.pool, deadline);
     const Operation operation(lease->Engine(), deadline);
     QueryResult result = lease->Query(statement);
     if (result.rows) return std::make_unique<ReadCursor>(std::move(result));
@@ -146,8 +146,9 @@ void SqliteLink::Execute(std::string_view sql, const DataServerAddress& address)
   const Target target = Find(address);
   Reporting(*last_error_, target.pool->Path(), [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const Lease lease(target.pool);
-    const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
+    const Deadline deadline = DeadlineIn(target.timeout_s);
+    const Lease lease(target.pool, deadline);
+    const Operation operation(lease->Engine(), deadline);
     lease->Execute(statement);
   });
 }
@@ -155,8 +156,9 @@ void SqliteLink::Execute(std::string_view sql, const DataServerAddress& address)
 RoutineOutcome SqliteLink::Call(const RoutineCall& call) {
   const Target target = Find(call.address);
   return Reporting(*last_error_, target.pool->Path(), [&] {
-    const Lease lease(target.pool);
-    const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
+    const Deadline deadline = DeadlineIn(target.timeout_s);
+    const Lease lease(target.pool, deadline);
+    const Operation operation(lease->Engine(), deadline);
     return lease->Call(call);
   });
 }
@@ -164,8 +166,9 @@ RoutineOutcome SqliteLink::Call(const RoutineCall& call) {
 void SqliteLink::Write(const RowSet& rows) {
   const Target target = Find({});
   Reporting(*last_error_, target.pool->Path(), [&] {
-    const Lease lease(target.pool);
-    const Operation operation(lease->Engine(), DeadlineIn(target.timeout_s));
+    const Deadline deadline = DeadlineIn(target.timeout_s);
+    const Lease lease(target.pool, deadline);
+    const Operation operation(lease->Engine(), deadline);
     lease->Write(rows);
   });
 }

@@ -27,7 +27,7 @@ class TestEngine final : public Engine {
   std::string_view SubtractFunction() const override { return "minus"; }
   std::string_view SingleFunction() const override { return "single"; }
   std::string_view CompareFunction() const override { return "compare"; }
-  std::string_view HidingOperator() const override { return "+"; }
+  std::string_view PatternFunction() const override { return "like"; }
   std::string_view FunctionName(std::string_view name) const override {
     return name == "TRUNC" ? "ora_trunc" : "";
   }
@@ -112,7 +112,7 @@ TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
       {"update", Whole, "UPDATE t b SET b.x=1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (4,5)",
        "UPDATE t AS b SET x=?1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (?2,?3) |1 |4 |5 W"},
       {"delete", Whole, "DELETE t WHERE b NOT LIKE 'x!%' ESCAPE '!'",
-       "DELETE FROM t WHERE b NOT LIKE ?1 ESCAPE ?2 |'x!%' |'!' W"},
+       "DELETE FROM t WHERE like(b , ?1 , ?2)=0 |'x!%' |'!' W"},
   });
 }
 
@@ -152,7 +152,10 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
       {"unlike types", Where, "LENGTH(b)!='1' OR NVL(a,b)>= '1'",
        "compare(LENGTH(b),?1)<>0 OR compare(NVL(a,b), ?2)>=0 |'1' |'1'"},
       {"patterns", Where, "b LIKE 'x!%' ESCAPE '!' OR (c LIKE '%y') OR d LIKE 'z'||e",
-       "b LIKE 'x!%' ESCAPE '!' OR (c LIKE +(?1)) OR d LIKE ?2||e |'%y' |'z'"},
+       "like(b , ?1 , ?2) OR (like(c , ?3)) OR like(d , ?4||e) |'x!%' |'!' |'%y' |'z'"},
+      {"beginnings", Where, "b LIKE 'x%' OR c LIKE 'x_y%' OR d LIKE 'x' OR UPPER(e) LIKE 'x%'",
+       "b LIKE 'x%' OR (c LIKE 'x%' AND like(c,'x_y%')) OR d LIKE 'x' OR like(UPPER(e) , ?1) "
+       "|'x%'"},
       {"any", Where, "a = ANY (b) OR a <> ALL (b)", "a IN (b) OR a NOT IN (b)"},
       {"any above", Where, "a > ANY (1,2)", "!900 @27"},
   });

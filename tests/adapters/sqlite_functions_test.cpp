@@ -55,6 +55,11 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
        "DATE '2024-02-28' + 1.5, DATE '2024-03-01' - 1,"
        " DATE '2024-03-01' - TO_DATE('2024-02-28 12','YYYY-MM-DD HH24')",
        "date 2024-02-29 12:00:00|date 2024-02-29 00:00:00|double 1.5"},
+      {"patterns",
+       "CASE WHEN 'a%b€' LIKE '_!%%_' ESCAPE '!' THEN 1 END,"
+       " CASE WHEN 'abcabd' LIKE '%ab'||'d' THEN 1 END, CASE WHEN 'ab' NOT LIKE '%B' THEN 1 END,"
+       " CASE WHEN 'aXb' LIKE 'a%c%' OR 'ab' LIKE NULL THEN 1 ELSE 0 END, CHR(8364)",
+       "1|1|1|0|'€'"},
       {"months",
        "ADD_MONTHS(DATE '2024-01-31',1), ADD_MONTHS(DATE '2024-02-29',-1),"
        " LAST_DAY(DATE '2023-02-05'), MONTHS_BETWEEN(DATE '2024-03-31',DATE '2024-02-29')",

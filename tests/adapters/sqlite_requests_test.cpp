@@ -74,7 +74,41 @@ TEST_F(SqliteRequests, ATimeOutStopsAStatementOrItsWaitForTheWriteLockAndTheSess
   EXPECT_EQ(Do("INSERT INTO T VALUES (1)", 1), "connection 24");
   EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
   sqlite3_close(other);
+  // The last connection to close locks the file out for everyone, and so does this.
+  link->ShutDown();
+  ASSERT_EQ(sqlite3_open(File().c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "PRAGMA locking_mode=EXCLUSIVE; BEGIN IMMEDIATE; COMMIT", nullptr,
+                         nullptr, nullptr),
+            SQLITE_OK);
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM T", 1), "connection 24") << "opening waits, too";
+  sqlite3_close(other);
   EXPECT_EQ(Do("INSERT INTO T VALUES (1)"), "");
+}
+
+// Each would take minutes if it were looked at between the engine's steps only.
+TEST_F(SqliteRequests, ATimeOutAndCancelReachIntoFunctionsAndPatterns) {
+  const std::string big = "REPLACE(RPAD('a',32000,'a'),'a',RPAD('b',1999,'b')||'c')";
+  const std::string numbers =
+      "WITH N(I) AS (SELECT 1 FROM DUAL UNION ALL SELECT I+1 FROM N WHERE I < 1000000) ";
+  const struct {
+    const char* name;
+    std::string sql;
+  } rows[] = {
+      {"replace", numbers + "SELECT COUNT(REPLACE(" + big + ",'b',TO_CHAR(I))) FROM N"},
+      {"pattern", "SELECT 1 FROM DUAL WHERE " + big + " LIKE '%'||RPAD('b',30000,'b')||'_c'"},
+      {"wildcards", "SELECT 1 FROM DUAL WHERE " + big + " LIKE '%b%'||RPAD('_',9999,'_')||'d'"},
+      {"trim", numbers + "SELECT SUM(LENGTH(LTRIM(RPAD('a',32000,'a')||'b'||I, RPAD('c',32000,'c')"
+                         "||'a'))) FROM N"},
+      {"case", numbers + "SELECT COUNT(UPPER(" + big + "||I)) FROM N"},
+      {"search", numbers + "SELECT SUM(INSTR(" + big + ",'bc'||I)) FROM N"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(Ask(row.sql, 1), "connection 24") << row.name;
+    const std::jthread canceller([&](const std::stop_token& stopped) {
+      for (; !stopped.stop_requested(); std::this_thread::yield()) link->Cancel();
+    });
+    EXPECT_EQ(Ask(row.sql), "ORA-1013") << row.name;
+  }
 }
 
 TEST_F(SqliteRequests, CancelStopsWhatRunsAndNothingElse) {
@@ -132,7 +166,8 @@ TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
     ::kill(child, SIGKILL);
     EXPECT_EQ(ResultOf(child), -1);
     EXPECT_EQ(Ask("SELECT MOD(COUNT(*), 2) FROM T"), "0");
-    sqlite::Connection file(File(), std::make_shared<sqlite::CancelSwitch>());
+    sqlite::Connection file(File(), std::make_shared<sqlite::CancelSwitch>(),
+                            sqlite::Durability::kEachCommit, std::nullopt);
     sqlite::Statement check = file.Prepare("PRAGMA integrity_check");
     ASSERT_TRUE(check.Step());
     ASSERT_EQ(check.Column(0).text, "ok");

@@ -54,13 +54,14 @@ void Rewriter::Comparison() {
         IsWord(Word::kNot) && (Ahead(1).word == Word::kIn || Ahead(1).word == Word::kLike ||
                                Ahead(1).word == Word::kBetween);
     if (is_negated) ++at_;
+    const std::size_t operation = at_;
     if (SkipWord(Word::kIs)) {
       SkipWord(Word::kNot);
       ExpectWord(Word::kNull, 908, "missing NULL keyword");
     } else if (SkipWord(Word::kIn)) {
       In(left);
     } else if (SkipWord(Word::kLike)) {
-      Pattern(is_negated);
+      Pattern(left, operation, is_negated);
     } else if (SkipWord(Word::kBetween)) {
       Between(left);
     } else {
@@ -127,31 +128,63 @@ void Rewriter::CastBesideColumn(const Operand& number) {
   }
 }
 
-// Engines search an index for what begins as a constant pattern does. One in a parameter they look
-// into at each run, and prepare the whole statement again for it. A pattern that begins with a
-// wildcard finds no place in an index: it stays a parameter, hidden from such engines.
-void Rewriter::Pattern(bool is_negated) {
+namespace {
+
+// What an engine finds in an index for a constant pattern: its beginning, and whether that is all.
+struct PatternBeginning {
+  std::string text;
+  bool is_all = false;  // but for one "%" at the end
+};
+
+PatternBeginning BeginningOf(const std::string& pattern) {
+  const std::size_t end = std::min(pattern.find_first_of("%_"), pattern.size());
+  return {pattern.substr(0, end), end + 1 >= pattern.size() && !pattern.ends_with('_')};
+}
+
+}  // namespace
+
+// An engine that searches an index for what begins as a constant pattern does gets that beginning,
+// in the text. All else is matched by a function where the engine has one: it can be stopped.
+void Rewriter::Pattern(const Operand& left, std::size_t operation, bool is_negated) {
   const Lift lift = lift_;
   const std::size_t first = at_;
+  const std::string_view function = engine_.PatternFunction();
   const bool is_constant = Here().kind == TokenKind::kText &&
                            (Ahead(1).kind != TokenKind::kSymbol || IsSymbol(Ahead(1), ')'));
-  if (is_constant && !is_negated) {
-    const std::string pattern = ValueOfText(TextOf(sql_, Here()));
-    const bool has_beginning = !pattern.starts_with('%') && !pattern.starts_with('_');
-    if (has_beginning) {
-      lift_ = Lift::kNever;
-    } else if (may_lift_ && lift_ == Lift::kAlways && !engine_.HidingOperator().empty()) {
-      edits_.Wrap(first, first, engine_.HidingOperator());
-      is_renamed_ = true;
-    }
-  }
+  const PatternBeginning beginning = is_constant && !is_negated
+                                         ? BeginningOf(ValueOfText(TextOf(sql_, Here())))
+                                         : PatternBeginning();
+  const bool is_served =
+      !beginning.text.empty() && TypeOf(left) == Type::kColumn && Ahead(1).word != Word::kEscape;
+  if (is_served) lift_ = Lift::kNever;
+  const bool is_parameter = Here().kind == TokenKind::kParameter && TypeOf(left) == Type::kColumn;
   (void)Sum();
+  const bool has_escape = IsWord(Word::kEscape);
+  const std::size_t escape = at_;
   if (SkipWord(Word::kEscape)) {
     (void)Sum();
   } else if (!traits_.pattern_end.empty()) {
     edits_.AppendBehind(at_ - 1, traits_.pattern_end);
   }
   lift_ = lift;
+  if (function.empty() || !compares_) return;
+  if (is_served && beginning.is_all) return;
+  if (is_parameter && first + 1 == at_) return;
+  is_renamed_ = true;
+  if (is_served && edits_.AreUnchanged(left.first, left.last)) {
+    const std::string column(
+        sql_.substr(tokens_[left.first].begin, tokens_[left.last].end - tokens_[left.first].begin));
+    const std::string pattern(TextOf(sql_, tokens_[first]));
+    edits_.Replace(first, TextConstant(beginning.text + "%") + " AND " + std::string(function) +
+                              "(" + column + "," + pattern + ")");
+    edits_.Wrap(left.first, first, "");
+    return;
+  }
+  if (is_negated) edits_.Remove(operation - 1);
+  edits_.Replace(operation, ",");
+  if (has_escape) edits_.Replace(escape, ",");
+  edits_.Wrap(left.first, at_ - 1, function);
+  if (is_negated) edits_.AppendBehind(at_ - 1, "=0");
 }
 
 // `left` = < > <= >= <> ..., where one stands here.

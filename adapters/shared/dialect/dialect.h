@@ -175,10 +175,10 @@ class Engine {
   /// its second one, numbers, texts and dates converted as Oracle does; empty where the engine's
   /// own comparisons do.
   [[nodiscard]] virtual std::string_view CompareFunction() const { return {}; }
-  /// Operator that leaves its operand as it is but keeps the engine from looking into a parameter
-  /// behind LIKE, for which it would prepare the statement again at each run; empty where it does
-  /// not look.
-  [[nodiscard]] virtual std::string_view HidingOperator() const { return {}; }
+  /// Function of a text, a pattern and an escape character that matches as LIKE does, for engines
+  /// whose own LIKE cannot be stopped; they keep it for a column beside a parameter, or beside a
+  /// constant whose beginning an index may serve. Empty where the engine's LIKE does for all.
+  [[nodiscard]] virtual std::string_view PatternFunction() const { return {}; }
   /// A constant that equals itself and nothing that a column of texts or of numbers may hold.
   [[nodiscard]] virtual std::string_view NoValue(bool /*is_text*/) const { return "x''"; }
   /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.

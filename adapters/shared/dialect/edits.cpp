@@ -86,6 +86,14 @@ std::uint32_t Edits::ClosingsOf(std::string_view function) {
   return 1 + static_cast<std::uint32_t>(std::count(inner.begin(), inner.end(), '('));
 }
 
+bool Edits::AreUnchanged(std::size_t first, std::size_t last) const {
+  return std::all_of(marks_.begin() + static_cast<std::ptrdiff_t>(first),
+                     marks_.begin() + static_cast<std::ptrdiff_t>(last) + 1, [](const Mark& mark) {
+                       return mark.output == Output::kSource && mark.closings == 0 &&
+                              mark.opening == kNone && mark.suffix == kNone;
+                     });
+}
+
 void Edits::Append(std::size_t token, std::string_view text) {
   Replace(token, std::string(TextOf(sql_, tokens_[token])) + std::string(text));
 }

@@ -29,6 +29,8 @@ class Edits {
   void Wrap(std::size_t first, std::size_t last, std::string_view function);
   /// Makes the tokens `CAST(... AS type)`.
   void Cast(std::size_t first, std::size_t last, std::string_view type);
+  /// Whether the tokens are written as they stand in the statement so far.
+  [[nodiscard]] bool AreUnchanged(std::size_t first, std::size_t last) const;
   /// Puts `text` behind a token that stays as it is.
   void Append(std::size_t token, std::string_view text);
   /// Puts `text` behind all that is written for a token, behind the ")" of its wraps too.

@@ -127,7 +127,7 @@ class Rewriter {
   void Predicate();
   void Comparison();
   bool OrderComparison(const Operand& left);
-  void Pattern(bool is_negated);
+  void Pattern(const Operand& left, std::size_t operation, bool is_negated);
   void Quantified(std::size_t operation);
   [[nodiscard]] Type TypeOf(Operand operand) const;
   void Between(const Operand& left);
