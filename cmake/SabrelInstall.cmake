@@ -17,6 +17,7 @@ foreach(header
     odbc/postgresql/site_builder.h
     servers/server_rowlink.h
     shared/conversation.h
+    shared/file_access.h
     shared/profiles.h
     sqlite/site_builder.h
     sqlite/sqlite_rowlink.h)

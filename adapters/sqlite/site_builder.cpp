@@ -41,10 +41,15 @@ void RemoveWithJournals(const std::string& path) noexcept {
 }
 
 /// Makes an empty file that nobody else has, and a site of it.
-void MakeSite(const std::string& path) {
-  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+void MakeSite(const std::string& path, FileAccess access) {
+  const int file =
+      ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, ModeOf(FileAccess::kOwner));
   if (file < 0) throw ServerFailure(1119, Reason("cannot create the file", path));
+  const bool is_widened = WidenTo(AccessBeside(path, access), file);
+  const int reason = errno;
   ::close(file);
+  errno = reason;
+  if (!is_widened) throw ServerFailure(1119, Reason("cannot share the file", path));
   sqlite3* handle = nullptr;
   int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
   const std::string mark =
@@ -130,14 +135,14 @@ struct SiteBuilder::Work {
   }
 };
 
-SiteBuilder::SiteBuilder(std::string path) : work_(std::make_unique<Work>()) {
+SiteBuilder::SiteBuilder(std::string path, FileAccess access) : work_(std::make_unique<Work>()) {
   work_->path = std::move(path);
   work_->unfinished = work_->path + kUnfinished + std::to_string(::getpid());
   RemoveLeftovers(work_->path);
-  work_->Guard([this] {
+  work_->Guard([this, access] {
     RequireFreePlace(work_->path);
     try {
-      MakeSite(work_->unfinished);
+      MakeSite(work_->unfinished, access);
     } catch (...) {
       RemoveWithJournals(work_->unfinished);
       throw;

@@ -1,7 +1,9 @@
 // Makes a site's file, whole or not at all.
 //
 // The file is built beside its final place and moved there at the end. Failures are database errors
-// (RuntimeError); Error() tells their details.
+// (RuntimeError); Error() tells their details. From its first byte on the file is its owner's
+// alone; with FileAccess::kGroup, or in a folder with the set-group-ID bit, it is the group's too,
+// and so are the journals that come to be beside it.
 //
 //   sabrel::sqlite::SiteBuilder site("plant.site");
 //   site.Execute("CREATE TABLE T (ID NUMBER(10) PRIMARY KEY)");
@@ -12,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/shared/file_access.h"
 #include "sabrel/platform/rowlink.h"
 
 namespace sabrel::sqlite {
@@ -20,7 +23,7 @@ class SiteBuilder {
  public:
   /// Errors: a database error with native number 1119 when `path`, or a journal of a file that is
   /// gone, exists, or its folder cannot be written
-  explicit SiteBuilder(std::string path);
+  explicit SiteBuilder(std::string path, FileAccess access = FileAccess::kOwner);
   /// Removes what was not finished.
   ~SiteBuilder();
   SiteBuilder(const SiteBuilder&) = delete;
