@@ -44,6 +44,8 @@ void ConsoleServices::WriteTrace(std::string_view text) {
 
 void ConsoleServices::WriteLog(std::string_view text) { log_.Write("log", text); }
 
+void ConsoleServices::WriteServerEntry(std::string_view text) { log_.Write("server", text); }
+
 std::int32_t ConsoleServices::ShowMessage(std::string_view text, std::int32_t style,
                                           std::string_view caption) {
   const std::lock_guard lock(box_mutex_);

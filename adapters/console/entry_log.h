@@ -1,9 +1,11 @@
 // Trace and log entries: to a file that rotates, or to the terminal when no file is named.
 //
 // One entry is one line with date, time, thread and kind; line breaks inside an entry are followed
-// by four blanks, so whatever starts with a digit in the first column starts an entry. A write that
-// fails is thrown to whoever wrote, and the next write opens the file anew: a disk that has room
-// again continues the log. Refuses to share its file: two processes must not rotate one log.
+// by four blanks, so whatever starts with a digit in the first column starts an entry. An entry is
+// one write at the file's end, so that processes may share a log. A write that fails is thrown to
+// whoever wrote, and the next write opens the file anew: a disk that has room again continues the
+// log. Refuses to continue, or to put aside or replace, what is no log: entries may hold passwords,
+// so that nobody but the owner, and with FileAccess::kGroup the group, can read the files.
 #pragma once
 
 #include <cstddef>
@@ -11,23 +13,29 @@
 #include <memory>
 #include <string_view>
 
+#include "adapters/console/output_file.h"
 #include "adapters/console/terminal.h"
 
 namespace sabrel {
 
 struct EntryLogOptions {
-  /// Empty writes to the terminal. Missing folders are made.
+  /// Empty writes to the terminal. Missing folders are made; an existing file must be a log.
   std::filesystem::path path;
   /// The file is put aside as <stem>.1<extension> before an entry that would make it longer.
   std::size_t rotate_at_bytes = std::size_t{10} * 1024 * 1024;
   /// How many files put aside are kept.
   std::size_t rotated_files = 3;
+  /// In a folder with the set-group-ID bit logs are the group's in any case.
+  FileAccess access = FileAccess::kOwner;
+  /// What neither the log nor a file put aside may be.
+  ReservedFiles reserved = {};
 };
 
 class EntryLog {
  public:
   /// Opens the file. `terminal` must outlive this object.
-  /// Errors: 75 naming the file and the reason
+  /// Errors: 75 naming the file and the reason: it, or a file in the place of one that is put
+  /// aside, cannot be opened, is no log or is reserved
   EntryLog(const EntryLogOptions& options, TerminalOutput& terminal);
   ~EntryLog();
   EntryLog(const EntryLog&) = delete;
