@@ -62,20 +62,42 @@ Context::~Context() {
 
 void Context::StartSession() {
   if (services_) return;
-  if (options.show_sql || !options.record.empty()) {
-    conversation_ = std::make_shared<ConversationLog>(options.show_sql, options.record,
-                                                      [this] { StopProgress(); });
-  }
+  SessionProfiles profiles = ReadSessionProfiles(options);
+  reserved_ = InputsOf(options, profiles.set);
+  auto services = OpenOutputs(reserved_);
+  reserved_.Add(options.log, "the log");
+  reserved_.Add(options.record, "the record");
+  profile_ =
+      InstallSession(options, std::move(profiles), services, conversation_, interrupts_, [this] {
+        if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
+      });
+  services_ = std::move(services);
+}
+
+// Nothing is written or emptied before everything has been opened.
+std::shared_ptr<AttentiveServices> Context::OpenOutputs(const ReservedFiles& inputs) {
   ConsoleServicesOptions console;
   console.answer = options.answer;
   console.trace = options.trace;
   console.log.path = options.log;
-  auto services = std::make_shared<AttentiveServices>(std::make_shared<ConsoleServices>(console),
-                                                      [this] { StopProgress(); });
-  profile_ = InstallSession(options, services, conversation_, interrupts_, [this] {
-    if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
-  });
-  services_ = std::move(services);
+  console.log.access = options.shared ? FileAccess::kGroup : FileAccess::kOwner;
+  console.log.reserved = inputs;
+  console.log.reserved.Add(options.record, "the record");
+  auto services = std::make_shared<ConsoleServices>(console);
+  const bool has_log = !options.log.empty();
+  if (options.show_sql || has_log || !options.record.empty()) {
+    ConversationLogOptions conversation;
+    conversation.show = options.show_sql;
+    conversation.record = options.record;
+    conversation.reserved = inputs;
+    conversation.reserved.Add(options.log, "the log");
+    conversation.before_showing = [this] { StopProgress(); };
+    if (has_log) {
+      conversation.log = [services](std::string_view text) { services->WriteServerEntry(text); };
+    }
+    conversation_ = std::make_shared<ConversationLog>(std::move(conversation));
+  }
+  return std::make_shared<AttentiveServices>(std::move(services), [this] { StopProgress(); });
 }
 
 void Context::RequireServer() const {

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "adapters/console/console_services.h"
 #include "cli/attentive_services.h"
@@ -35,6 +36,9 @@ struct Options {
   std::string record;
   /// Version of the spreadsheet application; empty when it is not installed.
   std::string spreadsheet;
+  /// Further files that the command line reads or makes: no output may be one of them.
+  std::vector<std::string> inputs;
+  bool shared = false;
   bool trace = false;
   bool show_sql = false;
   Format format = Format::kTable;
@@ -91,9 +95,12 @@ class Context {
   /// Of the server that serves what names no other one; inside an action only.
   [[nodiscard]] const ConnectionProfile& SessionProfile() const noexcept { return profile_; }
 
+  /// What no file that a command writes may be: what this run reads, and its record and log.
+  [[nodiscard]] const ReservedFiles& Reserved() const noexcept { return reserved_; }
+
   [[nodiscard]] Output& Out() noexcept { return out_; }
   [[nodiscard]] Interrupts& Signals() noexcept { return interrupts_; }
-  /// Errors: 75 when the record is not complete
+  /// Errors: 75 when the record or the log is not complete
   void RequireCompleteRecord() const;
 
   Options options;
@@ -104,12 +111,14 @@ class Context {
 
  private:
   void StartSession();
+  [[nodiscard]] std::shared_ptr<AttentiveServices> OpenOutputs(const ReservedFiles& inputs);
   int Attempt(const Action& action);
   void ForgetFailures();
   int Report(const CErrorObject& end);
 
   Interrupts& interrupts_;
   Output out_{1};
+  ReservedFiles reserved_;
   std::shared_ptr<AttentiveServices> services_;
   std::shared_ptr<ConversationLog> conversation_;
   std::unique_ptr<Progress> progress_;

@@ -1,10 +1,9 @@
 #include "cli/conversation_log.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
+#include <iomanip>
+#include <sstream>
 #include <utility>
 
 #include "adapters/console/access_failure.h"
@@ -13,38 +12,40 @@
 namespace sabrel::cli {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::string_view kContinuation = "\n     ";
 
-// What was typed behind --record by mistake - the site, say - must not be lost to it.
-void RequireRecordOrNothing(const std::filesystem::path& path) {
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(path, ignored)) return;
-  std::ifstream file(path, std::ios::binary);
-  const int first = file.get();
-  if (first != std::ifstream::traits_type::eof() && first != '{') {
-    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
-                       "The file " + path.string() +
-                           " exists and is no record; name another file or remove this one");
+std::string FailureText(const ConversationFailure& failure) {
+  if (failure.database) {
+    return "database error " + std::to_string(failure.database->native_number) + ": " +
+           failure.database->message;
   }
+  const std::int32_t connection = CarriedConnectionCode(failure.number);
+  return (connection != 0 ? "connection error " + std::to_string(connection)
+                          : "error " + std::to_string(failure.number)) +
+         ": " + failure.description;
+}
+
+std::string Seconds(Clock::duration time) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(3) << std::chrono::duration<double>(time).count() << " s";
+  return text.str();
 }
 
 }  // namespace
 
-ConversationLog::ConversationLog(bool show, std::filesystem::path record,
-                                 std::function<void()> before_showing)
-    : show_(show), path_(std::move(record)), before_showing_(std::move(before_showing)) {
-  if (path_.empty()) return;
-  RequireRecordOrNothing(path_);
+ConversationLog::ConversationLog(ConversationLogOptions options) : options_(std::move(options)) {
+  if (options_.record.empty()) return;
   // A record holds data: nobody else is to read it.
-  const int descriptor = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  if (descriptor < 0) throw AccessFailure("The record " + path_.string(), errno);
-  ::close(descriptor);
-  record_.open(path_, std::ios::binary);
-  if (!record_) throw AccessFailure("The record " + path_.string(), errno);
+  const std::string name = "The record " + options_.record.string();
+  record_ = OutputFile(options_.record, {name, "record", FileAccess::kOwner, StartsRecord},
+                       options_.reserved);
+  if (const int failure = record_.Empty(); failure != 0) throw AccessFailure(name, failure);
 }
 
 std::string Described(const ConversationEntry& entry) {
-  std::string text = "  -- " + std::string(OperationWord(entry.operation));
+  std::string text(OperationWord(entry.operation));
   const DataServerAddress& address = entry.address;
   if (!address.host.empty()) text += ", host " + address.host;
   if (address.port != 0) text += ", port " + std::to_string(address.port);
@@ -69,32 +70,65 @@ std::string Described(const ConversationEntry& entry) {
   return VisibleText(text, "\n");
 }
 
-void ConversationLog::Sent(const ConversationEntry& entry) noexcept {
-  if (!show_) return;
+void ConversationLog::Show(const ConversationEntry& entry) const {
+  options_.before_showing();
+  std::fputs(("  -- " + Described(entry)).c_str(), stderr);
+  std::fflush(stderr);
+}
+
+void ConversationLog::Keep(const ConversationEntry& entry) noexcept {
+  if (!record_.IsOpen() || record_failure_ != 0) return;
   try {
-    before_showing_();
-    std::fputs(Described(entry).c_str(), stderr);
-    std::fflush(stderr);
+    record_failure_ = record_.Write(EntryLine(entry));
+  } catch (...) {
+    record_failure_ = ENOMEM;
+  }
+}
+
+void ConversationLog::Log(const std::string& text) {
+  try {
+    options_.log(text);
+  } catch (const RuntimeError& failure) {
+    if (log_failure_.empty()) log_failure_ = failure.Description();
+  }
+}
+
+void ConversationLog::LogEnd(const ConversationEntry& entry) {
+  const auto started = under_way_.extract(entry.id);
+  const std::string time =
+      started.empty() ? "" : " after " + Seconds(Clock::now() - started.mapped());
+  const std::string number = std::to_string(entry.id);
+  Log(entry.failure ? "Failed " + number + time + ": " + FailureText(*entry.failure)
+                    : "Done " + number + time);
+}
+
+void ConversationLog::Sent(const ConversationEntry& entry) noexcept {
+  Keep(entry);
+  try {
+    if (options_.show) Show(entry);
+    if (!options_.log) return;
+    Log("Sending " + std::to_string(entry.id) + ": " + Described(entry));
+    under_way_.emplace(entry.id, Clock::now());
   } catch (...) {  // Out of memory: the statement goes its way unseen.
     std::fputs("  -- a statement that is too long to show\n", stderr);
   }
 }
 
 void ConversationLog::Answered(const ConversationEntry& entry) noexcept {
-  if (path_.empty() || failure_ != 0) return;
+  Keep(entry);
   try {
-    errno = 0;
-    WriteEntry(record_, entry);
-    record_.flush();
-    if (!record_) failure_ = errno != 0 ? errno : EIO;
-  } catch (...) {
-    failure_ = ENOMEM;
+    if (options_.log && entry.end != ConversationEntry::End::kOpen) LogEnd(entry);
+  } catch (...) {  // Out of memory: nothing is left to tell it with.
   }
 }
 
 void ConversationLog::RequireComplete() const {
-  if (failure_ != 0) {
-    throw AccessFailure("The record " + path_.string() + " is not complete", failure_);
+  if (record_failure_ != 0) {
+    throw AccessFailure("The record " + options_.record.string() + " is not complete",
+                        record_failure_);
+  }
+  if (!log_failure_.empty()) {
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure, log_failure_);
   }
 }
 

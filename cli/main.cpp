@@ -78,10 +78,27 @@ void AddOptions(CLI::App& app, Options& options) {
            answers);
   app.add_flag("--show-sql", options.show_sql,
                "Show each statement, argument and time-out that is sent, without passwords");
-  app.add_option("--record", options.record, "Keep what was sent and answered, as JSON lines");
+  app.add_option("--record", options.record,
+                 "Keep what is sent and answered, as JSON lines; replaces an older record only");
   app.add_flag("--trace", options.trace,
                "Write trace lines; those of `validate` show the user's password");
-  app.add_option("--log", options.log, "File for log and trace lines (default: standard error)");
+  app.add_option("--log", options.log,
+                 "File for log and trace lines (default: standard error), with each statement, as "
+                 "--show-sql shows it, before it is sent");
+  app.add_flag("--shared", options.shared,
+               "Let the group read and write a new site and the log, as in a folder with the "
+               "set-group-ID bit (default: the owner only)");
+}
+
+// The files that the command reads or makes; the global options' are known anyhow.
+void CollectFiles(const CLI::App& parser, std::vector<std::string>& files) {
+  for (const CLI::App* command : parser.get_subcommands()) {
+    for (const char* name : {"FILE", "--password-file"}) {
+      const CLI::Option* option = command->get_option_no_throw(name);
+      if (option != nullptr && option->count() > 0) files.push_back(option->as<std::string>());
+    }
+    CollectFiles(*command, files);
+  }
 }
 
 // A site of the environment is a default only: a profile file takes its place.
@@ -119,6 +136,7 @@ int RunProgram(int argc, char** argv) {
   try {
     if (const auto ended = Parse(app, context, argc, argv)) return *ended;
     ReadEnvironment(context.options);
+    CollectFiles(app, context.options.inputs);
     status = context.session ? context.session(context) : context.Run(context.action);
     context.RequireCompleteRecord();
   } catch (const OutputClosed&) {

@@ -8,20 +8,18 @@
 #include "adapters/servers/server_rowlink.h"
 #include "sabrel/platform/platform.h"
 #include "sabrel/platform/runtime_error.h"
+#include "sabrel/platform/utf8.h"
 
 namespace sabrel::cli {
-namespace {
-
-ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings) {
+SessionProfiles ReadSessionProfiles(const Options& options) {
   if (options.profile_file.empty()) {
     ConnectionProfile site;
     site.Name = "site";
     site.Driver = "sqlite";
     site.Database = options.site;
-    return ProfileSet(std::move(site));
+    return {ProfileSet(std::move(site))};
   }
   ProfileFile file = ReadProfileFile(options.profile_file);
-  warnings = std::move(file.warnings);
   if (!options.profile_name.empty()) {
     try {
       file.profiles.UseForSession(options.profile_name);
@@ -29,23 +27,30 @@ ProfileSet ProfilesOf(const Options& options, std::vector<std::string>& warnings
       throw UsageError(unknown.Description());
     }
   }
-  return std::move(file.profiles);
+  return {std::move(file.profiles), std::move(file.warnings)};
 }
 
-}  // namespace
-
-ConnectionProfile SessionProfileOf(const Options& options) {
-  std::vector<std::string> ignored;
-  return ProfilesOf(options, ignored).Session();
+ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles) {
+  ReservedFiles inputs;
+  for (const ConnectionProfile& profile : profiles.All()) {
+    if (profile.Database.empty() || !EqualIgnoringCase(profile.Driver, "sqlite")) continue;
+    inputs.Add(profile.Database, "the session's site");
+    for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+      inputs.Add(profile.Database + suffix, "part of the session's site");
+    }
+  }
+  inputs.Add(options.profile_file, "the profile file");
+  inputs.Add(options.registry, "the registry file");
+  for (const std::string& input : options.inputs) inputs.Add(input, "a file of this command");
+  inputs.Add("/dev/stdin", "standard input");
+  return inputs;
 }
 
-ConnectionProfile InstallSession(const Options& options,
+ConnectionProfile InstallSession(const Options& options, SessionProfiles profiles,
                                  std::shared_ptr<AttentiveServices> services,
                                  std::shared_ptr<ConversationLog> conversation,
                                  Interrupts& interrupts, std::function<void()> on_failed_query) {
-  std::vector<std::string> warnings;
-  ProfileSet profiles = ProfilesOf(options, warnings);
-  for (const std::string& warning : warnings) {
+  for (const std::string& warning : profiles.warnings) {
     services->ShowMessage(warning, kBoxExclamation, "sabrel");
   }
   ConsoleApplicationOptions application;
@@ -57,7 +62,7 @@ ConnectionProfile InstallSession(const Options& options,
   shared.registry = options.registry.empty() ? std::make_shared<RegistryFile>()
                                              : std::make_shared<RegistryFile>(options.registry);
   shared.spreadsheet = std::make_shared<ConfiguredSpreadsheet>(options.spreadsheet);
-  InstallPlatform([=, &interrupts] {
+  InstallPlatform([=, &interrupts, profiles = profiles.set] {
     Platform platform = shared;
     platform.rowlink = MakeServerRowlink(profiles);
     if (conversation) {
@@ -68,7 +73,7 @@ ConnectionProfile InstallSession(const Options& options,
     interrupts.Watch(platform.rowlink);
     return platform;
   });
-  return profiles.Session();
+  return profiles.set.Session();
 }
 
 }  // namespace sabrel::cli

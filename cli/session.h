@@ -3,20 +3,31 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "adapters/shared/profiles.h"
 #include "cli/context.h"
 
 namespace sabrel::cli {
 
-/// The profile that the options name. Errors: 75 for a profile file that cannot be used; UsageError
-/// for an unknown profile name
-[[nodiscard]] ConnectionProfile SessionProfileOf(const Options& options);
+struct SessionProfiles {
+  ProfileSet set;
+  /// As ProfileFile's.
+  std::vector<std::string> warnings = {};
+};
+
+/// The profiles that the options name. Errors: 75 for a profile file that cannot be used;
+/// UsageError for an unknown profile name
+[[nodiscard]] SessionProfiles ReadSessionProfiles(const Options& options);
+
+/// The files that a run with these options reads, standard input among them.
+[[nodiscard]] ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles);
 
 /// Installs the platform for this thread and returns the session's profile; `conversation` may be
 /// null. `on_failed_query` is told after each query that failed, when the error object tells why.
-/// Errors: 75 or 321 for a profile or registry file that cannot be used; UsageError for an unknown
-/// profile name
-ConnectionProfile InstallSession(const Options& options,
+/// Errors: 75 or 321 for a registry file that cannot be used
+ConnectionProfile InstallSession(const Options& options, SessionProfiles profiles,
                                  std::shared_ptr<AttentiveServices> services,
                                  std::shared_ptr<ConversationLog> conversation,
                                  Interrupts& interrupts, std::function<void()> on_failed_query);

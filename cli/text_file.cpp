@@ -7,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 
 #include "adapters/console/access_failure.h"
 #include "adapters/console/terminal.h"
@@ -86,12 +85,17 @@ void RequireSendable(std::string_view text, const std::string& path) {
                          (is_input ? "" : " < " + path));
 }
 
-// What was typed behind --file by mistake must not cost the site.
-void RequireNoSite(const Context& context, const std::string& path) {
-  std::error_code ignored;
-  if (!std::filesystem::equivalent(path, context.SessionProfile().Database, ignored)) return;
-  throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
-                     "The file " + path + " is the session's site; name another file");
+// What was named by mistake must not be lost.
+void RequireReplaceable(const Context& context, int descriptor, const std::string& what,
+                        bool replace) {
+  struct stat facts {};
+  if (::fstat(descriptor, &facts) != 0) throw AccessFailure(what, errno);
+  context.Reserved().RequireOther(facts, what);
+  if (!replace && S_ISREG(facts.st_mode) && facts.st_size > 0) {
+    throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
+                       what + " is not empty; name another file, or add --replace");
+  }
+  if (S_ISREG(facts.st_mode) && ::ftruncate(descriptor, 0) != 0) throw AccessFailure(what, errno);
 }
 
 void WriteSlices(Context& context, Output& out, std::string_view text) {
@@ -133,12 +137,13 @@ std::string ReadText(Context& context, const std::string& path) {
   return text;
 }
 
-void WriteText(Context& context, std::string_view text, const std::string& path) {
+void WriteText(Context& context, std::string_view text, const std::string& path, bool replace) {
   if (!path.empty()) {
-    RequireNoSite(context, path);
     const std::string what = "The file " + path;
+    context.Reserved().RequireOther(path, what);
     constexpr int kMode = 0666;
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kMode), what);
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kMode), what);
+    RequireReplaceable(context, file.Get(), what, replace);
     Output out(file.Get(), what);
     WriteSlices(context, out, text);
     file.Close(what);

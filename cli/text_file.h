@@ -19,10 +19,11 @@ namespace sabrel::cli {
 /// OutputCancelled
 [[nodiscard]] std::string ReadText(Context& context, const std::string& path);
 
-/// Writes to the file, in the place of what it held, or to standard output when `path` is empty. A
-/// terminal gets the text with its control characters made visible. Errors: 75, also for the file
-/// that is the session's site; as Output::Write; OutputCancelled
-void WriteText(Context& context, std::string_view text, const std::string& path);
+/// Writes to the file, with `replace` in the place of what it held, or to standard output when
+/// `path` is empty. A terminal gets the text with its control characters made visible. Errors: 75,
+/// also for a file that is reserved (Context::Reserved) or, without `replace`, not empty; as
+/// Output::Write; OutputCancelled
+void WriteText(Context& context, std::string_view text, const std::string& path, bool replace);
 
 /// Where the first character starts that no statement can hold: an invalid byte or U+0000.
 [[nodiscard]] std::optional<std::size_t> FirstUnsendable(std::string_view text) noexcept;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "adapters/shared/statement_secrets.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/utf8.h"
 
@@ -47,8 +48,22 @@ class RecordingRowlink::Recorder {
            std::ranges::find(secrets_, parameter.value) != secrets_.end();
   }
 
-  void Sent(const Entry& entry) const { listener_->Sent(entry); }
+  // From here on `entry` is the answer's.
+  void Sent(Entry& entry) const {
+    listener_->Sent(entry);
+    StartPart(entry);
+  }
   void Answered(const Entry& entry) const { listener_->Answered(entry); }
+  [[nodiscard]] bool WantsRows() const { return listener_->WantsRows(); }
+
+  static void StartPart(Entry& entry) {
+    Entry part;
+    part.id = entry.id;
+    part.operation = entry.operation;
+    part.end = entry.end;
+    part.continues = true;
+    entry = std::move(part);
+  }
 
   // For a `catch` only: tells the failure being handled.
   void Failed(Entry& entry) const {
@@ -68,7 +83,7 @@ class RecordingRowlink::Recorder {
  private:
   // Only whole constants are replaced: a short password must not punch holes into other words.
   [[nodiscard]] std::string WithoutSecrets(std::string_view text) const {
-    std::string cleaned(text);
+    std::string cleaned = WithoutDeclaredPasswords(text);
     for (const std::string& secret : secrets_) {
       cleaned = ReplaceAll(cleaned, "'" + ReplaceAll(secret, "'", "''") + "'",
                            "'" + std::string(kHidden) + "'");
@@ -140,6 +155,7 @@ class RecordingRowlink::LinkCursor final : public Cursor {
       bytes_ += BytesOf(row.back());
     }
     block.EndRow();
+    if (!recorder_->WantsRows()) return;
     entry_.rows.push_back(std::move(row));
     if (bytes_ >= kPartBytes) Tell(Entry::End::kOpen);
   }
@@ -159,12 +175,7 @@ class RecordingRowlink::LinkCursor final : public Cursor {
   void Tell(Entry::End end) {
     entry_.end = end;
     recorder_->Answered(entry_);
-    Entry rest;
-    rest.id = entry_.id;
-    rest.operation = entry_.operation;
-    rest.end = end;
-    rest.continues = true;
-    entry_ = std::move(rest);
+    Recorder::StartPart(entry_);
     bytes_ = 0;
   }
 
@@ -292,6 +303,16 @@ std::string_view OperationWord(ConversationEntry::Operation operation) noexcept 
     case Entry::Operation::kRequest: return "request";
     case Entry::Operation::kCall: return "call";
     case Entry::Operation::kWrite: return "write";
+  }
+  return "";
+}
+
+std::string_view EndWord(ConversationEntry::End end) noexcept {
+  switch (end) {
+    case Entry::End::kOpen: return "open";
+    case Entry::End::kDone: return "done";
+    case Entry::End::kLeft: return "left";
+    case Entry::End::kFailed: return "failed";
   }
   return "";
 }

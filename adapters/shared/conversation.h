@@ -3,11 +3,12 @@
 // `RecordingRowlink` stands between the component and any Rowlink: everything passes through
 // unchanged, and a listener hears each statement before it is sent and each answer as it arrives.
 // Entries can be written as lines of JSON and read back with every value of the kind it had, so
-// that a scripted double answers a test with what a real server once said. Long answers are told in
-// parts, so that listening takes constant memory.
+// that a scripted double answers a test with what a real server once said. Each entry is told in
+// parts: the request before it is sent, so that a server that never answers leaves its trace, then
+// the answer, a long one in several parts, so that listening takes constant memory.
 //
-// Refuses to hold a secret: addresses have no password, and a password that stands as a constant or
-// as a parameter is replaced by "***".
+// Refuses to hold a secret: addresses have no password, and a password that stands as a constant,
+// as a parameter or after IDENTIFIED BY is replaced by "***".
 #pragma once
 
 #include <cstdint>
@@ -51,21 +52,27 @@ struct ConversationEntry {
   RoutineOutcome outcome;
   End end = End::kOpen;
   std::optional<ConversationFailure> failure;
-  /// Not the first part: holds nothing but id, rows and end.
+  /// A part of the answer: holds id and operation, and of the rest what was answered. The columns
+  /// come with its first part.
   bool continues = false;
 };
 
 /// "query", "request", "call", "write"
 [[nodiscard]] std::string_view OperationWord(ConversationEntry::Operation operation) noexcept;
+/// "open", "done", "left", "failed"
+[[nodiscard]] std::string_view EndWord(ConversationEntry::End end) noexcept;
 
 class ConversationListener {
  public:
   virtual ~ConversationListener() = default;
-  /// Before the entry is sent. Errors: none; a failure to listen must not change what is listened
-  /// to
+  /// The request, before it is sent; its end is kOpen. Errors: none; a failure to listen must not
+  /// change what is listened to
   virtual void Sent(const ConversationEntry& entry) noexcept = 0;
-  /// An answer, or a part of one: all but the last part have the end kOpen. Errors: none
+  /// An answer, or a part of one (`continues`): all but the last part have the end kOpen.
+  /// Errors: none
   virtual void Answered(const ConversationEntry& entry) noexcept = 0;
+  /// Whether answers are to come with their rows, which costs a copy of each.
+  [[nodiscard]] virtual bool WantsRows() const noexcept { return true; }
 };
 
 /// Passes everything on to `inner`. One per thread, as the Rowlink that it stands before.
@@ -90,12 +97,17 @@ class RecordingRowlink final : public LinkedRowlink {
   std::shared_ptr<Recorder> recorder_;
 };
 
-/// Writes `entry` or one part of it as one line. Errors: none of its own; the stream's state tells
-void WriteEntry(std::ostream& out, const ConversationEntry& entry);
+/// `entry`, or one part of it, as one line with its line break.
+[[nodiscard]] std::string EntryLine(const ConversationEntry& entry);
 
 /// The entries in the order of their first parts, parts put together again. An entry cut off by the
-/// end of the program has the end kOpen; a last line without its line break is ignored. Errors: 321
-/// naming the line that is none of WriteEntry's
+/// end of the program has the end kOpen; a last line without its line break is ignored, if it
+/// starts as an entry does. Errors: 321 naming the line that is none of EntryLine's, and why: what
+/// is missing, unknown, given twice, of another kind or range than EntryLine writes, or continues
+/// nothing. 75 when `in` cannot be read
 [[nodiscard]] std::vector<ConversationEntry> ReadEntries(std::istream& in);
+
+/// Whether `line`, without its line break, can be the first line of a record.
+[[nodiscard]] bool StartsRecord(std::string_view line) noexcept;
 
 }  // namespace sabrel

@@ -1,11 +1,12 @@
 // `site create`: a new file with the sample site, or the site in the database of a profile.
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <memory>
 
 #include "adapters/odbc/postgresql/site_builder.h"
 #include "adapters/sqlite/sqlite_rowlink.h"
 #include "cli/commands/commands.h"
-#include "cli/session.h"
 #include "site/sample_site.h"
 
 namespace sabrel::cli {
@@ -46,12 +47,24 @@ void RequireNoFile(const std::string& file) {
   }
 }
 
+// The journals of a site come to be and go with its users, whose own group they would have.
+void NoteFolder(Context& context, const std::string& file) {
+  std::filesystem::path folder = std::filesystem::path(file).parent_path();
+  if (folder.empty()) folder = ".";
+  struct stat facts {};
+  constexpr mode_t kNeeded = S_ISGID | S_IRWXG;
+  if (::stat(folder.c_str(), &facts) == 0 && (facts.st_mode & kNeeded) == kNeeded) return;
+  context.Note("Warning: the group cannot work in the folder " + folder.string() +
+               "; chgrp GROUP and chmod g+rwxs help, there and chgrp for the site");
+}
+
 int CreateFile(Context& context, const SiteArguments& arguments) {
   RequireNoFile(arguments.file);
   const auto statements = SampleSiteStatements(ReleaseOf(arguments));
   std::unique_ptr<sqlite::SiteBuilder> builder;
   try {
-    builder = std::make_unique<sqlite::SiteBuilder>(arguments.file);
+    builder = std::make_unique<sqlite::SiteBuilder>(
+        arguments.file, context.options.shared ? FileAccess::kGroup : FileAccess::kOwner);
     for (const std::string_view statement : statements) {
       if (context.Signals().Cancelled()) throw OutputCancelled();
       builder->Execute(statement);
@@ -61,11 +74,12 @@ int CreateFile(Context& context, const SiteArguments& arguments) {
     Fail(arguments.file, builder ? builder->Error() : DatabaseError{}, failure);
   }
   Tell(context, arguments.file, arguments, statements.size());
+  if (context.options.shared) NoteFolder(context, arguments.file);
   return kDone;
 }
 
 int CreateOnServer(Context& context, const SiteArguments& arguments) {
-  const ConnectionProfile profile = SessionProfileOf(context.options);
+  const ConnectionProfile& profile = context.SessionProfile();
   const std::string where = "in the database " + profile.Database + " of " + profile.Name;
   const auto statements = PostgresqlSiteStatements(ReleaseOf(arguments));
   std::unique_ptr<odbc::SiteBuilder> builder;

@@ -34,6 +34,8 @@ int Copy(Context& context, const CopyArguments& arguments) {
 struct TextArguments {
   std::int32_t id = 0;
   std::string file;
+  /// Of the file that a text is loaded into.
+  bool replace = false;
   LineMode mode;
 };
 
@@ -58,7 +60,7 @@ int Load(Context& context, const TextArguments& arguments) {
       GDBString::LoadDBString(arguments.id, true, kRowEnd)->Text().empty()) {
     return NoText(context, arguments.id);
   }
-  WriteText(context, text->Text(), arguments.file);
+  WriteText(context, text->Text(), arguments.file, arguments.replace);
   return kDone;
 }
 
@@ -167,8 +169,10 @@ void AddReading(CLI::App& text, Context& context) {
                                   std::string(kNoTextHelp),
                               [load_arguments](Context& c) { return Load(c, *load_arguments); });
   AddId(load, *load_arguments);
-  load.add_option("--file", load_arguments->file,
-                  "Write to this file, in the place of what it holds");
+  CLI::Option* file = load.add_option("--file", load_arguments->file,
+                                      "Write to this file, which has to be new or empty");
+  load.add_flag("--replace", load_arguments->replace, "Write in the place of what the file holds")
+      ->needs(file);
   AddLineMode(load, load_arguments->mode);
 
   const auto lines_arguments = std::make_shared<TextArguments>();

@@ -88,7 +88,7 @@ TEST_F(CommandLine, TellsFailuresByStatusAndMessage) {
       {"output on a full disk", "query `SELECT 1 FROM DUAL` > /dev/full", 4, "", "No space left"},
       {"log on a full disk", "--log /dev/full query nope", 4, "", "No space left"},
       {"record on a full disk", "--record /dev/full now", 4, nullptr, "No space left"},
-      {"record over a site", "--record @/plant.site now", 4, "", "no record"},
+      {"record over a site", "--record @/plant.site now", 4, "", "the session's site too"},
       {"site again", "site create @/plant.site", 4, "", "@/plant.site exists"},
       {"missing site", "--site @/none.site now", 4, "", "@/none.site"},
       {"bad profile", "--profile @/bad.profiles now", 4, "", "bad.profiles:2"},

@@ -15,6 +15,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::Field;
+using ::testing::HasSubstr;
 using ::testing::SizeIs;
 using Entry = ConversationEntry;
 
@@ -25,18 +26,18 @@ std::vector<Entry> EntriesIn(const std::string& text) {
 
 class Listener final : public ConversationListener {
  public:
-  void Sent(const Entry&) noexcept override {}
+  void Sent(const Entry& entry) noexcept override { Answered(entry); }
   void Answered(const Entry& entry) noexcept override {
     ++parts;
-    WriteEntry(text, entry);
+    text += EntryLine(entry);
   }
-  std::ostringstream text;
+  std::string text;
   int parts = 0;
 };
 
 class Conversation : public ::testing::Test {
  protected:
-  [[nodiscard]] std::vector<Entry> Entries() const { return EntriesIn(listener_->text.str()); }
+  [[nodiscard]] std::vector<Entry> Entries() const { return EntriesIn(listener_->text); }
 
   ScriptedPlatform platform_;
   std::shared_ptr<Listener> listener_ = std::make_shared<Listener>();
@@ -49,6 +50,7 @@ TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {
       Variant(std::numeric_limits<std::int32_t>::min()),
       Variant(2.0),
       Variant(0.1 + 0.2),
+      Variant(-std::numeric_limits<double>::infinity()),
       Variant(Decimal::Parse("12345678901234567890.01")),
       Variant(Date(-1.25)),
       Variant(""),
@@ -70,7 +72,7 @@ TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {
   EXPECT_EQ(entries[0].address.host, "host");
   EXPECT_EQ(entries[0].address.port, 7);
   EXPECT_EQ(entries[0].address.timeout_s, 9);
-  EXPECT_EQ(listener_->text.str().find("secret"), std::string::npos);
+  EXPECT_EQ(listener_->text.find("secret"), std::string::npos);
 }
 
 TEST_F(Conversation, TellsLongAnswersInPartsAndWhereTheyWereLeft) {
@@ -81,7 +83,7 @@ TEST_F(Conversation, TellsLongAnswersInPartsAndWhereTheyWereLeft) {
   rows->Close();
   const auto entries = Entries();
   ASSERT_THAT(entries, SizeIs(1));
-  EXPECT_GT(listener_->parts, 2);
+  EXPECT_GT(listener_->parts, 3);
   EXPECT_EQ(entries[0].end, Entry::End::kLeft);
   EXPECT_GT(entries[0].rows.size(), 30000U);
   EXPECT_LT(entries[0].rows.size(), 60000U);
@@ -111,11 +113,96 @@ TEST_F(Conversation, KeepsCallsAndWritesAndHidesPasswordsInThem) {
   EXPECT_THAT(entries[1].row_set.rows, ElementsAre("1"));
 }
 
-TEST(Record, RefusesLinesThatAreNoEntriesAndIgnoresOneCutShort) {
-  for (const char* text : {"[]\n", "{}\n", "{\"id\":1,\"end\":\"done\"}\n", "nonsense\n"}) {
-    EXPECT_THROW(static_cast<void>(EntriesIn(text)), RuntimeError) << text;
+// A statement without an answer is in the record, with no word that is a password.
+TEST_F(Conversation, HoldsWhatIsSentBeforeItIsAnswered) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"ALTER USER a IDENTIFIED BY s3cret REPLACE \"s3cret 2\"",
+       "ALTER USER a IDENTIFIED BY *** REPLACE ***"},
+      {"create user a identified/**/by values 's3''cret';",
+       "create user a identified/**/by values ***;"},
+      {"BEGIN EXECUTE IMMEDIATE 'ALTER ROLE a PASSWORD ''s3cret'''; END;",
+       "BEGIN EXECUTE IMMEDIATE 'ALTER ROLE a PASSWORD ***'; END;"},
+      {"CREATE USER a IDENTIFIED BY \"s3cret", "CREATE USER a IDENTIFIED BY ***"},
+      {"SELECT Password, 'IDENTIFIED' FROM T", "SELECT Password, 'IDENTIFIED' FROM T"},
+  };
+  for (const auto& [sql, kept] : rows) {
+    listener_->text.clear();
+    platform_.Answer(Refusal{DatabaseError{942, "S", "O", sql, "D"}, 0});
+    EXPECT_THROW(rowlink_.MakeRecordset()->Open(sql, "", 0, "", "", 0), RuntimeError);
+    const auto cut = EntriesIn(listener_->text.substr(0, listener_->text.find('\n') + 1));
+    ASSERT_THAT(cut, ElementsAre(Field(&Entry::statement, kept)));
+    EXPECT_EQ(cut[0].end, Entry::End::kOpen);
+    EXPECT_EQ(Entries()[0].failure->database->message, kept);
   }
-  EXPECT_THAT(EntriesIn("{\"id\":1,\"operation\":\"que"), SizeIs(0));
+}
+
+TEST(Record, RefusesWhatIsNoEntryNamingLineAndReason) {
+  const std::string call =
+      "{`id`:1,`operation`:`call`,`statement`:`P`,`host`:``,`port`:0,`user`:``,`timeout`:0,"
+      "`parameters`:[{`value`:`v`,`type`:`t`,`name`:`n`}],`end`:`open`}\n";
+  const std::string query =
+      "{`id`:2,`operation`:`query`,`statement`:`S`,`host`:``,`port`:0,`user`:``,`timeout`:0,"
+      "`end`:`open`}\n{`id`:2,`columns`:[`A`],`rows`:[[1.5]],`end`:`open`}\n";
+  const std::string end = "{`id`:1,`result`:null,`outputs`:[[]],`end`:`done`}\n";
+  const struct {
+    const char* name;
+    std::string part;
+    std::string instead;
+    const char* told;
+  } rows[] = {
+      {"word", call, "nonsense\n", "Line 1 is no recorded entry: its byte 2 is no JSON"},
+      {"nested", "[[1.5]]", std::string(200000, '['),
+       "Line 3 is no recorded entry: it is nested too deeply"},
+      {"beyond 32 bits", "`port`:0", "`port`:4294967301", "the port is out of range"},
+      {"beyond 64 bits", "1.5", "99999999999999999999", "out of range"},
+      {"beyond a double", "1.5", "1e999", "out of range"},
+      {"truth for a number", "`port`:0", "`port`:true", "the port is no whole number"},
+      {"double for a number", "`timeout`:0", "`timeout`:1e300", "the time-out is no whole number"},
+      {"word for a number", "`port`:0", "`port`:`nonsense`", "the port is no whole number"},
+      {"truth for a value", "1.5", "true", "a value is no object"},
+      {"number for a text", "`statement`:`S`", "`statement`:5", "the statement is no text"},
+      {"byte", "`S`", "{`bytes`:[256]}", "a byte is out of range"},
+      {"date", "1.5", "{`date`:1e300}", "a date is out of range"},
+      {"whole date", "1.5", "{`date`:1}", "a date is no number"},
+      {"decimal", "1.5", "{`decimal`:`1,5`}", "a decimal is no number"},
+      {"two kinds", "1.5", "{`date`:1.5,`decimal`:`1`}", "unknown or misplaced"},
+      {"object for rows", "[[1.5]]", "{`a`:1}", "\"rows\" is no array"},
+      {"cells", "[[1.5]]", "[[1.5,2]]", "a row has 2 values for 1 columns"},
+      {"columns again", "{`id`:1,`res", "{`id`:2,`columns`:[`B`],`end`:`done`}\n{`id`:1,`res",
+       "Line 4 is no recorded entry: it has an unknown or misplaced \"columns\""},
+      {"rows of a call", "`result`:null", "`rows`:[],`result`:null", "\"rows\""},
+      {"outputs", "[[]]", "[]", "0 outputs for 1 parameters"},
+      {"no result", "`result`:null,", "", "it has no \"result\""},
+      {"failure of a success", "`done`}", "`done`,`failure`:{}}", "\"failure\""},
+      {"no failure", "`done`", "`failed`", "it has no \"failure\""},
+      {"unknown end", "`done`", "`gone`", "\"gone\" is no end"},
+      {"unknown operation", "`query`", "`ask`", "\"ask\" is no operation"},
+      {"unknown key", "`host`", "`boast`", "it has no \"host\""},
+      {"key twice", "`port`:0", "`port`:0,`port`:1", "the key \"port\" stands twice"},
+      {"number twice", "`id`:2,`op", "`id`:1,`op", "Line 2 is no recorded entry: its id has been"},
+      {"number 0", "`id`:2,`op", "`id`:0,`op", "the id is out of range"},
+      {"no first part", "{`id`:1,`res", "{`id`:3,`res", "the entry that it continues is missing"},
+      {"after the end", end, end + end, "Line 5 is no recorded entry: the entry that it continues"},
+      {"torn otherwise", end, "site", "Line 4 is no recorded entry: it is not complete"},
+  };
+  const auto json = [](std::string text) {
+    std::ranges::replace(text, '`', '"');
+    return text;
+  };
+  const std::string whole = json(call + query + end);
+  EXPECT_THAT(EntriesIn(whole + "{\"id\":5,\"operation\":\"que"), SizeIs(2));
+  for (const auto& [name, part, instead, told] : rows) {
+    std::string text = whole;
+    const std::size_t at = text.find(json(part));
+    ASSERT_NE(at, std::string::npos) << name;
+    text.replace(at, part.size(), json(instead));
+    try {
+      ADD_FAILURE() << name << " gave " << EntriesIn(text).size() << " entries";
+    } catch (const RuntimeError& failure) {
+      EXPECT_EQ(failure.Number(), 321) << name;
+      EXPECT_THAT(failure.Description(), HasSubstr(told)) << name;
+    }
+  }
 }
 
 // What a real server said answers the scripted double.
