@@ -107,7 +107,9 @@ void ConversationLog::Sent(const ConversationEntry& entry) noexcept {
   try {
     if (options_.show) Show(entry);
     if (!options_.log) return;
-    Log("Sending " + std::to_string(entry.id) + ": " + Described(entry));
+    std::string text = Described(entry);
+    text.pop_back();
+    Log("Sending " + std::to_string(entry.id) + ": " + text);
     under_way_.emplace(entry.id, Clock::now());
   } catch (...) {  // Out of memory: the statement goes its way unseen.
     std::fputs("  -- a statement that is too long to show\n", stderr);

@@ -63,8 +63,7 @@ class EntryLog::Destination {
     const std::string_view line(buffer.data(), buffer.size());
     if (options_.path.empty()) return terminal_.Put(line);
     if (!file_.IsOpen()) Open();
-    const std::size_t size = file_.Size();
-    if (size > 0 && size + line.size() > options_.rotate_at_bytes) PutAside();
+    while (file_.Size() > 0 && file_.Size() + line.size() > options_.rotate_at_bytes) PutAside();
     if (const int failure = file_.Write(line); failure != 0) {
       file_ = {};
       throw AccessFailure(Name(options_.path) + " cannot be written", failure);

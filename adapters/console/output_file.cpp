@@ -20,15 +20,19 @@ namespace fs = std::filesystem;
 constexpr int kFlags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NOCTTY;
 // A longer first line is not read to judge a file.
 constexpr std::size_t kLongestFirstLine = std::size_t{64} << 20U;
+constexpr int kMostLinks = 40;
 constexpr mode_t kPermissions = 0777;
 
 bool IsSame(const struct stat& a, const struct stat& b) {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-// Where `path` leads, also when nothing is there yet.
-fs::path Destination(const fs::path& path) {
+// Where `path` leads, also when nothing is there yet, and links lead to nothing.
+fs::path Destination(fs::path path) {
   std::error_code failed;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(path, failed); ++links) {
+    path = path.parent_path() / fs::read_symlink(path, failed);
+  }
   fs::path whole = fs::weakly_canonical(fs::absolute(path, failed), failed);
   return failed ? path : whole;
 }
@@ -115,16 +119,15 @@ OutputFile::OutputFile(const fs::path& path, const OutputKind& kind,
     throw AccessFailure(kind.name, errno);
   }
   reserved.RequireOther(facts, kind.name);
-  if (S_ISREG(facts.st_mode)) {
-    const std::optional<int> stream = StandardStreamOf(facts);
-    opened.is_own_file_ = !stream;
-    if (stream && (::fcntl(*stream, F_GETFL) & O_APPEND) == 0) {
-      throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
-                         kind.name +
-                             " is where standard output or error go, and each would overwrite the "
-                             "other; redirect with >> or name another file");
-    }
-    if (!stream && !is_new) opened.TakeOver(path, kind);
+  const std::optional<int> stream = StandardStreamOf(facts);
+  if (S_ISREG(facts.st_mode) && stream) {
+    // Through the stream's own descriptor, so that neither overwrites what the other wrote.
+    opened = {};
+    opened.descriptor_ = ::fcntl(*stream, F_DUPFD_CLOEXEC, 0);
+    if (!opened.IsOpen()) throw AccessFailure(kind.name, errno);
+  } else if (S_ISREG(facts.st_mode)) {
+    opened.is_own_file_ = true;
+    if (!is_new) opened.TakeOver(path, kind);
   }
   *this = std::move(opened);
 }

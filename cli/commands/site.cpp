@@ -54,8 +54,8 @@ void NoteFolder(Context& context, const std::string& file) {
   struct stat facts {};
   constexpr mode_t kNeeded = S_ISGID | S_IRWXG;
   if (::stat(folder.c_str(), &facts) == 0 && (facts.st_mode & kNeeded) == kNeeded) return;
-  context.Note("Warning: the group cannot work in the folder " + folder.string() +
-               "; chgrp GROUP and chmod g+rwxs help, there and chgrp for the site");
+  context.Note("Warning: the group needs to make files in the folder " + folder.string() +
+               " too; chgrp GROUP and chmod g+rwxs help there, chgrp GROUP for the site");
 }
 
 int CreateFile(Context& context, const SiteArguments& arguments) {

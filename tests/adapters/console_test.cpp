@@ -246,8 +246,9 @@ TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
 TEST(ConsoleServices, PutsFullLogsAsideAndKeepsTheLastOnes) {
   const TemporaryFolder folder;
   ConsoleServices services(LogTo(folder.Path("s.log"), 100));
+  ConsoleServices others(LogTo(folder.Path("s.log"), 100));
   for (const char* entry : {"first", "second", "third", "fourth"}) {
-    services.WriteLog(entry + std::string(60, '.'));
+    (*entry == 's' ? services : others).WriteLog(entry + std::string(60, '.'));
   }
   EXPECT_THAT(Contents(folder.Path("s.log")), HasSubstr("fourth"));
   EXPECT_THAT(Contents(folder.Path("s.1.log")), HasSubstr("third"));
