@@ -90,10 +90,7 @@ void ReservedFiles::Add(const fs::path& path, std::string what) {
 
 void ReservedFiles::RequireOther(const fs::path& path, const std::string& output) const {
   struct stat facts {};
-  if (::stat(path.c_str(), &facts) == 0) {
-    if (!S_ISREG(facts.st_mode)) return;
-    RequireOther(facts, output);
-  }
+  if (::stat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode)) return;
   for (const auto& [other, what] : files_) {
     if (Destination(other) == Destination(path)) RefuseReserved(output, what);
   }

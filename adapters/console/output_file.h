@@ -27,11 +27,11 @@ class ReservedFiles {
  public:
   /// `what` says what the file is, "the profile file"; it need not exist. Empty paths are ignored.
   void Add(const std::filesystem::path& path, std::string what);
-  /// Refuses `path` when it names one of them; links and other spellings are seen through. What is
-  /// neither a file nor missing - a terminal, /dev/null - is shared freely.
+  /// Before a file is created: refuses `path` when it leads where one of them is or would be,
+  /// however it is spelled. What is there and no file - a terminal, /dev/null - is shared freely.
   /// Errors: 75 naming `output` ("The log file x"), the other file and the remedy
   void RequireOther(const std::filesystem::path& path, const std::string& output) const;
-  /// The same for a file that is open. Errors: as above
+  /// The same for a file that has been opened, whatever links led to it. Errors: as above
   void RequireOther(const struct stat& facts, const std::string& output) const;
 
  private:

@@ -26,6 +26,12 @@ constexpr std::size_t kMostMembers = 16;
 
 [[noreturn]] void Refuse(const std::string& reason) { throw std::invalid_argument(reason); }
 
+// Of a text that may be anything, as much as a message needs.
+std::string Quoted(const std::string& text) {
+  constexpr std::size_t kMostBytes = 40;
+  return "\"" + text.substr(0, kMostBytes) + "\"";
+}
+
 /// Builds a line's value while it is parsed: what the parser would accept, or read as something
 /// else, is refused on the way, before anything is nested deeply.
 class LineBuilder final : public nlohmann::json_sax<Json> {
@@ -45,7 +51,7 @@ class LineBuilder final : public nlohmann::json_sax<Json> {
   bool start_object(std::size_t) override { return Open(Json::object()); }
   bool key(string_t& name) override {
     if (open_.back()->size() == kMostMembers) Refuse("an object has too many members");
-    if (open_.back()->contains(name)) Refuse("the key \"" + name + "\" stands twice");
+    if (open_.back()->contains(name)) Refuse("the key " + Quoted(name) + " stands twice");
     member_ = &(*open_.back())[name];
     return true;
   }
@@ -103,7 +109,7 @@ class Members {
   void RequireAllTaken() const {
     for (const auto& [name, member] : json_.items()) {
       if (std::ranges::find(taken_, &member) == taken_.end()) {
-        Refuse(what_ + " has an unknown or misplaced \"" + name + "\"");
+        Refuse(what_ + " has an unknown or misplaced " + Quoted(name));
       }
     }
   }
@@ -200,7 +206,7 @@ Element FromWord(const Json& json, const char* what, const Element (&all)[N],
   for (const Element element : all) {
     if (word_of(element) == word) return element;
   }
-  Refuse("\"" + word + "\" is no " + what);
+  Refuse(Quoted(word) + " is no " + what);
 }
 
 RowSet::Column ColumnFrom(const Json& json) {
