@@ -15,6 +15,7 @@ namespace {
 
 using dialect::ColumnDefinition;
 using dialect::Token;
+using dialect::TokenList;
 using dialect::Word;
 
 bool IsOneOf(std::string_view type, std::initializer_list<std::string_view> names) {
@@ -129,15 +130,14 @@ struct NewTable {
 };
 
 /// The last part of the name, "T" of "MAIN.T", that starts at `first`.
-std::size_t LastPartOfName(const std::vector<Token>& tokens, std::size_t first) {
-  while (first + 2 < tokens.size() && tokens[first + 1].symbol == '.') first += 2;
+std::size_t LastPartOfName(const TokenList& tokens, std::size_t first) {
+  while (tokens[first + 1].symbol == '.') first += 2;
   return first;
 }
 
 NewTable PartsOf(std::string_view statement) {
-  const std::vector<Token> tokens = dialect::Tokenize(statement);
+  const TokenList tokens = dialect::Tokenize(statement);
   const std::size_t name = LastPartOfName(tokens, 2);
-  if (name + 2 >= tokens.size()) return {};
   NewTable table{dialect::ValueOfName(statement, tokens[name]), {}, {}};
   if (tokens[name + 1].word != Word::kAs) return table;
   table.head = statement.substr(0, tokens[name].end);
@@ -192,10 +192,10 @@ bool IsWord(std::string_view text, const Token& token, std::string_view word) {
 
 /// `text` with the checks of the column that an ALTER TABLE adds.
 std::string WithColumnChecks(const std::string& text) {
-  const std::vector<Token> tokens = dialect::Tokenize(text);
+  const TokenList tokens = dialect::Tokenize(text);
   // ALTER TABLE name ADD
   std::size_t add = LastPartOfName(tokens, 2) + 1;
-  if (add + 1 >= tokens.size() || !IsWord(text, tokens[add], "ADD")) return text;
+  if (!IsWord(text, tokens[add], "ADD")) return text;
   if (IsWord(text, tokens[add + 1], "COLUMN")) ++add;
   const std::string head = text.substr(0, tokens[add].end);
   std::string table = "CREATE TABLE T (" + text.substr(tokens[add].end) + ")";
@@ -232,7 +232,7 @@ void RequireUnreferenced(Connection& engine, std::string_view table, std::int32_
 void CreateView(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
   std::string text = server.Compile(statement).text;
-  std::vector<Token> tokens = dialect::Tokenize(text);
+  TokenList tokens = dialect::Tokenize(text);
   const bool replaces = tokens[1].word == Word::kOr;
   if (replaces) {
     text.erase(tokens[1].begin, tokens[3].begin - tokens[1].begin);
@@ -253,13 +253,11 @@ void CreateView(Server& server, std::string_view statement) {
 
 void DefineOther(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
-  const std::vector<Token> tokens = dialect::Tokenize(statement);
+  const TokenList tokens = dialect::Tokenize(statement);
   const auto is = [&](std::size_t i, std::string_view word) {
-    return i < tokens.size() && IsWord(statement, tokens[i], word);
+    return IsWord(statement, tokens[i], word);
   };
-  const auto name = [&](std::size_t i) {
-    return i < tokens.size() ? dialect::ValueOfName(statement, tokens[i]) : std::string();
-  };
+  const auto name = [&](std::size_t i) { return dialect::ValueOfName(statement, tokens[i]); };
   if (is(0, "CREATE") && (is(1, "VIEW") || is(3, "VIEW"))) return CreateView(server, statement);
   if (is(0, "DROP")) RequireOwnObject(statement);
   std::string text = server.Compile(statement).text;

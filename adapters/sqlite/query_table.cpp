@@ -1,7 +1,6 @@
 #include "adapters/sqlite/query_table.h"
 
 #include <algorithm>
-#include <span>
 #include <vector>
 
 #include "adapters/shared/dialect/token.h"
@@ -15,6 +14,7 @@ namespace sabrel::sqlite {
 namespace {
 
 using dialect::Token;
+using dialect::TokenSpan;
 using dialect::Word;
 
 bool IsSymbol(const Token& token, char symbol) {
@@ -62,8 +62,8 @@ class Nesting {
 };
 
 /// The type of a select item that is a CAST, maybe named; `tokens` are the item's.
-std::string_view TypeOfCast(std::string_view query, std::span<const Token> tokens) {
-  if (tokens.size() < 2 || tokens[0].word != Word::kCast || !IsSymbol(tokens[1], '(')) return {};
+std::string_view TypeOfCast(std::string_view query, TokenSpan tokens) {
+  if (tokens[0].word != Word::kCast || !IsSymbol(tokens[1], '(')) return {};
   int depth = 0;
   std::size_t type = 0;
   std::size_t close = 1;
@@ -78,12 +78,12 @@ std::string_view TypeOfCast(std::string_view query, std::span<const Token> token
 }
 
 /// The items of the first select list, as far as no "*" hides the columns' places.
-std::vector<std::span<const Token>> SelectItems(std::span<const Token> tokens) {
-  std::vector<std::span<const Token>> items;
+std::vector<TokenSpan> SelectItems(TokenSpan tokens) {
+  std::vector<TokenSpan> items;
   std::size_t i = 0;
-  while (i < tokens.size() && IsSymbol(tokens[i], '(')) ++i;
+  while (IsSymbol(tokens[i], '(')) ++i;
   Nesting nesting;
-  while (i + 2 < tokens.size() && (!nesting.IsOutside() || tokens[i].word != Word::kSelect)) {
+  while (i < tokens.size() && (!nesting.IsOutside() || tokens[i].word != Word::kSelect)) {
     nesting.Pass(tokens[i++]);
   }
   std::size_t first = ++i;
@@ -93,7 +93,7 @@ std::vector<std::span<const Token>> SelectItems(std::span<const Token> tokens) {
     const bool is_end = tokens[i].word == Word::kFrom;
     if (nesting.IsOutside() && (is_end || IsSymbol(tokens[i], ','))) {
       if (i == first || IsSymbol(tokens[i - 1], '*')) break;
-      items.push_back(tokens.subspan(first, i - first));
+      items.push_back(tokens.Part(first, i - first));
       if (is_end) break;
       first = i + 1;
     }
@@ -102,7 +102,7 @@ std::vector<std::span<const Token>> SelectItems(std::span<const Token> tokens) {
   return items;
 }
 
-bool HasSetOperator(std::span<const Token> tokens) {
+bool HasSetOperator(TokenSpan tokens) {
   return std::any_of(tokens.begin(), tokens.end(), [](const Token& token) {
     return token.word == Word::kUnion || token.word == Word::kMinus ||
            token.word == Word::kIntersect || token.word == Word::kExcept;
@@ -110,7 +110,7 @@ bool HasSetOperator(std::span<const Token> tokens) {
 }
 
 /// Whether a view has one of the query's names.
-bool ReadsView(Connection& engine, std::string_view query, std::span<const Token> tokens) {
+bool ReadsView(Connection& engine, std::string_view query, TokenSpan tokens) {
   return std::any_of(tokens.begin(), tokens.end(), [&](const Token& token) {
     const bool is_name =
         token.kind == dialect::TokenKind::kWord || token.kind == dialect::TokenKind::kQuotedName;
@@ -123,19 +123,19 @@ bool ReadsView(Connection& engine, std::string_view query, std::span<const Token
 }
 
 /// A select item without its alias.
-std::span<const Token> WithoutAlias(std::span<const Token> item) {
+TokenSpan WithoutAlias(TokenSpan item) {
   if (item.size() < 2) return item;
-  const Token& last = item.back();
+  const Token& last = item[item.size() - 1];
   const Token& before = item[item.size() - 2];
-  if (before.word == Word::kAs) return item.first(item.size() - 2);
+  if (before.word == Word::kAs) return item.Part(0, item.size() - 2);
   const bool is_name = last.kind == dialect::TokenKind::kQuotedName ||
                        (last.kind == dialect::TokenKind::kWord && last.word != Word::kEnd);
   const bool is_behind_expression =
       before.kind != dialect::TokenKind::kSymbol || IsSymbol(before, ')');
-  return is_name && is_behind_expression ? item.first(item.size() - 1) : item;
+  return is_name && is_behind_expression ? item.Part(0, item.size() - 1) : item;
 }
 
-bool IsBareNull(std::string_view query, std::span<const Token> form) {
+bool IsBareNull(std::string_view query, TokenSpan form) {
   return form.size() == 1 &&
          (form[0].word == Word::kNull || (form[0].kind == dialect::TokenKind::kText &&
                                           dialect::IsEmptyText(dialect::TextOf(query, form[0]))));
@@ -150,13 +150,13 @@ class QueryColumns {
   QueryColumns(Server& server, std::string_view query)
       : query_(query),
         tokens_(dialect::Tokenize(query)),
-        items_(SelectItems(tokens_)),
-        has_set_operator_(HasSetOperator(tokens_)),
+        items_(SelectItems(tokens_.All())),
+        has_set_operator_(HasSetOperator(tokens_.All())),
         rewritten_(server.Compile(query)),
         rows_(server.Prepare(rewritten_)) {
     RequireBound(rows_, rewritten_);
     const bool has_row = rows_.Step();
-    reads_view_ = ReadsView(server.Engine(), query, tokens_);
+    reads_view_ = ReadsView(server.Engine(), query, tokens_.All());
     for (int i = 0; i < rows_.Columns(); ++i) types_.push_back(DeclaredType(i));
     TakeTypesOfValues(has_row);
   }
@@ -179,7 +179,7 @@ class QueryColumns {
     if (place < items_.size()) {
       const std::string_view cast = TypeOfCast(query_, items_[place]);
       if (!cast.empty()) type = cast;
-      const std::span<const Token> form = WithoutAlias(items_[place]);
+      const TokenSpan form = WithoutAlias(items_[place]);
       if (form.size() == 1 && form[0].word == Word::kRownum) type = "NUMBER";
     }
     if (type == "LONG TEXT") type = "LONG";
@@ -209,8 +209,8 @@ class QueryColumns {
   }
 
   std::string_view query_;
-  std::vector<Token> tokens_;
-  std::vector<std::span<const Token>> items_;
+  dialect::TokenList tokens_;
+  std::vector<TokenSpan> items_;
   bool has_set_operator_;
   dialect::Rewritten rewritten_;
   Statement rows_;

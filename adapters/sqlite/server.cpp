@@ -34,20 +34,19 @@ bool IsOwnName(std::string_view name) {
 /// Whether `sql` reads anything but DUAL.
 bool ReadsTables(std::string_view sql) {
   using dialect::Word;
-  const std::vector<dialect::Token> tokens = dialect::Tokenize(sql);
-  const auto ahead = [&](std::size_t i) { return tokens[std::min(i, tokens.size() - 1)]; };
+  const dialect::TokenList tokens = dialect::Tokenize(sql);
   const auto is_symbol = [](const dialect::Token& token, char symbol) {
     return token.kind == dialect::TokenKind::kSymbol && token.symbol == symbol;
   };
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     if (tokens[i].word == Word::kJoin) return true;
     if (tokens[i].word != Word::kFrom) continue;
-    const dialect::Token& source = ahead(i + 1);
-    const Word inner = ahead(i + 2).word;
+    const dialect::Token& source = tokens[i + 1];
+    const Word inner = tokens[i + 2].word;
     if (is_symbol(source, '(') && (inner == Word::kSelect || inner == Word::kWith)) continue;
     if (!EqualIgnoringCase(dialect::TextOf(sql, source), "DUAL")) return true;
-    const std::size_t behind = is_symbol(ahead(i + 2), ')') ? i + 2 : i + 3;
-    if (is_symbol(ahead(i + 2), ',') || is_symbol(ahead(behind), ',')) return true;
+    const std::size_t behind = is_symbol(tokens[i + 2], ')') ? i + 2 : i + 3;
+    if (is_symbol(tokens[i + 2], ',') || is_symbol(tokens[behind], ',')) return true;
   }
   return false;
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "tests/support/cut_off.h"
+
 namespace sabrel::dialect {
 namespace {
 
@@ -61,11 +63,17 @@ std::string Attempt(const Action& action) {
   }
 }
 
+void ReadCutOff(std::string_view sql) {
+  testing::ReadCutOff(sql, [](std::string_view text) { (void)Rewrite(text, TestEngine()); });
+}
+
 // The rewritten text of `sql` between `before` and `behind`, its constants behind "|", "W" where it
 // writes; blanks that removed words leave become one.
 std::string Between(std::string_view before, std::string_view sql, std::string_view behind) {
+  const std::string whole = std::string(before) + std::string(sql) + std::string(behind);
+  constexpr std::size_t kLongestCutOff = 1000;
+  if (whole.size() < kLongestCutOff) ReadCutOff(whole);
   return Attempt([&] {
-    const std::string whole = std::string(before) + std::string(sql) + std::string(behind);
     const Rewritten rewritten = Rewrite(RequireOneStatement(whole), TestEngine());
     std::string shown = rewritten.text;
     if (shown.ends_with(behind)) shown.erase(shown.size() - behind.size());
@@ -90,7 +98,10 @@ struct Row {
 };
 
 void CheckAll(const std::vector<Row>& rows) {
-  for (const Row& row : rows) EXPECT_EQ(row.outcome_of(row.sql), row.outcome) << row.name;
+  for (const Row& row : rows) {
+    EXPECT_EQ(row.outcome_of(row.sql), row.outcome) << row.name;
+    ReadCutOff(row.sql);
+  }
 }
 
 TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {

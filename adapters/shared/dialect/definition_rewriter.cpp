@@ -1,7 +1,5 @@
 // Definitions: constants stay where they are, names that the engine reserves are quoted, and what
 // only Oracle writes about a column is taken out where it changes nothing.
-#include <algorithm>
-
 #include "adapters/shared/dialect/rewriter.h"
 
 namespace sabrel::dialect {
@@ -21,7 +19,7 @@ void Rewriter::Definition() {
     object += 2;
   }
   if (verb == Word::kCreate && Ahead(1).word == Word::kUnique) ++object;
-  const Word word = tokens_[std::min(object, tokens_.size() - 1)].word;
+  const Word word = tokens_[object].word;
   if (word == Word::kTable) {
     at_ = object + 1;
     if (verb == Word::kCreate) return CreateTable();

@@ -58,26 +58,26 @@ bool NeedsSpace(char before, char after) {
 }  // namespace
 
 void Edits::Replace(std::size_t token, std::string text) {
-  marks_[token].output = Output::kReplacement;
-  marks_[token].replacement = static_cast<std::uint32_t>(replacements_.size());
+  MarkOf(token).output = Output::kReplacement;
+  MarkOf(token).replacement = static_cast<std::uint32_t>(replacements_.size());
   replacements_.push_back(std::move(text));
 }
 
 void Edits::SetConstant(std::size_t token, bool is_lifted, bool is_negative) {
-  marks_[token].output = !is_lifted    ? Output::kLiteral
+  MarkOf(token).output = !is_lifted    ? Output::kLiteral
                          : is_negative ? Output::kLiftedNegative
                                        : Output::kLifted;
 }
 
 void Edits::Wrap(std::size_t first, std::size_t last, std::string_view function) {
-  openings_.push_back({function, marks_[first].opening});
-  marks_[first].opening = static_cast<std::uint32_t>(openings_.size() - 1);
-  marks_[last].closings += ClosingsOf(function);
+  openings_.push_back({function, MarkOf(first).opening});
+  MarkOf(first).opening = static_cast<std::uint32_t>(openings_.size() - 1);
+  MarkOf(last).closings += ClosingsOf(function);
 }
 
 void Edits::Cast(std::size_t first, std::size_t last, std::string_view type) {
-  openings_.push_back({"CAST", marks_[first].opening});
-  marks_[first].opening = static_cast<std::uint32_t>(openings_.size() - 1);
+  openings_.push_back({"CAST", MarkOf(first).opening});
+  MarkOf(first).opening = static_cast<std::uint32_t>(openings_.size() - 1);
   AppendBehind(last, " AS " + std::string(type) + ")");
 }
 
@@ -99,7 +99,7 @@ void Edits::Append(std::size_t token, std::string_view text) {
 }
 
 void Edits::AppendBehind(std::size_t token, std::string_view text) {
-  Mark& mark = marks_[token];
+  Mark& mark = MarkOf(token);
   if (mark.suffix == kNone) {
     mark.suffix = static_cast<std::uint32_t>(replacements_.size());
     replacements_.emplace_back();

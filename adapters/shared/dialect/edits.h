@@ -16,10 +16,10 @@ namespace sabrel::dialect {
 class Edits {
  public:
   /// Both must outlive this.
-  Edits(std::string_view sql, const std::vector<Token>& tokens, bool keeps_comments)
+  Edits(std::string_view sql, const TokenList& tokens, bool keeps_comments)
       : sql_(sql), tokens_(tokens), keeps_comments_(keeps_comments), marks_(tokens.size()) {}
 
-  void Remove(std::size_t token) { marks_[token].output = Output::kNothing; }
+  void Remove(std::size_t token) { MarkOf(token).output = Output::kNothing; }
   void Replace(std::size_t token, std::string text);
   /// Makes a constant a parameter, or writes it as the engine takes it where `is_lifted` is false.
   void SetConstant(std::size_t token, bool is_lifted, bool is_negative = false);
@@ -37,8 +37,8 @@ class Edits {
   void AppendBehind(std::size_t token, std::string_view text);
   /// Makes the newest call, of `function`, around what ends at `last` reach to `new_last`.
   void Extend(std::size_t last, std::size_t new_last, std::string_view function) {
-    marks_[last].closings -= ClosingsOf(function);
-    marks_[new_last].closings += ClosingsOf(function);
+    MarkOf(last).closings -= ClosingsOf(function);
+    MarkOf(new_last).closings += ClosingsOf(function);
   }
 
   /// Cost: linear in the statement's length
@@ -66,12 +66,14 @@ class Edits {
     std::uint32_t next;
   };
 
+  /// What lies outside of the tokens is the kEnd, of which nothing is written.
+  [[nodiscard]] Mark& MarkOf(std::size_t token) { return marks_[std::min(token, tokens_.Last())]; }
   static std::uint32_t ClosingsOf(std::string_view function);
   [[nodiscard]] std::string_view Between(std::size_t end, std::size_t begin) const;
   void RenderToken(const Token& token, const Mark& mark, Rewritten& rewritten) const;
 
   std::string_view sql_;
-  const std::vector<Token>& tokens_;
+  const TokenList& tokens_;
   bool keeps_comments_;
   std::vector<Mark> marks_;
   std::vector<Opening> openings_;

@@ -12,6 +12,7 @@ Rewriter::Rewriter(std::string_view sql, const Engine& engine)
       traits_(engine.EngineTraits()),
       tokens_(Tokenize(sql)),
       edits_(sql, tokens_, traits_.keeps_comments),
+      at_(tokens_),
       may_lift_(traits_.lifts_constants) {
   for (const Token& token : tokens_) {
     if (token.kind == TokenKind::kParameter) may_lift_ = false;

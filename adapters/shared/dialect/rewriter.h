@@ -95,10 +95,7 @@ class Rewriter {
 
   // Cursor.
   [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
-  [[nodiscard]] const Token& Ahead(std::size_t distance) const {
-    const std::size_t last = tokens_.size() - 1;
-    return tokens_[at_ + distance < last ? at_ + distance : last];
-  }
+  [[nodiscard]] const Token& Ahead(std::size_t distance) const { return tokens_[at_ + distance]; }
   [[nodiscard]] bool IsWord(Word word) const { return Here().word == word; }
   [[nodiscard]] bool IsText(const Token& token, std::string_view upper) const;
   [[nodiscard]] static bool IsSymbol(const Token& token, char symbol) {
@@ -232,9 +229,9 @@ class Rewriter {
   std::string_view sql_;
   const Engine& engine_;
   const Engine::Traits traits_;
-  std::vector<Token> tokens_;
+  TokenList tokens_;
   Edits edits_;
-  std::size_t at_ = 0;
+  TokenCursor at_;
   int depth_ = 0;
   Lift lift_ = Lift::kAlways;
   bool may_lift_;

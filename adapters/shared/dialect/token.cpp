@@ -178,14 +178,14 @@ Token Lexer::Symbol() {
   return token;
 }
 
-std::vector<Token> Tokenize(std::string_view sql) {
+TokenList Tokenize(std::string_view sql) {
   Lexer lexer(sql);
   std::vector<Token> tokens;
   tokens.reserve(sql.size() < 4096 ? sql.size() / 4 + 8 : 1024);
   do {
     tokens.push_back(lexer.Next());
   } while (tokens.back().kind != TokenKind::kEnd);
-  return tokens;
+  return TokenList(std::move(tokens));
 }
 
 std::string ValueOfText(std::string_view token_text) {

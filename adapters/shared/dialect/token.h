@@ -5,9 +5,12 @@
 // own, for the parser to refuse.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "adapters/shared/dialect/dialect.h"
@@ -42,6 +45,68 @@ struct Token {
   std::uint32_t end = 0;
 };
 
+/// Some tokens of a statement. Whatever is read outside of them is an end token.
+class TokenSpan {
+ public:
+  explicit TokenSpan(std::span<const Token> tokens) : tokens_(tokens) {}
+  [[nodiscard]] const Token& operator[](std::size_t place) const {
+    return place < tokens_.size() ? tokens_[place] : kOutside;
+  }
+  [[nodiscard]] std::size_t size() const { return tokens_.size(); }
+  [[nodiscard]] auto begin() const { return tokens_.begin(); }
+  [[nodiscard]] auto end() const { return tokens_.end(); }
+  [[nodiscard]] TokenSpan Part(std::size_t first, std::size_t count) const {
+    first = std::min(first, tokens_.size());
+    return TokenSpan(tokens_.subspan(first, std::min(count, tokens_.size() - first)));
+  }
+
+ private:
+  static constexpr Token kOutside{};
+  std::span<const Token> tokens_;
+};
+
+/// All tokens of a statement and a kEnd, which is also what is read outside of them: looking ahead
+/// and behind needs no check.
+class TokenList {
+ public:
+  /// The last of `tokens` is a kEnd.
+  explicit TokenList(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+  [[nodiscard]] const Token& operator[](std::size_t place) const {
+    return tokens_[std::min(place, Last())];
+  }
+  [[nodiscard]] std::size_t size() const { return tokens_.size(); }
+  [[nodiscard]] auto begin() const { return tokens_.begin(); }
+  [[nodiscard]] auto end() const { return tokens_.end(); }
+  /// The place of the kEnd.
+  [[nodiscard]] std::size_t Last() const { return tokens_.size() - 1; }
+  [[nodiscard]] TokenSpan All() const { return TokenSpan(tokens_); }
+
+ private:
+  std::vector<Token> tokens_;
+};
+
+/// A place in a TokenList that no move takes beyond its kEnd.
+class TokenCursor {
+ public:
+  explicit TokenCursor(const TokenList& tokens) : last_(tokens.Last()) {}
+  operator std::size_t() const { return at_; }
+  TokenCursor& operator=(std::size_t place) {
+    at_ = std::min(place, last_);
+    return *this;
+  }
+  TokenCursor& operator+=(std::size_t count) { return *this = at_ + count; }
+  TokenCursor& operator++() { return *this += 1; }
+  std::size_t operator++(int) {
+    const std::size_t before = at_;
+    *this += 1;
+    return before;
+  }
+
+ private:
+  std::size_t last_;
+  std::size_t at_ = 0;
+};
+
 /// Reads tokens one by one. The text must outlive it.
 class Lexer {
  public:
@@ -67,8 +132,8 @@ class Lexer {
   std::size_t position_ = 0;
 };
 
-/// All tokens of `sql` and a kEnd.
-[[nodiscard]] std::vector<Token> Tokenize(std::string_view sql);
+/// Errors: as Lexer::Next
+[[nodiscard]] TokenList Tokenize(std::string_view sql);
 
 [[nodiscard]] inline std::string_view TextOf(std::string_view sql, const Token& token) {
   return sql.substr(token.begin, token.end - token.begin);

@@ -14,12 +14,10 @@ class TokenReader {
  public:
   /// Failures carry `native_number`.
   TokenReader(std::string_view sql, std::int32_t native_number)
-      : sql_(sql), tokens_(Tokenize(sql)), native_number_(native_number) {}
+      : sql_(sql), tokens_(Tokenize(sql)), at_(tokens_), native_number_(native_number) {}
 
   [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
-  [[nodiscard]] const Token& Ahead() const {
-    return tokens_[at_ + 1 < tokens_.size() ? at_ + 1 : at_];
-  }
+  [[nodiscard]] const Token& Ahead() const { return tokens_[at_ + 1]; }
   [[nodiscard]] std::string_view HereText() const { return TextOf(sql_, Here()); }
   /// Offset just behind the token before the present one.
   [[nodiscard]] std::size_t PreviousEnd() const { return at_ == 0 ? 0 : tokens_[at_ - 1].end; }
@@ -27,9 +25,7 @@ class TokenReader {
   [[nodiscard]] bool IsWord(Word word) const { return Here().word == word; }
   [[nodiscard]] bool IsText(std::string_view upper) const;
   [[nodiscard]] bool IsSymbol(char symbol) const;
-  void Skip() {
-    if (!AtEnd()) ++at_;
-  }
+  void Skip() { ++at_; }
   bool SkipWord(Word word);
   bool SkipText(std::string_view upper);
   bool SkipSymbol(char symbol);
@@ -53,9 +49,9 @@ class TokenReader {
   [[nodiscard]] std::string_view SourceFrom(std::size_t first) const;
 
   std::string_view sql_;
-  std::vector<Token> tokens_;
+  TokenList tokens_;
+  TokenCursor at_;
   std::int32_t native_number_;
-  std::size_t at_ = 0;
 };
 
 }  // namespace sabrel::dialect
