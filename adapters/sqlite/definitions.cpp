@@ -69,27 +69,19 @@ std::string ChecksOf(const ColumnDefinition& column) {
   return {};
 }
 
-/// The engine makes numbers of texts in a column whose type it does not know.
-std::string WithLongAsText(const std::string& definition, std::string_view column) {
-  bool is_type = false;
-  for (const Token& token : dialect::Tokenize(definition)) {
-    if (is_type) return std::string(definition).insert(token.end, " TEXT");
-    is_type = dialect::ValueOfName(definition, token) == UpperCase(column);
-  }
-  return definition;
-}
-
-/// `statement` with the checks of its columns.
-std::string WithChecks(std::string_view statement) {
+/// `text`, as the engine takes it, with the checks of its columns.
+std::string WithChecks(std::string_view text) {
   std::string checked;
   std::size_t copied = 0;
-  for (const ColumnDefinition& column : dialect::ParseCreateTable(statement)) {
-    std::string definition(statement.substr(copied, column.end - copied));
-    if (column.type == "LONG") definition = WithLongAsText(definition, column.name);
-    checked += definition + ChecksOf(column);
+  for (const ColumnDefinition& column : dialect::ParseCreateTable(text)) {
+    checked.append(text, copied, column.type_end - copied);
+    // The engine makes numbers of texts in a column whose type it does not know.
+    if (column.type == "LONG") checked += " TEXT";
+    checked.append(text, column.type_end, column.end - column.type_end);
+    checked += ChecksOf(column);
     copied = column.end;
   }
-  checked.append(statement, copied);
+  checked.append(text, copied);
   return checked;
 }
 
@@ -156,12 +148,11 @@ std::string WithColumns(Server& server, const NewTable& table) {
 
 void CreateTable(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
-  static_cast<void>(server.Compile(statement));
+  dialect::Rewritten listed = server.Compile(statement);
   const NewTable parts = PartsOf(statement);
   RequireFreeName(engine, parts.name);
-  const std::string listed = parts.query.empty() ? "" : WithColumns(server, parts);
-  const std::string text =
-      server.CompileOwn(WithChecks(parts.query.empty() ? statement : listed)).text;
+  if (!parts.query.empty()) listed = server.CompileOwn(WithColumns(server, parts));
+  const std::string text = WithChecks(listed.text);
   engine.Run(text.c_str());
   const std::string table = CreatedTable(engine);
   std::int64_t key_columns = 0;

@@ -43,11 +43,13 @@ ColumnDefinition ParseColumn(TokenReader& reader) {
   column.type = reader.HereText();
   std::transform(column.type.begin(), column.type.end(), column.type.begin(), AsciiUpper);
   reader.Skip();
+  column.type_end = reader.PreviousEnd();
   if (!reader.SkipSymbol('(')) return column;
   if (!reader.SkipSymbol('*')) column.width = reader.Integer();
   if (reader.SkipSymbol(',')) column.scale = reader.Integer();
   if (!reader.SkipText("CHAR")) reader.SkipText("BYTE");
   reader.ExpectSymbol(')', "\")\" of a type is missing");
+  column.type_end = reader.PreviousEnd();
   return column;
 }
 

@@ -241,7 +241,9 @@ struct ColumnDefinition {
   std::string type;                   // upper case, without sizes: VARCHAR2, NUMBER, DATE, CLOB
   std::optional<std::int64_t> width;  // the first size
   std::optional<std::int64_t> scale;
-  std::size_t end = 0;  // offset in the statement's text just behind the column's definition
+  // Offsets in the statement's text: just after the type, and after the column's definition.
+  std::size_t type_end = 0;
+  std::size_t end = 0;
 };
 /// Columns of a CREATE TABLE statement that lists them; empty for CREATE TABLE ... AS SELECT.
 [[nodiscard]] std::vector<ColumnDefinition> ParseCreateTable(std::string_view statement);
