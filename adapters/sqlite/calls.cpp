@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "adapters/sqlite/access.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/functions.h"
 #include "adapters/sqlite/server.h"

@@ -11,10 +11,12 @@
 #include <thread>
 #include <utility>
 
+#include "adapters/sqlite/access.h"
 #include "adapters/sqlite/catalogue.h"
 #include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
 #include "sabrel/platform/rowlink.h"
+#include "sabrel/platform/utf8.h"
 
 namespace sabrel::sqlite {
 namespace {
@@ -156,6 +158,26 @@ void Connection::Configure(Durability durability) {
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  {
+    Statement each =
+        Prepare("SELECT name FROM sqlite_schema WHERE type = 'table' AND rootpage = 0");
+    while (each.Step()) virtual_tables_.push_back(each.Column(0).text);
+  }
+  GuardStatements(*this);
+}
+
+bool Connection::HasFunction(std::string_view upper_name) const noexcept {
+  return std::find(functions_.begin(), functions_.end(), upper_name) != functions_.end();
+}
+
+bool Connection::HasVirtualTable(std::string_view name) const noexcept {
+  return std::any_of(virtual_tables_.begin(), virtual_tables_.end(),
+                     [name](const std::string& one) { return EqualIgnoringCase(one, name); });
+}
+
+void Connection::NoteSetColumn(std::string_view table, std::string_view column) {
+  if (set_columns_ == nullptr) return;
+  set_columns_->push_back({std::string(table), std::string(column)});
 }
 
 Statement Connection::Prepare(std::string_view sql, Verb verb) {
@@ -283,27 +305,14 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
     sql = last_update_.c_str();
   }
   if (verb != Verb::kUpdate || sql == nullptr) return verb;
-  // Which columns the statement sets is known to the engine's compiler alone, which tells its
-  // authorizer.
-  struct Seen {
-    std::vector<std::pair<std::string, std::string>> columns;
-  } seen;
-  sqlite3_set_authorizer(
-      Handle(),
-      [](void* to, int action, const char* table, const char* column, const char*,
-         const char* trigger) {
-        if (action == SQLITE_UPDATE && trigger == nullptr && table != nullptr &&
-            column != nullptr) {
-          static_cast<Seen*>(to)->columns.emplace_back(table, column);
-        }
-        return SQLITE_OK;
-      },
-      &seen);
+  // Which columns the statement sets is known to the engine's compiler alone.
+  std::vector<SetColumn> columns;
+  set_columns_ = &columns;
   sqlite3_stmt* again = nullptr;
   sqlite3_prepare_v2(Handle(), sql, -1, &again, nullptr);
   sqlite3_finalize(again);
-  sqlite3_set_authorizer(Handle(), nullptr, nullptr);
-  for (const auto& [table, column] : seen.columns) {
+  set_columns_ = nullptr;
+  for (const auto& [table, column] : columns) {
     Statement references =
         Prepare("SELECT 1 FROM pragma_foreign_key_list(?1) WHERE UPPER(\"from\") = UPPER(?2)");
     references.Bind(1, std::string_view(table));

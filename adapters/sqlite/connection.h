@@ -94,6 +94,14 @@ class Connection {
     if (unchecked_bytes_ >= kBytesBetweenChecks) RequireTimeLeft();
   }
 
+  /// Whether this server has a function of that name (upper case); Register adds its functions.
+  [[nodiscard]] bool HasFunction(std::string_view upper_name) const noexcept;
+  void AddFunction(const char* name) { functions_.emplace_back(name); }
+  /// Whether an older program made the table `name` of one of the engine's modules.
+  [[nodiscard]] bool HasVirtualTable(std::string_view name) const noexcept;
+  /// A column that the statement sets which is being prepared.
+  void NoteSetColumn(std::string_view table, std::string_view column);
+
   /// Keeps a failure that happened inside a function of a running statement; it replaces the
   /// engine's own.
   void Keep(std::exception_ptr failure) noexcept { kept_failure_ = std::move(failure); }
@@ -143,6 +151,13 @@ class Connection {
   std::unique_ptr<sqlite3, Closer> handle_;
   std::list<Kept> kept_;  // last used first
   std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;
+  std::vector<std::string_view> functions_;
+  std::vector<std::string> virtual_tables_;
+  struct SetColumn {
+    std::string table;
+    std::string column;
+  };
+  std::vector<SetColumn>* set_columns_ = nullptr;  // where PreciseVerb wants them
   std::exception_ptr kept_failure_;
   // Of the open transaction; the text of an UPDATE tells what it sets.
   Verb last_change_ = Verb::kOther;

@@ -3,6 +3,7 @@
 
 #include "adapters/shared/dialect/token.h"
 #include "adapters/shared/number_type.h"
+#include "adapters/sqlite/access.h"
 #include "adapters/sqlite/error_table.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/query_table.h"
@@ -196,13 +197,21 @@ std::string WithColumnChecks(const std::string& text) {
   return head + " " + table.substr(open, table.size() - open - 1);
 }
 
+/// Refuses a new name in the form of a text, which the engine takes for a name and nobody looked
+/// at.
+void RequireNameAfterRename(std::string_view statement, const TokenList& tokens) {
+  if (!IsWord(statement, tokens[LastPartOfName(tokens, 2) + 1], "RENAME")) return;
+  for (const Token& token : tokens) {
+    if (token.kind != dialect::TokenKind::kText) continue;
+    throw ServerFailure(903, "invalid table name" + dialect::PlaceOf(statement, token));
+  }
+}
+
 /// Refuses to take away what every site has.
 void RequireOwnObject(std::string_view statement) {
   const std::string name = dialect::DroppedName(statement);
   const std::size_t dot = name.rfind('.');
-  if (IsOneOf(dot == std::string::npos ? name : name.substr(dot + 1),
-              {"DUAL", "USER_TABLES", "USER_TAB_COLUMNS", "USER_ARGUMENTS", "USER_OBJECTS",
-               "USER_SEQUENCES"})) {
+  if (IsDictionaryView(dot == std::string::npos ? name : name.substr(dot + 1))) {
     throw ServerFailure(1031, "insufficient privileges: the dictionary belongs to the server");
   }
   if (dot != std::string::npos) throw ServerFailure(942, "table or view does not exist: " + name);
@@ -252,10 +261,16 @@ void DefineOther(Server& server, std::string_view statement) {
   if (is(0, "CREATE") && (is(1, "VIEW") || is(3, "VIEW"))) return CreateView(server, statement);
   if (is(0, "DROP")) RequireOwnObject(statement);
   std::string text = server.Compile(statement).text;
+  if (is(0, "CREATE") && !is(1, "INDEX") && !is(1, "UNIQUE")) {
+    throw ServerFailure(901,
+                        "invalid CREATE command: tables, views, indexes, sequences, functions and "
+                        "procedures can be made");
+  }
   if (is(0, "DROP") && is(1, "TABLE")) RequireUnreferenced(engine, name(2), 2449);
   if (is(0, "TRUNCATE")) RequireUnreferenced(engine, name(2), 2266);
   const bool alters = is(0, "ALTER") && is(1, "TABLE");
   if (alters) {
+    RequireNameAfterRename(statement, tokens);
     text = WithColumnChecks(text);
     DropRounding(engine, name(2));
   }

@@ -65,6 +65,7 @@ constexpr Row kRows[] = {
     {SQLITE_RANGE, "", 1008, "not all variables bound"},
     {SQLITE_ERROR, "no such table: ", 942, "table or view does not exist: $"},
     {SQLITE_ERROR, "no such view: ", 942, "table or view does not exist: $"},
+    {SQLITE_ERROR, "no such module: ", 942, "table or view does not exist: it is one of $"},
     {SQLITE_ERROR, "use DROP ", 942, "table or view does not exist"},
     {SQLITE_ERROR, "no such index: ", 1418, "specified index does not exist: $"},
     {SQLITE_ERROR, "no such trigger: ", 4080, "trigger does not exist: $"},

@@ -299,6 +299,7 @@ void Register(Connection& connection, const SqlFunction& function, void* context
         [](void* binding) { delete static_cast<Binding*>(binding); });
     if (code != SQLITE_OK) connection.Fail(code, nullptr, Verb::kOther);
   };
+  connection.AddFunction(function.name);
   if (function.most < 0) {
     add(-1);
   } else {

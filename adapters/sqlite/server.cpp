@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "adapters/shared/dialect/token.h"
+#include "adapters/sqlite/access.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/functions.h"
 #include "adapters/sqlite/result_names.h"
@@ -21,14 +22,6 @@ bool IsDefinition(StatementKind kind) {
   return kind == StatementKind::kCreateRoutine || kind == StatementKind::kDropRoutine ||
          kind == StatementKind::kCreateSequence || kind == StatementKind::kDropSequence ||
          kind == StatementKind::kCreateTable || kind == StatementKind::kOtherDefinition;
-}
-
-/// Whether `name` belongs to this server or to the engine: their tables and functions all begin
-/// alike.
-bool IsOwnName(std::string_view name) {
-  constexpr std::size_t kPrefixLength = 7;
-  const std::string_view prefix = name.substr(0, kPrefixLength);
-  return EqualIgnoringCase(prefix, "sabrel_") || EqualIgnoringCase(prefix, "sqlite_");
 }
 
 /// Whether `sql` reads anything but DUAL.
@@ -82,19 +75,6 @@ std::string QuotedName(std::string_view name) {
   return "\"" + ReplaceAll(name, "\"", "\"\"") + "\"";
 }
 
-void RefuseOwnNames(std::string_view statement) {
-  if (!ContainsIgnoringCase(statement, "sabrel_") && !ContainsIgnoringCase(statement, "sqlite_")) {
-    return;
-  }
-  for (const dialect::Token& token : dialect::Tokenize(statement)) {
-    const bool is_name =
-        token.kind == dialect::TokenKind::kWord || token.kind == dialect::TokenKind::kQuotedName;
-    if (is_name && IsOwnName(dialect::ValueOfName(statement, token))) {
-      throw ServerFailure(942, "table or view does not exist");
-    }
-  }
-}
-
 std::optional<dialect::Engine::RoutineFacts> SqliteDialect::FindRoutine(
     std::string_view name) const {
   const auto routine = routines_->Find(name);
@@ -102,10 +82,16 @@ std::optional<dialect::Engine::RoutineFacts> SqliteDialect::FindRoutine(
   return RoutineFacts{routine->writes};
 }
 
+bool SqliteDialect::KnowsFunction(std::string_view name) const {
+  return IsOraclesFunction(name) || connection_->HasFunction(name) || IsOwnName(name);
+}
+
 bool SqliteDialect::IsReservedWord(std::string_view word) const {
-  static constexpr std::array<std::string_view, 14> kWords = {
-      "AUTOINCREMENT", "COLLATE", "COMMIT",  "DEFERRABLE", "FOREIGN",   "INDEXED",     "ISNULL",
-      "LIMIT",         "NOTHING", "NOTNULL", "REFERENCES", "RETURNING", "TRANSACTION", "USING"};
+  // Some are constants and functions of the engine, others have no place there but in its grammar.
+  static constexpr std::array<std::string_view, 17> kWords = {
+      "AUTOINCREMENT", "COLLATE",   "COMMIT",      "CURRENT_TIME", "DEFERRABLE", "FALSE",
+      "FOREIGN",       "INDEXED",   "ISNULL",      "LIMIT",        "NOTHING",    "NOTNULL",
+      "REFERENCES",    "RETURNING", "TRANSACTION", "TRUE",         "USING"};
   return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
 }
 
@@ -126,7 +112,7 @@ Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_swi
     : connection_(path, std::move(cancel_switch), durability, deadline),
       session_(std::move(session)),
       routines_(*this),
-      dialect_(routines_) {
+      dialect_(routines_, connection_) {
   RegisterFunctions(connection_);
   RegisterServerFunctions(*this);
   Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);

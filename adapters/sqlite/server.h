@@ -38,13 +38,15 @@ struct QueryResult {
 /// The dialect's questions, answered for this engine.
 class SqliteDialect final : public dialect::Engine {
  public:
-  explicit SqliteDialect(Routines& routines) : routines_(&routines) {}
+  SqliteDialect(Routines& routines, const Connection& connection)
+      : routines_(&routines), connection_(&connection) {}
   [[nodiscard]] Traits EngineTraits() const override {
     Traits traits;
     traits.number_type = "NUMERIC";
     return traits;
   }
   [[nodiscard]] std::optional<RoutineFacts> FindRoutine(std::string_view name) const override;
+  [[nodiscard]] bool KnowsFunction(std::string_view name) const override;
   [[nodiscard]] bool IsReservedWord(std::string_view word) const override;
   [[nodiscard]] CastParts PartsOfCast(std::string_view upper_name,
                                       const std::vector<std::string>& sizes) const override;
@@ -63,6 +65,7 @@ class SqliteDialect final : public dialect::Engine {
 
  private:
   Routines* routines_;
+  const Connection* connection_;
 };
 
 class Server {
@@ -116,8 +119,6 @@ class Server {
 /// Refuses parameters that the statement itself names: nobody gives their values. Throws
 /// ServerFailure 1008.
 void RequireBound(const Statement& statement, const dialect::Rewritten& rewritten);
-/// Throws ServerFailure 942 when `text` names a table or a function that belongs to the server.
-void RefuseOwnNames(std::string_view text);
 /// `name` in double quotes.
 [[nodiscard]] std::string QuotedName(std::string_view name);
 

@@ -18,6 +18,7 @@ class TestEngine final : public Engine {
     if (name == "F") return RoutineFacts{false};
     return std::nullopt;
   }
+  bool KnowsFunction(std::string_view name) const override { return name != "HEX"; }
   bool IsReservedWord(std::string_view word) const override { return word == "LIMIT"; }
   std::string NextValue(std::string_view name) const override { return "next<" + Text(name); }
   std::string CurrentValue(std::string_view name) const override { return "now<" + Text(name); }
@@ -168,6 +169,7 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
        "b LIKE 'x%' OR (c LIKE 'x%' AND like(c,'x_y%')) OR d LIKE 'x' OR like(UPPER(e) , ?1) "
        "|'x%'"},
       {"any", Where, "a = ANY (b) OR a <> ALL (b)", "a IN (b) OR a NOT IN (b)"},
+      {"in one value", Where, "a IN b", "a IN (b)"},
       {"any above", Where, "a > ANY (1,2)", "!900 @27"},
   });
 }
@@ -252,6 +254,9 @@ TEST(Rewrite, RefusesWhatItCannotRewriteAndNamesThePlace) {
       {"cast to a date", Columns, "CAST(a AS DATE)", "!900 @18"},
       {"behind characters", Columns, "'äö', ", "!936 @15"},
       {"unknown routine", Columns, "pkg.g(1)", "!904"},
+      {"unknown function", Where, "a IN (SELECT MAX(Hex(b)) FROM u)", "!904"},
+      {"unknown function of a frame", Columns, "MAX(a) OVER (ORDER BY b ROWS HEX(1))", "!907 @40"},
+      {"aggregate of two", Columns, "MAX(a,b)", "!909 @15"},
   });
 }
 

@@ -28,6 +28,16 @@ bool IsAggregate(std::string_view upper_name) {
   return false;
 }
 
+namespace {
+
+// Engines may have functions of several values with the names of these aggregates.
+bool TakesOneArgument(std::string_view upper_name) {
+  return upper_name == "COUNT" || upper_name == "MAX" || upper_name == "MIN" ||
+         upper_name == "SUM" || upper_name == "AVG";
+}
+
+}  // namespace
+
 void Rewriter::Name() {
   const Token& name = Here();
   const bool is_free_word = name.kind == TokenKind::kWord && !IsReservedByOracle(name.word);
@@ -172,7 +182,7 @@ void Rewriter::CallName(std::size_t first, std::size_t last) {
   }
   const std::optional<Engine::RoutineFacts> facts = engine_.FindRoutine(name);
   if (!facts) {
-    if (first == last) {
+    if (first == last && engine_.KnowsFunction(name)) {
       if (tokens_[first].kind == TokenKind::kQuotedName) SpellName(first);
       return;
     }
@@ -199,7 +209,10 @@ void Rewriter::Call(std::size_t first, std::size_t last) {
     const Level level(*this);
     if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
     ++at_;
-    if (!IsSymbol(')')) Arguments();
+    const std::size_t count = IsSymbol(')') ? 0 : Arguments();
+    if (first == last && count != 1 && TakesOneArgument(Upper(tokens_[first]))) {
+      Fail(909, "invalid number of arguments");
+    }
     ExpectSymbol(')', 907, "missing right parenthesis");
   }
   if (IsWord(Word::kOver) && IsSymbol(Ahead(1), '(')) return Window();
@@ -270,14 +283,15 @@ std::vector<Rewriter::DecodeArgument> Rewriter::DecodeArguments() {
   return arguments;
 }
 
-void Rewriter::Arguments() {
-  if (SkipSymbol('*')) return;
+// How many there are.
+std::size_t Rewriter::Arguments() {
+  if (SkipSymbol('*')) return 1;
   if (SkipWord(Word::kUnique)) {
     edits_.Replace(at_ - 1, "DISTINCT");
   } else if (!SkipWord(Word::kDistinct) && SkipWord(Word::kAll)) {
     edits_.Remove(at_ - 1);
   }
-  ExpressionList();
+  return ExpressionList();
 }
 
 void Rewriter::Window() {
@@ -287,13 +301,14 @@ void Rewriter::Window() {
   at_ += 2;
   if (SkipText("PARTITION")) {
     ExpectWord(Word::kBy, 905, "missing keyword BY");
-    ExpressionList();
+    (void)ExpressionList();
   }
   if (SkipWord(Word::kOrder)) {
     ExpectWord(Word::kBy, 905, "missing keyword BY");
     OrderList();
   }
-  while (!IsSymbol(')') && Here().kind != TokenKind::kEnd) ++at_;  // ROWS BETWEEN ...
+  // ROWS BETWEEN 1 PRECEDING AND CURRENT ROW; a call would not have been looked at.
+  while (!IsSymbol('(') && !IsSymbol(')') && Here().kind != TokenKind::kEnd) ++at_;
   ExpectSymbol(')', 907, "missing right parenthesis");
 }
 

@@ -86,7 +86,9 @@ void Rewriter::Between(const Operand& left) {
 void Rewriter::In(const Operand& left) {
   const std::size_t open = at_;
   if (!IsSymbol('(')) {
-    (void)Sum();
+    // Engines may take a bare name for a table.
+    const Operand value = Sum();
+    edits_.Wrap(value.first, value.last, {});
     return;
   }
   Parenthesis();

@@ -126,6 +126,10 @@ class Engine {
   /// Facts of a stored routine; `name` is upper case and may be qualified ("PKG.F"). Nothing when
   /// there is none.
   [[nodiscard]] virtual std::optional<RoutineFacts> FindRoutine(std::string_view name) const = 0;
+  /// Whether a statement may call a function that is no stored routine; `name` is upper case, or as
+  /// written between quotes. Where the engine itself refuses what Oracle has not, all may be
+  /// called.
+  [[nodiscard]] virtual bool KnowsFunction(std::string_view /*name*/) const { return true; }
   /// Whether the engine cannot take `word` (upper case) as a bare column name although Oracle can.
   [[nodiscard]] virtual bool IsReservedWord(std::string_view word) const = 0;
 

@@ -221,10 +221,14 @@ void Rewriter::Parenthesis(bool is_scalar) {
   is_renamed_ = true;
 }
 
-void Rewriter::ExpressionList() {
+// How many there are.
+std::size_t Rewriter::ExpressionList() {
+  std::size_t count = 0;
   do {
     Condition();
+    ++count;
   } while (SkipSymbol(','));
+  return count;
 }
 
 // Oracle sorts nulls behind all values, and before them where it sorts downwards.

@@ -160,7 +160,7 @@ class Rewriter {
   void Extract();
   void NumberRows();
   void DateConstant();
-  void ExpressionList();
+  std::size_t ExpressionList();
   void OrderList(bool places_nulls = true);
 
   // Names and calls (call.cpp).
@@ -172,7 +172,7 @@ class Rewriter {
   void SpellNames(std::size_t first, std::size_t last);
   void Call(std::size_t first, std::size_t last);
   void CallName(std::size_t first, std::size_t last);
-  void Arguments();
+  std::size_t Arguments();
   void Decode(std::size_t name);
   std::vector<DecodeArgument> DecodeArguments();
   void Window();
