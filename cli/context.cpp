@@ -1,7 +1,5 @@
 #include "cli/context.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
@@ -9,6 +7,7 @@
 
 #include "adapters/console/access_failure.h"
 #include "adapters/console/terminal.h"
+#include "adapters/shared/private_file.h"
 #include "cli/row_printer.h"
 #include "cli/session.h"
 #include "sabrel/core/gsabrel.h"
@@ -67,10 +66,10 @@ void Context::StartSession() {
   auto services = OpenOutputs(reserved_);
   reserved_.Add(options.log, "the log");
   reserved_.Add(options.record, "the record");
-  profile_ =
-      InstallSession(options, std::move(profiles), services, conversation_, interrupts_, [this] {
-        if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
-      });
+  profiles_ = profiles.set;
+  InstallSession(options, std::move(profiles), services, conversation_, interrupts_, [this] {
+    if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
+  });
   services_ = std::move(services);
 }
 
@@ -277,9 +276,9 @@ std::string ReadPasswordFile(Context& context, const std::string& path) {
   if (file.fail() && !file.eof()) throw AccessFailure("The password file " + path, errno);
   const auto line_break = file.eof() ? 0 : 1;
   password.resize(static_cast<std::size_t>(file.gcount() - line_break));
-  struct stat facts {};
-  if (::stat(path.c_str(), &facts) == 0 && (facts.st_mode & 077U) != 0) {
-    context.Note("Warning: others can read the password file " + path + "; chmod 600 helps");
+  if (IsOpenToOthers(path)) {
+    context.Note("Warning: others can read or change the password file " + path +
+                 "; chmod 600 helps");
   }
   if (password.ends_with('\r')) password.pop_back();
   return password;

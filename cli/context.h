@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "adapters/console/console_services.h"
+#include "adapters/shared/profiles.h"
 #include "cli/attentive_services.h"
 #include "cli/cell_text.h"
 #include "cli/conversation_log.h"
@@ -22,7 +23,6 @@
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "sabrel/core/error_object.h"
-#include "sabrel/platform/connection_profile.h"
 #include "sabrel/platform/recordset.h"
 
 namespace sabrel::cli {
@@ -93,7 +93,9 @@ class Context {
   void Hide(std::string_view secret);
 
   /// Of the server that serves what names no other one; inside an action only.
-  [[nodiscard]] const ConnectionProfile& SessionProfile() const noexcept { return profile_; }
+  [[nodiscard]] const ConnectionProfile& SessionProfile() const { return Profiles().Session(); }
+  /// The same with its section's settings, and the other known servers.
+  [[nodiscard]] const ProfileSet& Profiles() const { return profiles_.value(); }
 
   /// What no file that a command writes may be: what this run reads, and its record and log.
   [[nodiscard]] const ReservedFiles& Reserved() const noexcept { return reserved_; }
@@ -122,7 +124,7 @@ class Context {
   std::shared_ptr<AttentiveServices> services_;
   std::shared_ptr<ConversationLog> conversation_;
   std::unique_ptr<Progress> progress_;
-  ConnectionProfile profile_;
+  std::optional<ProfileSet> profiles_;
   std::optional<CErrorObject> failed_query_;
 };
 

@@ -46,10 +46,10 @@ ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles) {
   return inputs;
 }
 
-ConnectionProfile InstallSession(const Options& options, SessionProfiles profiles,
-                                 std::shared_ptr<AttentiveServices> services,
-                                 std::shared_ptr<ConversationLog> conversation,
-                                 Interrupts& interrupts, std::function<void()> on_failed_query) {
+void InstallSession(const Options& options, SessionProfiles profiles,
+                    std::shared_ptr<AttentiveServices> services,
+                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
+                    std::function<void()> on_failed_query) {
   for (const std::string& warning : profiles.warnings) {
     services->ShowMessage(warning, kBoxExclamation, "sabrel");
   }
@@ -73,7 +73,6 @@ ConnectionProfile InstallSession(const Options& options, SessionProfiles profile
     interrupts.Watch(platform.rowlink);
     return platform;
   });
-  return profiles.set.Session();
 }
 
 }  // namespace sabrel::cli

@@ -24,12 +24,12 @@ struct SessionProfiles {
 /// The files that a run with these options reads, standard input among them.
 [[nodiscard]] ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles);
 
-/// Installs the platform for this thread and returns the session's profile; `conversation` may be
-/// null. `on_failed_query` is told after each query that failed, when the error object tells why.
-/// Errors: 75 or 321 for a registry file that cannot be used
-ConnectionProfile InstallSession(const Options& options, SessionProfiles profiles,
-                                 std::shared_ptr<AttentiveServices> services,
-                                 std::shared_ptr<ConversationLog> conversation,
-                                 Interrupts& interrupts, std::function<void()> on_failed_query);
+/// Installs the platform for this thread; `conversation` may be null. `on_failed_query` is told
+/// after each query that failed, when the error object tells why. Errors: 75 or 321 for a registry
+/// file that cannot be used
+void InstallSession(const Options& options, SessionProfiles profiles,
+                    std::shared_ptr<AttentiveServices> services,
+                    std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
+                    std::function<void()> on_failed_query);
 
 }  // namespace sabrel::cli

@@ -113,10 +113,11 @@ std::vector<ParameterColumn> Columns(
 
 }  // namespace
 
-Connection::Connection(const Engine& engine, const ConnectionProfile& profile, Opening opening,
+Connection::Connection(const Engine& engine, const ConnectionProfile& profile,
+                       const SectionSettings& section, Opening opening,
                        std::shared_ptr<CancelPoint> cancel_point)
     : engine_(engine), cancel_point_(std::move(cancel_point)) {
-  const std::u16string text = ToWide(engine.ConnectionText(profile));
+  const std::u16string text = ToWide(engine.ConnectionText(profile, section));
   Require(SQLAllocHandle(SQL_HANDLE_DBC, Environment(), &handle_), SQL_HANDLE_ENV, Environment());
   const std::int32_t limit_s = DriverLimit(profile.ConnectTimeout);
   try {

@@ -24,8 +24,8 @@ class Connection {
  public:
   /// Connects, the driver being told to give up soon after the profile's connect time-out.
   /// Errors: DriverFailure
-  Connection(const Engine& engine, const ConnectionProfile& profile, Opening opening,
-             std::shared_ptr<CancelPoint> cancel_point);
+  Connection(const Engine& engine, const ConnectionProfile& profile, const SectionSettings& section,
+             Opening opening, std::shared_ptr<CancelPoint> cancel_point);
   /// Disconnects.
   ~Connection();
   Connection(const Connection&) = delete;

@@ -63,9 +63,14 @@ void CancelSwitch::CancelAll() noexcept {
   for (Worker* const worker : workers_) worker->Cancel();
 }
 
-ConnectionPool::ConnectionPool(const Engine& engine, ConnectionProfile profile, Opening opening,
+ConnectionPool::ConnectionPool(const Engine& engine, ConnectionProfile profile,
+                               SectionSettings section, Opening opening,
                                std::shared_ptr<CancelSwitch> cancel)
-    : engine_(engine), profile_(std::move(profile)), opening_(opening), cancel_(std::move(cancel)) {
+    : engine_(engine),
+      profile_(std::move(profile)),
+      section_(std::move(section)),
+      opening_(opening),
+      cancel_(std::move(cancel)) {
   if (profile_.Port == 0) profile_.Port = engine.UsualPort();
   address_ = profile_.Host + ":" + std::to_string(profile_.Port);
   idle_.reserve(kMostIdle);  // GiveBack cannot report that there is no memory
@@ -138,11 +143,11 @@ void Lease::RunWatched(Worker::Task task, Deadline deadline, ConnectionFailure c
 void Lease::Connect() {
   const Deadline deadline = DeadlineIn(pool_->profile_.ConnectTimeout);
   RunWatched(
-      [&engine = pool_->engine_, profile = pool_->profile_, opening = pool_->opening_,
-       deadline](Workplace& here) {
+      [&engine = pool_->engine_, profile = pool_->profile_, section = pool_->section_,
+       opening = pool_->opening_, deadline](Workplace& here) {
         try {
           here.connection =
-              std::make_unique<Connection>(engine, profile, opening, here.cancel_point);
+              std::make_unique<Connection>(engine, profile, section, opening, here.cancel_point);
         } catch (const DriverFailure& failure) {
           ThrowConnectFailure(engine, profile, failure.What(), deadline);
         }

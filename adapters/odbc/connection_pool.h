@@ -51,8 +51,8 @@ class ConnectionPool {
  public:
   static constexpr std::size_t kMostIdle = 4;
 
-  ConnectionPool(const Engine& engine, ConnectionProfile profile, Opening opening,
-                 std::shared_ptr<CancelSwitch> cancel);
+  ConnectionPool(const Engine& engine, ConnectionProfile profile, SectionSettings section,
+                 Opening opening, std::shared_ptr<CancelSwitch> cancel);
 
   /// Time-outs may change from request to request.
   void ConnectTimeout(std::int32_t seconds) noexcept { profile_.ConnectTimeout = seconds; }
@@ -77,6 +77,7 @@ class ConnectionPool {
 
   const Engine& engine_;
   ConnectionProfile profile_;
+  SectionSettings section_;
   Opening opening_;
   std::shared_ptr<CancelSwitch> cancel_;
   std::string address_;

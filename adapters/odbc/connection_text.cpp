@@ -63,6 +63,15 @@ std::string LibpqSetting(std::string_view name, std::string_view value) {
   return " " + std::string(name) + "='" + escaped + "'";
 }
 
+/// With an SslMode libpq connects by TLS or not at all. GSSAPI, which it would prefer, is another
+/// encryption, without the server's certificate.
+std::string TlsSettings(const SectionSettings& section) {
+  if (section.SslMode.empty()) return {};
+  RequirePlainText("SslRootCert", section.SslRootCert, kMostBytes);
+  return LibpqSetting("sslmode", section.SslMode) +
+         LibpqSetting("sslrootcert", section.SslRootCert) + LibpqSetting("gssencmode", "disable");
+}
+
 /// The parts of "//host:port/service" have no quoting of their own.
 void RequireAddressPart(std::string_view setting, std::string_view value) {
   const bool plain = std::all_of(value.begin(), value.end(), [](char c) {
@@ -92,9 +101,9 @@ std::string OracleAddress(const ConnectionProfile& profile) {
 /// What the connection relies on, whatever the machine's settings of the driver say. Rows come in
 /// blocks from a cursor; a failure rolls back the transaction that the driver opened for it (with
 /// "-0" every later statement fails with 25P02); text keeps its line ends; nothing is logged, since
-/// the driver's logs hold passwords; encrypted where the server can.
+/// the driver's logs hold passwords.
 constexpr std::string_view kPostgresqlOptions =
-    ";SSLmode=prefer;Protocol=7.4-1;ReadOnly=0;UseDeclareFetch=1;Fetch=500;UseServerSidePrepare=0"
+    ";Protocol=7.4-1;ReadOnly=0;UseDeclareFetch=1;Fetch=500;UseServerSidePrepare=0"
     ";Parse=0;UpdatableCursors=0;RowVersioning=0;BoolsAsChar=0;TrueIsMinus1=0;TextAsLongVarchar=1"
     ";UnknownsAsLongVarchar=0;ByteaAsLongVarBinary=1;UnknownSizes=0;MaxVarcharSize=32767"
     ";MaxLongVarcharSize=1073741823;LFConversion=0;LowerCaseIdentifier=0;IgnoreTimeout=0;Debug=0"
@@ -111,7 +120,8 @@ std::string_view WithoutBrackets(std::string_view host) noexcept {
   return has_brackets ? host.substr(1, host.size() - 2) : host;
 }
 
-std::string PostgresqlConnectionText(const ConnectionProfile& profile) {
+std::string PostgresqlConnectionText(const ConnectionProfile& profile,
+                                     const SectionSettings& section) {
   RequireSettings(profile);
   const std::string_view host = WithoutBrackets(profile.Host);
   // The driver takes braces off PWD and pqopt only: a name with ";" or a leading "{" fits into no
@@ -120,9 +130,12 @@ std::string PostgresqlConnectionText(const ConnectionProfile& profile) {
   if (profile.Port != 0) address += LibpqSetting("port", std::to_string(profile.Port));
   address += LibpqSetting("dbname", profile.Database);
   address += LibpqSetting("user", profile.UserName);
+  address += TlsSettings(section);
   std::string text = "DRIVER=" + Braced(profile.Driver);
   if (!profile.Password.empty()) text += ";PWD=" + Braced(profile.Password);
   if (!address.empty()) text += ";pqopt=" + Braced(std::string_view(address).substr(1));
+  // Encrypted where the server can, also where that is not demanded.
+  text += ";SSLmode=" + (section.SslMode.empty() ? "prefer" : section.SslMode);
   text += kPostgresqlOptions;
   return text;
 }

@@ -14,6 +14,7 @@
 
 #include "adapters/odbc/diagnosis.h"
 #include "adapters/shared/dialect/dialect.h"
+#include "adapters/shared/section_settings.h"
 #include "adapters/shared/verb.h"
 #include "sabrel/platform/connection_profile.h"
 #include "sabrel/platform/data_link.h"
@@ -66,7 +67,8 @@ class Engine {
   [[nodiscard]] virtual bool FoldsToLowerCase() const = 0;
   /// The driver's connection string; the only text that holds the password.
   /// Errors: 5 for a setting that no quoting can carry (NUL, a line's end)
-  [[nodiscard]] virtual std::string ConnectionText(const ConnectionProfile& profile) const = 0;
+  [[nodiscard]] virtual std::string ConnectionText(const ConnectionProfile& profile,
+                                                   const SectionSettings& section) const = 0;
   /// The Unix socket that a profile means; empty where it means a host and port, or what only the
   /// driver knows.
   [[nodiscard]] virtual std::string SocketFile(const ConnectionProfile& /*profile*/) const {

@@ -187,7 +187,7 @@ OdbcLink::OdbcLink(ProfileSet profiles, std::shared_ptr<DatabaseError> last_erro
       last_error_(std::move(last_error)) {}
 
 OdbcLink::Target OdbcLink::Find(const DataServerAddress& address) {
-  const ConnectionProfile profile = profiles_.Resolve(address).profile;
+  const auto [profile, section, address_replaced] = profiles_.Resolve(address);
   const Engine* const engine = EngineForDriver(profile.Driver);
   if (engine == nullptr) {
     throw ConnectionFailed(ConnectionFailure::kHostUnknown,
@@ -196,10 +196,14 @@ OdbcLink::Target OdbcLink::Find(const DataServerAddress& address) {
                                "\"; by its name it is no ODBC driver of PostgreSQL or Oracle "
                                "(odbcinst -q -d lists those installed) and not \"sqlite\".");
   }
-  Key key{profile.Driver,   profile.Host,     profile.Port,
-          profile.Database, profile.UserName, profile.Password};
+  if (const std::string obstacle = ObstacleToTls(profile, section); !obstacle.empty()) {
+    throw ConnectionFailed(ConnectionFailure::kRefusedOrSevered,
+                           "The connection profile \"" + profile.Name + "\": " + obstacle);
+  }
+  Key key{profile.Driver,   profile.Host,     profile.Port, profile.Database,
+          profile.UserName, profile.Password, section};
   auto& pool = pools_[std::move(key)];
-  if (!pool) pool = std::make_shared<ConnectionPool>(*engine, profile, opening_, cancel_);
+  if (!pool) pool = std::make_shared<ConnectionPool>(*engine, profile, section, opening_, cancel_);
   pool->ConnectTimeout(profile.ConnectTimeout);
   return {pool, profile.ReceiveTimeout};
 }

@@ -41,8 +41,8 @@ class OdbcLink final : public DataLink {
     std::shared_ptr<ConnectionPool> pool;
     std::int32_t timeout_s;
   };
-  using Key =
-      std::tuple<std::string, std::string, std::int32_t, std::string, std::string, std::string>;
+  using Key = std::tuple<std::string, std::string, std::int32_t, std::string, std::string,
+                         std::string, SectionSettings>;
   [[nodiscard]] Target Find(const DataServerAddress& address);
 
   ProfileSet profiles_;

@@ -6,11 +6,13 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <utility>
 
+#include "adapters/shared/private_file.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/utf8.h"
 
@@ -30,6 +32,14 @@ constexpr TextSetting kTextSettings[] = {
     {"Host", &ConnectionProfile::Host},         {"Database", &ConnectionProfile::Database},
     {"UserName", &ConnectionProfile::UserName}, {"Password", &ConnectionProfile::Password},
 };
+
+struct SectionSetting {
+  std::string_view name;
+  std::string SectionSettings::*member;
+};
+constexpr SectionSetting kSectionSettings[] = {{"SslMode", &SectionSettings::SslMode},
+                                               {"SslRootCert", &SectionSettings::SslRootCert},
+                                               {"DateFormat", &SectionSettings::DateFormat}};
 
 struct NumberSetting {
   std::string_view name;
@@ -53,7 +63,7 @@ class FileReader {
  public:
   explicit FileReader(const std::string& path) : path_(path) {}
 
-  std::vector<ConnectionProfile> Read(std::string_view text) {
+  ProfileSet Read(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
     while (!text.empty()) {
       ++line_;
@@ -64,17 +74,23 @@ class FileReader {
     if (profiles_.empty()) {
       Refuse(path_ + ": no profile in it; start one with a line \"[name]\".");
     }
-    return std::move(profiles_);
+    EndProfile();
+    ProfileSet read(std::move(profiles_.front()), std::move(sections_.front()));
+    for (std::size_t i = 1; i < profiles_.size(); ++i) {
+      read.Add(std::move(profiles_[i]), std::move(sections_[i]));
+    }
+    return read;
   }
 
  private:
-  [[noreturn]] void Fail(const std::string& what) const {
-    Refuse(path_ + ":" + std::to_string(line_) + ": " + what);
+  // Nothing of the line goes into a message: any part of it may be a password.
+  [[noreturn]] void Fail(const std::string& what) const { FailAt(line_, what); }
+  [[noreturn]] void FailAt(int line, const std::string& what) const {
+    Refuse(path_ + ":" + std::to_string(line) + ": " + what);
   }
 
   void TakeLine(std::string_view line) {
     if (line.empty() || line.front() == '#' || line.front() == ';') return;
-    // Never the line itself in a message: it may hold a password.
     if (!IsSendableText(line)) Fail("this is not UTF-8 text; save the file as UTF-8.");
     if (line.front() == '[') {
       StartProfile(line);
@@ -93,39 +109,82 @@ class FileReader {
     const std::string_view name = Trimmed(line.substr(1, line.size() - 2));
     if (name.empty()) Fail("a profile without a name; write it between \"[\" and \"]\".");
     RequireNewName(name, profiles_.size());
+    if (!profiles_.empty()) EndProfile();
     profiles_.emplace_back().Name = name;
+    sections_.emplace_back();
     given_.clear();
+    tls_line_ = 0;
+  }
+
+  // What depends on several settings, which may come in any order.
+  void EndProfile() const {
+    const std::string obstacle = ObstacleToTls(profiles_.back(), sections_.back());
+    if (!obstacle.empty()) FailAt(tls_line_, obstacle);
   }
 
   void RequireNewName(std::string_view name, std::size_t own) const {
     for (std::size_t i = 0; i < profiles_.size(); ++i) {
       if (i != own && EqualIgnoringCase(profiles_[i].Name, name)) {
-        Fail("a second profile \"" + std::string(name) + "\"; rename one of them.");
+        Fail("a second profile with this name; rename one of them.");
       }
     }
   }
 
   void TakeSetting(std::string_view name, std::string_view value) {
-    for (const std::string& given : given_) {
-      if (EqualIgnoringCase(given, name)) {
-        Fail("the setting " + given + " for the second time; remove one of them.");
-      }
-    }
-    given_.emplace_back(name);
     for (const TextSetting& setting : kTextSettings) {
-      if (!EqualIgnoringCase(name, setting.name)) continue;
+      if (!IsFirst(name, setting.name)) continue;
       if (setting.name == "Name") RequireNewName(value, profiles_.size() - 1);
       profiles_.back().*setting.member = value;
       return;
     }
     for (const NumberSetting& setting : kNumberSettings) {
-      if (!EqualIgnoringCase(name, setting.name)) continue;
+      if (!IsFirst(name, setting.name)) continue;
       profiles_.back().*setting.member = NumberIn(value, setting);
       return;
     }
-    Fail("no setting is called \"" + std::string(name) +
-         "\"; there are Name, Driver, Host, Port, Database, UserName, Password, ConnectTimeout "
-         "and ReceiveTimeout.");
+    for (const SectionSetting& setting : kSectionSettings) {
+      if (!IsFirst(name, setting.name)) continue;
+      TakeSectionSetting(setting, value);
+      return;
+    }
+    Fail(
+        "no setting has this name; there are Name, Driver, Host, Port, Database, UserName, "
+        "Password, ConnectTimeout, ReceiveTimeout, SslMode, SslRootCert and DateFormat.");
+  }
+
+  // Whether `name` is that of the setting `known`, which a profile has once.
+  bool IsFirst(std::string_view name, std::string_view known) {
+    if (!EqualIgnoringCase(name, known)) return false;
+    if (std::find(given_.begin(), given_.end(), known) != given_.end()) {
+      Fail("the setting " + std::string(known) + " for the second time; remove one of them.");
+    }
+    given_.push_back(known);
+    return true;
+  }
+
+  void TakeSectionSetting(const SectionSetting& setting, std::string_view value) {
+    constexpr std::size_t kMostDateFormatBytes = 255;
+    const std::string name(setting.name);
+    if (value.empty()) Fail(name + " has no value; give one or remove the line.");
+    std::string& member = sections_.back().*setting.member;
+    member = value;
+    if (setting.member == &SectionSettings::DateFormat) {
+      if (value.size() > kMostDateFormatBytes) {
+        Fail(name + " is too long; give at most " + std::to_string(kMostDateFormatBytes) +
+             " bytes.");
+      }
+      return;
+    }
+    tls_line_ = line_;
+    if (setting.member == &SectionSettings::SslRootCert) {
+      member = std::filesystem::absolute(std::filesystem::path(path_).parent_path() / member);
+      errno = 0;
+      if (std::ifstream file(member); !file || file.peek() == std::ifstream::traits_type::eof()) {
+        Fail(name + " names no file that can be read" +
+             (errno != 0 ? std::string(" (") + std::strerror(errno) + ")" : "") +
+             "; it is looked for from this file's folder.");
+      }
+    }
   }
 
   std::int32_t NumberIn(std::string_view value, const NumberSetting& setting) const {
@@ -141,19 +200,22 @@ class FileReader {
 
   std::string path_;
   std::vector<ConnectionProfile> profiles_;
-  std::vector<std::string> given_;
+  std::vector<SectionSettings> sections_;  // of each profile
+  std::vector<std::string_view> given_;
   int line_ = 0;
+  int tls_line_ = 0;  // of the last setting about TLS
 };
 
 }  // namespace
 
-void ProfileSet::Add(ConnectionProfile profile) {
+void ProfileSet::Add(ConnectionProfile profile, SectionSettings section) {
   for (const ConnectionProfile& known : profiles_) {
     if (EqualIgnoringCase(known.Name, profile.Name)) {
       Refuse("There is a connection profile \"" + known.Name + "\" already.");
     }
   }
   profiles_.push_back(std::move(profile));
+  sections_.push_back(std::move(section));
 }
 
 void ProfileSet::UseForSession(std::string_view name) {
@@ -172,17 +234,25 @@ ResolvedTarget ProfileSet::Resolve(const DataServerAddress& address) const {
   ResolvedTarget target;
   const auto has_address = [&address](const ConnectionProfile& profile) {
     return EqualIgnoringCase(profile.Host, address.host) &&
-           (address.port == 0 || profile.Port == address.port) &&
-           (address.user.empty() || profile.UserName == address.user);
+           (address.port == 0 || profile.Port == address.port);
   };
-  const ConnectionProfile* chosen = &Session();
-  if (!address.host.empty() && !has_address(*chosen)) {
-    const auto found = std::find_if(profiles_.begin(), profiles_.end(), has_address);
+  const auto fits = [&](const ConnectionProfile& profile) {
+    return has_address(profile) && (address.user.empty() || profile.UserName == address.user);
+  };
+  std::size_t chosen = session_;
+  if (!address.host.empty() && !fits(Session())) {
+    const auto found = std::find_if(profiles_.begin(), profiles_.end(), fits);
     target.address_replaced = found == profiles_.end();
-    if (!target.address_replaced) chosen = &*found;
+    if (!target.address_replaced) chosen = static_cast<std::size_t>(found - profiles_.begin());
+  }
+  target.section = sections_[chosen];
+  for (std::size_t i = 0; target.address_replaced && i < profiles_.size(); ++i) {
+    if (!target.section.SslMode.empty() || !has_address(profiles_[i])) continue;
+    target.section.SslMode = sections_[i].SslMode;
+    target.section.SslRootCert = sections_[i].SslRootCert;
   }
   ConnectionProfile& profile = target.profile;
-  profile = *chosen;
+  profile = profiles_[chosen];
   if (!address.host.empty()) profile.Host = address.host;
   if (address.port != 0) profile.Port = address.port;
   if (!address.user.empty()) {
@@ -211,13 +281,12 @@ ProfileFile ReadProfileFile(const std::string& path) {
     Refuse("The file " + path + " is longer than 1 MiB; name a file of profiles.");
   }
   if (file.bad()) Refuse("Cannot read the profile file " + path + ".");
-  std::vector<ConnectionProfile> profiles = FileReader(path).Read(text);
+  ProfileFile result{FileReader(path).Read(text), {}};
+  const std::vector<ConnectionProfile>& profiles = result.profiles.All();
   const bool has_password = std::any_of(profiles.begin(), profiles.end(),
                                         [](const auto& one) { return !one.Password.empty(); });
-  ProfileFile result{ProfileSet(profiles.front()), {}};
-  for (std::size_t i = 1; i < profiles.size(); ++i) result.profiles.Add(std::move(profiles[i]));
-  if (has_password && (facts.st_mode & (S_IRGRP | S_IROTH)) != 0) {
-    result.warnings.push_back("Other users can read the passwords in " + path +
+  if (has_password && IsOpenToOthers(path)) {
+    result.warnings.push_back("Other users can read or change the passwords in " + path +
                               "; run: chmod 600 " + path);
   }
   return result;

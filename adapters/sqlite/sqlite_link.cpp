@@ -120,8 +120,8 @@ SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
                            "The connection profile \"" + profile.Name + "\" wants the driver \"" +
                                profile.Driver + "\"; this is the embedded server (\"sqlite\").");
   }
-  Key key{profile.Driver,   profile.Host,     profile.Port,
-          profile.Database, profile.UserName, profile.Password};
+  Key key{profile.Driver,   profile.Host,     profile.Port,  profile.Database,
+          profile.UserName, profile.Password, target.section};
   auto& pool = pools_[std::move(key)];
   if (!pool) pool = std::make_shared<ConnectionPool>(profile.Database, cancel_switch_, durability_);
   return {pool, profile.ReceiveTimeout};

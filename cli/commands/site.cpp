@@ -84,7 +84,7 @@ int CreateOnServer(Context& context, const SiteArguments& arguments) {
   const auto statements = PostgresqlSiteStatements(ReleaseOf(arguments));
   std::unique_ptr<odbc::SiteBuilder> builder;
   try {
-    builder = std::make_unique<odbc::SiteBuilder>(profile);
+    builder = std::make_unique<odbc::SiteBuilder>(context.Profiles());
     for (const SiteStatement& statement : statements) {
       if (context.Signals().Cancelled()) throw OutputCancelled();
       statement.is_native ? builder->ExecuteNative(statement.text)

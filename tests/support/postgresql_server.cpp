@@ -15,7 +15,7 @@ namespace {
 
 // The one place that knows how a sample site comes into an empty database.
 void BuildSampleSite(const ConnectionProfile& database, SiteRelease release) {
-  odbc::SiteBuilder site(database);
+  odbc::SiteBuilder site{ProfileSet(database)};
   for (const SiteStatement& statement : PostgresqlSiteStatements(release)) {
     statement.is_native ? site.ExecuteNative(statement.text) : site.Execute(statement.text);
   }

@@ -38,7 +38,8 @@ class ServerOfOracle final : public Engine {
   [[nodiscard]] std::int32_t UsualPort() const override { return 1521; }
   [[nodiscard]] bool FoldsToLowerCase() const override { return false; }
 
-  [[nodiscard]] std::string ConnectionText(const ConnectionProfile& profile) const override {
+  [[nodiscard]] std::string ConnectionText(const ConnectionProfile& profile,
+                                           const SectionSettings&) const override {
     return OracleConnectionText(profile);
   }
 

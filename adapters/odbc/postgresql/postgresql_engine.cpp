@@ -51,8 +51,9 @@ class Postgresql final : public Engine {
   [[nodiscard]] std::string_view ServerName() const override { return "PostgreSQL"; }
   [[nodiscard]] std::int32_t UsualPort() const override { return 5432; }
   [[nodiscard]] bool FoldsToLowerCase() const override { return true; }
-  [[nodiscard]] std::string ConnectionText(const ConnectionProfile& profile) const override {
-    return PostgresqlConnectionText(profile);
+  [[nodiscard]] std::string ConnectionText(const ConnectionProfile& profile,
+                                           const SectionSettings& section) const override {
+    return PostgresqlConnectionText(profile, section);
   }
   [[nodiscard]] std::string SocketFile(const ConnectionProfile& profile) const override {
     // Where Debian's client library looks when it is given no host.

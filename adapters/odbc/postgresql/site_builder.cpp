@@ -5,9 +5,10 @@
 
 namespace sabrel::odbc {
 
-SiteBuilder::SiteBuilder(const ConnectionProfile& profile)
-    : link_(std::make_unique<OdbcLink>(ProfileSet(profile), std::make_shared<DatabaseError>(),
-                                       Opening::kBare)) {
+SiteBuilder::SiteBuilder(const ProfileSet& profiles)
+    : link_(
+          std::make_unique<OdbcLink>(profiles, std::make_shared<DatabaseError>(), Opening::kBare)) {
+  const ConnectionProfile& profile = profiles.Session();
   if (EngineForDriver(profile.Driver) != &PostgresqlEngine()) {
     throw RuntimeError(RuntimeErrorNumber::kInvalidCall,
                        "The connection profile \"" + profile.Name + "\" has the driver \"" +

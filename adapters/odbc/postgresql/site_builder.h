@@ -3,7 +3,7 @@
 // The database gets the extension orafce, the schema sabrel_dictionary with what stands in for
 // Oracle's dictionary and operators, and a schema named after the profile's user for the site.
 //
-//   sabrel::odbc::SiteBuilder site(profile);
+//   sabrel::odbc::SiteBuilder site(ProfileSet(profile));
 //   site.Execute("CREATE TABLE T (ID NUMBER(10) PRIMARY KEY)");
 //   site.Finish();
 #pragma once
@@ -11,7 +11,7 @@
 #include <memory>
 #include <string_view>
 
-#include "sabrel/platform/connection_profile.h"
+#include "adapters/shared/profiles.h"
 #include "sabrel/platform/rowlink.h"
 
 namespace sabrel::odbc {
@@ -20,9 +20,10 @@ class OdbcLink;
 
 class SiteBuilder {
  public:
-  /// Errors: 5 for a driver that is not PostgreSQL's; a connection failure; a database error with
-  /// native number 955 where the database holds a site, 1031 where the user may not make one
-  explicit SiteBuilder(const ConnectionProfile& profile);
+  /// In the database of the session's profile. Errors: 5 for a driver that is not PostgreSQL's; a
+  /// connection failure; a database error with native number 955 where the database holds a site,
+  /// 1031 where the user may not make one
+  explicit SiteBuilder(const ProfileSet& profiles);
   /// Takes back what was not finished.
   ~SiteBuilder();
   SiteBuilder(const SiteBuilder&) = delete;
