@@ -63,13 +63,12 @@ std::string LibpqSetting(std::string_view name, std::string_view value) {
   return " " + std::string(name) + "='" + escaped + "'";
 }
 
-/// With an SslMode libpq connects by TLS or not at all. GSSAPI, which it would prefer, is another
-/// encryption, without the server's certificate.
+/// What the driver has no keyword for, beside SSLmode, with which libpq connects by TLS or not at
+/// all. GSSAPI, which it would prefer, is another encryption, without the server's certificate.
 std::string TlsSettings(const SectionSettings& section) {
   if (section.SslMode.empty()) return {};
   RequirePlainText("SslRootCert", section.SslRootCert, kMostBytes);
-  return LibpqSetting("sslmode", section.SslMode) +
-         LibpqSetting("sslrootcert", section.SslRootCert) + LibpqSetting("gssencmode", "disable");
+  return LibpqSetting("sslrootcert", section.SslRootCert) + LibpqSetting("gssencmode", "disable");
 }
 
 /// The parts of "//host:port/service" have no quoting of their own.

@@ -23,7 +23,10 @@ std::string Composed(std::string (*compose)(const ConnectionProfile&), const cha
 }
 
 TEST(OdbcConnectionText, HostileSettingsStayInTheirPlaceOrAreRefused) {
-  const auto pg = PostgresqlConnectionText;
+  const auto pg = [](const ConnectionProfile& p) { return PostgresqlConnectionText(p, {}); };
+  const auto tls = [](const ConnectionProfile& p) {
+    return PostgresqlConnectionText(p, {"verify-full", "/a'b}"});
+  };
   const auto oracle = OracleConnectionText;
   const std::pair<std::string, const char*> rows[] = {
       {Composed(pg, "h", 1, "d b", "ü", "};UID=x;{%41 "),
@@ -31,6 +34,9 @@ TEST(OdbcConnectionText, HostileSettingsStayInTheirPlaceOrAreRefused) {
       {Composed(pg, "/run", 0, "a'b\\", "}", ""),
        "DRIVER={D}}r;v};pqopt={host='/run' dbname='a\\'b\\\\' user='}}'};"},
       {Composed(pg, "[::1]", 0, "", "", "p"), "DRIVER={D}}r;v};PWD={p};pqopt={host='::1'};SSL"},
+      {Composed(tls, "h", 0, "", "", ""),
+       "DRIVER={D}}r;v};pqopt={host='h' sslrootcert='/a\\'b}}' "
+       "gssencmode='disable'};SSLmode=verify-full;Protocol"},
       {Composed(oracle, "h", 0, "xe", "u", "p"), "DRIVER={D}}r;v};DBQ=//h:1521/xe;UID=u;PWD=p;FWC"},
       {Composed(oracle, "::1", 7, "xe", " u", "};p"),
        "DRIVER={D}}r;v};DBQ={//[::1]:7/xe};UID={ u};PWD={}};p};"},

@@ -88,7 +88,7 @@ TEST_F(OdbcValues, CallsTellWhatBecameOfThem) {
 }
 
 TEST_F(OdbcValues, BoundCallsAndArraysOfRowsDoWhatTextDoes) {
-  odbc::Connection connection(odbc::PostgresqlEngine(), site->Profile(), odbc::Opening::kSite,
+  odbc::Connection connection(odbc::PostgresqlEngine(), site->Profile(), {}, odbc::Opening::kSite,
                               std::make_shared<odbc::CancelPoint>());
   const auto add = connection.Find("EA_Client.Add_Common_Entity", 2, 10);
   ASSERT_TRUE(add && add->is_function);

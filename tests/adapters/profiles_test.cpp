@@ -26,15 +26,25 @@ ProfileFile Read(const std::string& text, mode_t mode = 0600) {
 TEST(Profiles, AFileGivesItsSettings) {
   const ProfileFile file = Read(
       "\xEF\xBB\xBF# plants\r\n[ plant ]\r\ndriver = sqlite\nDATABASE=/a b/=x\n"
-      "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n",
-      0640);
+      "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n"
+      "SslRootCert=profiles.ini\nsslmode=verify-full\nDateFormat= DD.MM.YYYY \nDriver=psqlodbc\n");
   ASSERT_EQ(file.profiles.All().size(), 2U);
   EXPECT_EQ(file.profiles.Session(),
             (ConnectionProfile{"plant", "sqlite", "", 0, "/a b/=x", "", "p#;", 0, 60}));
   EXPECT_EQ(file.profiles.All()[1].Port, 1521);
-  ASSERT_EQ(file.warnings.size(), 1U);
-  EXPECT_THAT(file.warnings[0], HasSubstr("chmod 600"));
-  EXPECT_TRUE(Read("[a]\nPassword=x\n").warnings.empty());
+  EXPECT_EQ(file.profiles.Resolve({}).section, SectionSettings{});
+  const SectionSettings north = file.profiles.Resolve({"N1", 0, "", "", 0}).section;
+  EXPECT_THAT(north.SslRootCert, ::testing::MatchesRegex("/.*/profiles.ini"));
+  EXPECT_EQ(north.SslMode + " " + north.DateFormat, "verify-full DD.MM.YYYY");
+}
+
+TEST(Profiles, WhatOthersMayReadOrChangeIsToldWhereAPasswordIs) {
+  for (mode_t others = 0; others < 0100; ++others) {
+    std::string told;
+    for (const auto& one : Read("[a]\nPassword=x\n", 0600 | others).warnings) told += one;
+    EXPECT_EQ(told.find("chmod 600") != std::string::npos, (others & 066U) != 0) << others;
+  }
+  EXPECT_TRUE(Read("[a]\nHost=x\n", 0666).warnings.empty());
 }
 
 TEST(Profiles, AFaultNamesFileAndLine) {
@@ -42,11 +52,26 @@ TEST(Profiles, AFaultNamesFileAndLine) {
     return testing::FailureIn(reading).Description();
   };
   constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
-      {"unknown setting", "[a]\nPasword=hush\n", ":2: no setting is called \"Pasword\""},
+      {"unknown setting", "[a]\nPasword=x\n", ":2: no setting has this name"},
+      {"colon", "[a]\nPassword: hush=hush\n", ":2: no setting has this name"},
+      {"name in a name", "[a]\nhush Host=hush\n", ":2: no setting has this name"},
+      {"no sign", "[a]\nPassword hush\n", ":2: neither"},
+      {"second name", "[hush]\n[HUSH]\n", ":2: a second profile"},
       {"port too large", "[a]\nPort=65536\n", ":2: Port wants"},
       {"setting twice", "[a]\nHost=x\nhost=y\n", ":3: the setting Host for the second time"},
       {"setting before a name", "Host=hush\n", ":1: a setting before"},
-      {"open name", "[a\n", ":1: the profile's name does not end"},
+      {"open name", "[hush\n", ":1: the profile's name does not end"},
+      {"TLS mode", "[a]\nSslMode=prefer\n", ":2: SslMode wants require, verify-ca or verify-full"},
+      {"no TLS mode", "[a]\nSslMode=\n", ":2: SslMode has no value"},
+      {"TLS of Oracle", "[a]\nSslMode=require\nDriver=Oracle 21\n[b]\n", ":2: SslMode is for"},
+      {"TLS of a file", "[a]\nDriver=SQLite\nSslMode=require\n", ":3: SslMode is for"},
+      {"TLS of a socket", "[a]\nDriver=psqlodbc\nHost=h,/tmp\nSslMode=require\n",
+       ":4: SslMode wants a Host"},
+      {"TLS without a host", "[a]\nDriver=psqlodbc\nSslMode=require\n", ":3: SslMode wants a Host"},
+      {"authority alone", "[a]\nDriver=psqlodbc\nSslRootCert=profiles.ini\n",
+       ":3: SslRootCert demands nothing"},
+      {"no authority", "[a]\nDriver=psqlodbc\nSslRootCert=hush\n", ":3: SslRootCert names no file"},
+      {"date format", "[a]\nDateFormat=\n", ":2: DateFormat has no value"},
       {"no UTF-8", "[a]\nHost=\xFF\n", ":2: this is not UTF-8"},
   };
   for (const auto& [name, text, expected] : kRows) {
@@ -61,23 +86,29 @@ TEST(Profiles, AFaultNamesFileAndLine) {
 TEST(Profiles, AnAddressChoosesAndOverrides) {
   ProfileSet set({"s", "sqlite", "", 0, "s.site", "ann", "pa", 5, 60});
   set.Add({"n", "odbc", "north", 1, "N", "ann", "pn", 0, 0});
-  set.Add({"m", "odbc", "north", 1, "M", "bob", "pm", 0, 9});
-  // The chosen profile, user, password, time-out; replaced.
+  set.Add({"m", "odbc", "north", 1, "M", "bob", "pm", 0, 9}, {"verify-ca", ""});
+  set.Add({"w", "odbc", "west", 2, "W", "ann", "pw", 0, 9}, {"require", ""});
+  // The chosen profile, user, password, time-out; replaced; TLS.
   const std::tuple<const char*, DataServerAddress, const char*> rows[] = {
-      {"nothing", {}, "s ann pa 60 0"},
-      {"another user has no password", {"", 0, "eve", "", 0}, "s eve  60 0"},
-      {"address", {"NORTH", 1, "", "", 0}, "n ann pn 0 0"},
-      {"address and user", {"north", 1, "bob", "", 0}, "m bob pm 9 0"},
-      {"unknown host", {"south", 1, "", "", 0}, "s ann pa 60 1"},
+      {"nothing", {}, "s ann pa 60 0 "},
+      {"another user has no password", {"", 0, "eve", "", 0}, "s eve  60 0 "},
+      {"address", {"NORTH", 1, "", "", 0}, "n ann pn 0 0 "},
+      {"address and user", {"north", 1, "bob", "", 0}, "m bob pm 9 0 verify-ca"},
+      {"unknown host", {"south", 1, "", "", 0}, "s ann pa 60 1 "},
+      {"unknown user where TLS is demanded", {"north", 1, "eve", "", 0}, "s eve  60 1 verify-ca"},
   };
   for (const auto& [name, address, chosen] : rows) {
     const ResolvedTarget target = set.Resolve(address);
     const ConnectionProfile& p = target.profile;
     EXPECT_EQ(p.Name + " " + p.UserName + " " + p.Password + " " +
-                  std::to_string(p.ReceiveTimeout) + " " + (target.address_replaced ? "1" : "0"),
+                  std::to_string(p.ReceiveTimeout) + " " + (target.address_replaced ? "1 " : "0 ") +
+                  target.section.SslMode,
               chosen)
         << name;
   }
+  set.UseForSession("W");
+  EXPECT_EQ(set.Resolve({"south", 1, "", "", 0}).section.SslMode, "require");
+  EXPECT_EQ(set.Resolve({"NORTH", 1, "eve", "", 0}).section.SslMode, "require");
   set.UseForSession("M");
   EXPECT_EQ(set.Resolve({}).profile.Database, "M");
   EXPECT_THROW(set.UseForSession("x"), RuntimeError);

@@ -97,6 +97,16 @@ std::optional<ConnectionProfile> PostgresqlServer() {
   return profile;
 }
 
+std::optional<TlsServer> PostgresqlTlsServer() {
+  const char* port = std::getenv("SABREL_TEST_PG_TLS_PORT");
+  const char* folder = std::getenv("SABREL_TEST_PG_TLS_FOLDER");
+  auto profile = PostgresqlServer();
+  if (port == nullptr || folder == nullptr || !profile) return std::nullopt;
+  profile->Host = "localhost";
+  profile->Port = std::atoi(port);
+  return TlsServer{*std::move(profile), folder};
+}
+
 struct PostgresqlSession::Handles {
   Handle environment{SQL_HANDLE_ENV, nullptr};
   Handle connection{SQL_HANDLE_DBC, environment.handle};

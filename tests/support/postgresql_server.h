@@ -20,6 +20,14 @@ inline constexpr const char* kOtherPostgresqlUser = "system";
 /// Its superuser's profile of the database "postgres"; nothing where there is no server.
 [[nodiscard]] std::optional<ConnectionProfile> PostgresqlServer();
 
+/// The same of the server that has TLS, by the name in its certificate, and the folder with the
+/// authorities ca.crt, which signed that, and other.crt.
+struct TlsServer {
+  ConnectionProfile profile;
+  std::string folder;
+};
+[[nodiscard]] std::optional<TlsServer> PostgresqlTlsServer();
+
 /// A connection of the superuser to the database "postgres", beside what is tested.
 class PostgresqlSession {
  public:
