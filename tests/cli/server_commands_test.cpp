@@ -41,7 +41,8 @@ TEST_F(CommandLine, DoesOnPostgresqlWhatItDoesOnAFile) {
   const PostgresqlDatabase site;
   ConnectionProfile stranger = site.Profile();
   stranger.Password = "wr0ng";
-  folder_.Write("profiles", Section("plant", site.Profile()) + Section("stranger", stranger));
+  folder_.Write("profiles", Section("plant", site.Profile()) + Section("stranger", stranger) +
+                                Section("secure", site.Profile()) + "SslMode = require\n");
   folder_.Write("text", std::string(9001, 'x') + "\u20AC");
   const std::string on = "--profile @/profiles --show-sql --format csv ";
   Check({
@@ -52,6 +53,8 @@ TEST_F(CommandLine, DoesOnPostgresqlWhatItDoesOnAFile) {
       {"save", on + "text save 9 @/text", 0},
       {"load", on + "text load 9 --file @/back", 0},
       {"kind", on + "request `DELETE FROM EA_USER`", 4, "", "Kind: child record found"},
+      {"no TLS", on + "--profile-name secure server test", 3, "", "server does not support SSL"},
+      {"no site", on + "--profile-name secure site create", 4, "", "server does not support SSL"},
       {"password", on + "--profile-name stranger server test", 4, "", "Error: 1017"},
   });
   EXPECT_EQ(folder_.Read("back"), folder_.Read("text"));
