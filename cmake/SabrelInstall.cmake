@@ -19,6 +19,7 @@ foreach(header
     shared/conversation.h
     shared/file_access.h
     shared/profiles.h
+    shared/section_settings.h
     sqlite/site_builder.h
     sqlite/sqlite_rowlink.h)
   cmake_path(GET header PARENT_PATH folder)
