@@ -23,7 +23,8 @@ Variant ProcedureCall::ParameterValue(std::int32_t index) const {
   if (position < outcome_.outputs.size() && outcome_.outputs[position]) {
     return *outcome_.outputs[position];
   }
-  return Variant(call_.parameters[position].value);
+  const std::string& value = call_.parameters[position].value;
+  return value.empty() ? Variant(Null{}) : Variant(value);
 }
 
 }  // namespace sabrel

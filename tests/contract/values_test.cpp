@@ -131,6 +131,7 @@ TEST_P(Contract, RoutinesTakeAndGiveByPosition) {
   const Variant id = add->ParameterValue(0);
   ASSERT_EQ(id.kind(), VariantKind::kInt32);
   EXPECT_EQ(add->ParameterValue(1), Variant("N'\u00E4")) << "an in-argument reads as appended";
+  EXPECT_TRUE(add->ParameterValue(2).IsNull()) << "an empty one as null";
   const auto without_position =
       call("EA_Client.Add_Common_Entity", {{"N2", "string"}, {"", "integer"}});
   EXPECT_EQ(without_position->Execute(), Variant(id.Get<std::int32_t>() + 1));
