@@ -127,18 +127,20 @@ bool CFeatureManager::IsFeatureEnabled(std::string_view sFeature) const noexcept
 }
 
 void CFeatureManager::Initialize() {
-  enabled_ = {};
-  configured_ = {};
-  if (MSabrel::DoesTableExist("PM_Feature_Changes")) {
-    LoadFeatures(configured_);
-  } else {
-    for (const FeatureRule& rule : kFeatureRules) {
-      if (IsConfigured(rule)) configured_.Add(rule.feature);
+  enabled_.Clear();
+  configured_.Clear();
+  RaisingRuntimeErrors([&] {
+    if (MSabrel::DoesTableExist("PM_Feature_Changes")) {
+      LoadFeatures(configured_);
+    } else {
+      for (const FeatureRule& rule : kFeatureRules) {
+        if (IsConfigured(rule)) configured_.Add(rule.feature);
+      }
     }
-  }
-  for (const std::string_view name : kFeatureNames) {
-    if (configured_.Contains(name)) enabled_.Add(name);
-  }
+    for (const std::string_view name : kFeatureNames) {
+      if (configured_.Contains(name)) enabled_.Add(name);
+    }
+  });
 }
 
 void CFeatureManager::LoadFeatures(NamedValues& sts) const {
@@ -152,13 +154,15 @@ void CFeatureManager::LoadFeatures(NamedValues& sts) const {
 }
 
 std::shared_ptr<CFeatureManager> GFeatureManager::FeatureManager() {
-  if (auto known = ModuleState<SharedManager>().manager) return known;
-  RequirePlatform();
-  const auto manager = std::make_shared<CFeatureManager>();
-  // Remembered before it is initialized: that is done once, also when it fails.
-  ModuleState<SharedManager>().manager = manager;
-  manager->Initialize();
-  return manager;
+  return RaisingRuntimeErrors([] {
+    if (auto known = ModuleState<SharedManager>().manager) return known;
+    RequirePlatform();
+    auto manager = std::make_shared<CFeatureManager>();
+    // Remembered before it is initialized: that is done once, also when it fails.
+    ModuleState<SharedManager>().manager = manager;
+    manager->Initialize();
+    return manager;
+  });
 }
 
 }  // namespace sabrel

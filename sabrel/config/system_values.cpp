@@ -47,15 +47,17 @@ CSystemValues::Entry AskFor(std::string_view sName, std::string_view sValue,
 
 std::shared_ptr<CSystemValues> CSystemValues::Values(const Variant& sName, std::int32_t nPortId,
                                                      std::string_view sServerName) const {
-  auto found = std::make_shared<CSystemValues>();
-  if (sName.IsNull()) return found;
-  const std::string name = RaisingRuntimeErrors([&] { return ToText(sName); });
-  for (const Entry& entry : entries_) {
-    const bool same_server =
-        sServerName.empty() || (entry->ServerName() == sServerName && entry->PortId() == nPortId);
-    if (entry->Name() == name && same_server) found->AddValue(entry->Clone());
-  }
-  return found;
+  return RaisingRuntimeErrors([&] {
+    auto found = std::make_shared<CSystemValues>();
+    if (sName.IsNull()) return found;
+    const std::string name = ToText(sName);
+    for (const Entry& entry : entries_) {
+      const bool same_server =
+          sServerName.empty() || (entry->ServerName() == sServerName && entry->PortId() == nPortId);
+      if (entry->Name() == name && same_server) found->AddValue(entry->Clone());
+    }
+    return found;
+  });
 }
 
 void CSystemValues::AddValue(const Entry& sv) {
@@ -67,11 +69,11 @@ CSystemValues::Entry CSystemValues::AddNew(std::string_view sName, std::string_v
                                            std::string_view sHostName, std::int32_t nPortNumber,
                                            std::string_view sUserName, std::string_view sPassword,
                                            std::int32_t nTimeOut) {
-  auto entry = RaisingRuntimeErrors([&] {
-    return AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+  return RaisingRuntimeErrors([&] {
+    auto entry = AskFor(sName, sValue, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+    entries_.Add(entry, entry->Key());
+    return entry;
   });
-  entries_.Add(entry, entry->Key());
-  return entry;
 }
 
 namespace MSabrel {

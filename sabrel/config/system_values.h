@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/variant.h"
 #include "sabrel/sql/answer_cache.h"
 
@@ -21,11 +22,11 @@ class CSystemValue {
   [[nodiscard]] bool Exists() const noexcept { return exists_; }
   void Exists(bool value) noexcept { exists_ = value; }
   [[nodiscard]] const std::string& Name() const noexcept { return name_; }
-  void Name(std::string_view value) { name_ = value; }
+  void Name(std::string_view value) { AssignText(name_, value); }
   [[nodiscard]] const std::string& Value() const noexcept { return value_; }
-  void Value(std::string_view value) { value_ = value; }
+  void Value(std::string_view value) { AssignText(value_, value); }
   [[nodiscard]] const std::string& ServerName() const noexcept { return server_name_; }
-  void ServerName(std::string_view value) { server_name_ = value; }
+  void ServerName(std::string_view value) { AssignText(server_name_, value); }
   [[nodiscard]] std::int32_t PortId() const noexcept { return port_id_; }
   void PortId(std::int32_t value) noexcept { port_id_ = value; }
   /// Seconds, as given with the question.
@@ -33,10 +34,10 @@ class CSystemValue {
   void TimeOut(std::int32_t value) noexcept { timeout_s_ = value; }
   /// Kept as it was set; it does not follow later changes of the other settings.
   [[nodiscard]] const std::string& Key() const noexcept { return key_; }
-  void Key(std::string_view value) { key_ = value; }
+  void Key(std::string_view value) { AssignText(key_, value); }
 
   [[nodiscard]] std::shared_ptr<CSystemValue> Clone() const {
-    return std::make_shared<CSystemValue>(*this);
+    return RaisingRuntimeErrors([&] { return std::make_shared<CSystemValue>(*this); });
   }
 
  private:

@@ -79,12 +79,8 @@ std::string DetailsText(const Variant& details) {
 
 }  // namespace
 
-void CErrorObject::Clear() {
-  number_ = 0;
-  source_.clear();
-  description_.clear();
-  help_file_.clear();
-  help_context_ = 0;
+void CErrorObject::Clear() noexcept {
+  failure_ = RuntimeError(0, {}, {});
   db_number_ = 0;
   db_source_.clear();
   db_description_.clear();
@@ -99,65 +95,64 @@ void CErrorObject::Reset() {
 }
 
 void CErrorObject::Reset(const RuntimeError& failure) {
-  number_ = failure.Number();
-  source_ = failure.Source();
-  description_ = failure.Description();
-  help_file_ = failure.HelpFile();
-  help_context_ = failure.HelpContext();
-  CaptureDatabaseError();
-  db_help_file_.clear();
-  db_help_context_ = 0;
-  db_error_type_ = Classify(db_number_);
+  const RuntimeError captured = failure;  // it may be this object's own
+  Clear();
+  failure_ = captured;
+  RaisingRuntimeErrors([&] { CaptureDatabaseError(); });
 }
 
 void CErrorObject::CaptureDatabaseError() {
-  db_number_ = 0;
-  db_source_.clear();
-  db_description_.clear();
   if (!IsDBError()) return;
-  const DatabaseError error =
-      RaisingRuntimeErrors([] { return CurrentPlatform().rowlink->LastDatabaseError(); });
-  db_number_ = error.native_number;
-  db_source_ = error.source + " (" + error.originator + ")";
+  DatabaseError error = CurrentPlatform().rowlink->LastDatabaseError();
+  std::string source = error.source + " (" + error.originator + ")";
   db_description_ = error.message + " (" + error.detail + ")";
-  db_originator_ = error.originator;
+  db_source_ = std::move(source);
+  db_originator_ = std::move(error.originator);
+  db_number_ = error.native_number;
+  db_error_type_ = Classify(db_number_);
 }
 
 bool CErrorObject::IsDBError() const {
-  return number_ != 0 && RaisingRuntimeErrors([&] {
-           return CurrentPlatform().application->ErrorCodeOf(number_) == kDatabaseErrorCode;
+  return Number() != 0 && RaisingRuntimeErrors([&] {
+           return CurrentPlatform().application->ErrorCodeOf(Number()) == kDatabaseErrorCode;
          });
 }
 
 std::int32_t CErrorObject::ConnectionCode() const {
-  if (number_ == 0 || IsDBError()) return 0;
+  if (Number() == 0 || IsDBError()) return 0;
   return RaisingRuntimeErrors(
-      [&] { return CurrentPlatform().rowlink->ConnectionErrorCode(number_); });
+      [&] { return CurrentPlatform().rowlink->ConnectionErrorCode(Number()); });
 }
 
 bool CErrorObject::IsConnectionError() const { return !ConnectionText(ConnectionCode()).empty(); }
 
 std::string CErrorObject::ConnectionErrorDescription() const {
-  return std::string(ConnectionText(ConnectionCode()));
+  return RaisingRuntimeErrors([&] { return std::string(ConnectionText(ConnectionCode())); });
 }
 
 std::string CErrorObject::Text(const Variant& vDetails) const {
-  if (!IsDBError() || db_number_ == 0) {
+  return RaisingRuntimeErrors([&] {
+    if (IsDBError() && db_number_ != 0) return DatabaseText(vDetails);
     std::string connection = ConnectionErrorDescription();
     return connection.empty() ? "An unexpected error occurred" : connection;
-  }
+  });
+}
+
+std::string CErrorObject::DatabaseText(const Variant& details) const {
   std::string text =
       "Error: " + std::to_string(db_number_) + "\r\nDescription: " + Indented(db_description_);
   if (!db_source_.empty()) text += "\r\nSource: " + db_source_;
-  const std::string details = DetailsText(vDetails);
-  if (!details.empty()) text += "\r\nDetails: " + Indented(details);
+  const std::string shown = DetailsText(details);
+  if (!shown.empty()) text += "\r\nDetails: " + Indented(shown);
   return text;
 }
 
 void CErrorObject::Raise(std::string_view sDetails) const {
-  if (number_ == 0) throw RuntimeError(RuntimeErrorNumber::kInvalidCall);
-  throw RuntimeError(number_, source_, description_ + std::string(sDetails), help_file_,
-                     help_context_);
+  if (Number() == 0) throw RuntimeError(RuntimeErrorNumber::kInvalidCall);
+  throw RaisingRuntimeErrors([&] {
+    return RuntimeError(Number(), Source(), Description() + std::string(sDetails), HelpFile(),
+                        HelpContext());
+  });
 }
 
 namespace MSabrel {

@@ -26,22 +26,22 @@ class CErrorObject {
   CErrorObject() { Reset(); }
   explicit CErrorObject(const RuntimeError& failure) { Reset(failure); }
 
-  /// Forgets the failure. `DBOriginator` and `DBData` stay as they are.
-  void Clear();
+  /// Forgets the failure. `DBOriginator` and `DBData` stay as they are. Errors: none
+  void Clear() noexcept;
 
   /// Captures the exception being handled on this thread; none gives number 0 and empty texts.
   void Reset();
   void Reset(const RuntimeError& failure);
 
-  [[nodiscard]] std::int32_t Number() const noexcept { return number_; }
-  [[nodiscard]] const std::string& Source() const noexcept { return source_; }
-  [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+  [[nodiscard]] std::int32_t Number() const noexcept { return failure_.Number(); }
+  [[nodiscard]] const std::string& Source() const noexcept { return failure_.Source(); }
+  [[nodiscard]] const std::string& Description() const noexcept { return failure_.Description(); }
   /// Always empty.
   [[nodiscard]] const std::string& DBData() const noexcept { return db_data_; }
   /// Of the last database error; later failures of other kinds leave it.
   [[nodiscard]] const std::string& DBOriginator() const noexcept { return db_originator_; }
-  [[nodiscard]] const std::string& HelpFile() const noexcept { return help_file_; }
-  [[nodiscard]] std::int32_t HelpContext() const noexcept { return help_context_; }
+  [[nodiscard]] const std::string& HelpFile() const noexcept { return failure_.HelpFile(); }
+  [[nodiscard]] std::int32_t HelpContext() const noexcept { return failure_.HelpContext(); }
   /// The native number (1 for ORA-00001); 0 when the failure is no database error.
   [[nodiscard]] std::int32_t DBNumber() const noexcept { return db_number_; }
   /// "source (originator)"
@@ -75,13 +75,10 @@ class CErrorObject {
 
  private:
   void CaptureDatabaseError();
+  [[nodiscard]] std::string DatabaseText(const Variant& details) const;
   [[nodiscard]] std::int32_t ConnectionCode() const;
 
-  std::int32_t number_ = 0;
-  std::string source_;
-  std::string description_;
-  std::string help_file_;
-  std::int32_t help_context_ = 0;
+  RuntimeError failure_{0, {}, {}};
   std::int32_t db_number_ = 0;
   std::string db_source_;
   std::string db_description_;

@@ -37,11 +37,17 @@ void ShowNotRemoved(Services& services, const RuntimeError& failure) noexcept tr
 } catch (...) {
 }
 
-// What to show when even the text of the failure cannot be made.
-std::string TextOf(const RuntimeError& failure) noexcept try {
-  return CErrorObject(failure).Text();
-} catch (...) {
-  return "An unexpected error occurred";
+// From an operation that raises nothing, whatever fails on the way.
+std::string TextOf(const RuntimeError& failure) noexcept {
+  try {
+    return CErrorObject(failure).Text();
+  } catch (...) {
+  }
+  try {
+    return "An unexpected error occurred";
+  } catch (...) {
+    return "Out of memory";  // so short that it needs none
+  }
 }
 
 }  // namespace

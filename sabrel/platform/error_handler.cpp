@@ -6,7 +6,7 @@
 namespace sabrel {
 
 void ErrorHandler::Register(std::int32_t code, std::string_view message) {
-  messages_.insert_or_assign(code, std::string(message));
+  RaisingRuntimeErrors([&] { messages_.insert_or_assign(code, std::string(message)); });
 }
 
 void ErrorHandler::Raise(std::int32_t code, std::string_view module, std::string_view procedure,
@@ -15,11 +15,13 @@ void ErrorHandler::Raise(std::int32_t code, std::string_view module, std::string
   // Unsigned, so that a negative code wraps instead of overflowing.
   const auto number = static_cast<std::int32_t>(static_cast<std::uint32_t>(kCodeBase) +
                                                 static_cast<std::uint32_t>(code));
-  RuntimeError failure(number, source_,
-                       message == messages_.end() ? "Error " + std::to_string(code)
-                                                  : FillTemplate(message->second, arguments));
-  failure.Origin(module, procedure);
-  throw failure;
+  throw RaisingRuntimeErrors([&] {
+    RuntimeError failure(number, source_,
+                         message == messages_.end() ? "Error " + std::to_string(code)
+                                                    : FillTemplate(message->second, arguments));
+    failure.Origin(module, procedure);
+    return failure;
+  });
 }
 
 }  // namespace sabrel

@@ -11,12 +11,14 @@
 #include <string_view>
 #include <vector>
 
+#include "sabrel/platform/runtime_error.h"
+
 namespace sabrel {
 
 class ErrorHandler {
  public:
   [[nodiscard]] const std::string& Source() const noexcept { return source_; }
-  void Source(std::string_view source) { source_ = source; }
+  void Source(std::string_view source) { AssignText(source_, source); }
   /// Replaces an earlier message of the same code.
   void Register(std::int32_t code, std::string_view message);
   /// Throws a RuntimeError with number `kCodeBase + code`, this handler's source and the filled

@@ -11,7 +11,8 @@ namespace sabrel {
 class FlagArray {
  public:
   explicit FlagArray(std::int32_t count)
-      : flags_(count > 0 ? static_cast<std::size_t>(count) : 0) {}
+      : flags_(RaisingRuntimeErrors(
+            [&] { return std::vector<bool>(count > 0 ? static_cast<std::size_t>(count) : 0); })) {}
 
   [[nodiscard]] std::int32_t Count() const noexcept {
     return static_cast<std::int32_t>(flags_.size());

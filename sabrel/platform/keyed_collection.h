@@ -26,19 +26,22 @@ class KeyedCollection {
     return static_cast<std::int32_t>(members_.size());
   }
 
-  /// Appends without a key.
+  /// Appends without a key. Errors: 7
   void Add(T member) {
-    Reserve();
+    RaisingRuntimeErrors([&] { Reserve(); });
     Append(std::move(member), {});
   }
 
-  /// Appends under `key`; an empty key is a key like any other. Errors: 457
+  /// Appends under `key`; an empty key is a key like any other. Errors: 457; 7
   void Add(T member, std::string_view key) {
     if (positions_.contains(key)) throw RuntimeError(RuntimeErrorNumber::kDuplicateKey);
     // Everything that may fail comes before the first change.
-    Reserve();
-    Key kept{std::string(key), true};
-    positions_.emplace(kept.text, members_.size());
+    Key kept = RaisingRuntimeErrors([&] {
+      Reserve();
+      Key made{std::string(key), true};
+      positions_.emplace(made.text, members_.size());
+      return made;
+    });
     Append(std::move(member), std::move(kept));
   }
 

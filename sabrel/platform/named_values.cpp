@@ -6,7 +6,7 @@ void NamedValues::Add(std::string_view name, Variant value) {
   if (Entry* entry = entries_.Find(name)) {
     entry->value = std::move(value);
   } else {
-    entries_.Add({std::string(name), std::move(value)}, name);
+    entries_.Add({RaisingRuntimeErrors([&] { return std::string(name); }), std::move(value)}, name);
   }
 }
 

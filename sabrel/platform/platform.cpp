@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "sabrel/platform/immortal.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/thread_holder.h"
 
@@ -21,9 +22,9 @@ struct Process {
 };
 
 // Never destroyed: a thread may end after the process's static objects are gone.
-Process& TheProcess() {
-  static Process& process = *new Process;
-  return process;
+Process& TheProcess() noexcept {
+  static const internal::Immortal<Process> process;
+  return *process;
 }
 
 thread_local ThreadHolder* own_holder = nullptr;
@@ -80,6 +81,25 @@ bool IsComplete(const Platform& platform) {
          platform.spreadsheet;
 }
 
+Platform MakePlatform() {
+  PlatformFactory factory;
+  {
+    Process& process = TheProcess();
+    const std::scoped_lock lock(process.mutex);
+    factory = process.factory;
+  }
+  if (!factory) {
+    throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
+                       "Sabrel has no platform: call sabrel::InstallPlatform before first use");
+  }
+  Platform made = factory();
+  if (!IsComplete(made)) {
+    throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
+                       "The platform given to sabrel::InstallPlatform leaves a member out");
+  }
+  return made;
+}
+
 }  // namespace
 
 namespace internal {
@@ -119,26 +139,13 @@ void InstallPlatform(PlatformFactory factory) {
 void RequirePlatform() { static_cast<void>(CurrentPlatform()); }
 
 const Platform& CurrentPlatform() {
-  ThreadHolder& holder = internal::OwnThreadHolder();
-  if (!holder.platform) {
-    PlatformFactory factory;
-    {
-      Process& process = TheProcess();
-      const std::scoped_lock lock(process.mutex);
-      factory = process.factory;
-    }
-    if (!factory) {
-      throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
-                         "Sabrel has no platform: call sabrel::InstallPlatform before first use");
-    }
-    Platform made = RaisingRuntimeErrors(factory);
-    if (!IsComplete(made)) {
-      throw RuntimeError(RuntimeErrorNumber::kObjectNotSet,
-                         "The platform given to sabrel::InstallPlatform leaves a member out");
-    }
-    holder.platform = std::move(made);
-  }
-  return *holder.platform;
+  const ThreadHolder* known = internal::FindThreadHolder();
+  if (known != nullptr && known->platform) return *known->platform;
+  return RaisingRuntimeErrors([]() -> const Platform& {
+    ThreadHolder& holder = internal::OwnThreadHolder();
+    holder.platform = MakePlatform();
+    return *holder.platform;
+  });
 }
 
 void UnloadThread() noexcept {

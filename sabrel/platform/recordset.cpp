@@ -19,8 +19,8 @@ DataServerAddress AddressOf(std::string_view host, std::int32_t port, std::strin
 void Recordset::Open(std::string_view sql, std::string_view host, std::int32_t port,
                      std::string_view user, std::string_view password, std::int32_t timeout_s) {
   Close();
-  cursor_ = Deref(link_).Query(sql, AddressOf(host, port, user, password, timeout_s));
   try {
+    cursor_ = Deref(link_).Query(sql, AddressOf(host, port, user, password, timeout_s));
     names_ = Deref(cursor_).ColumnNames();
     std::size_t bytes = 0;
     while (cursor_ && bytes < kOpenBytes) {
@@ -28,20 +28,22 @@ void Recordset::Open(std::string_view sql, std::string_view host, std::int32_t p
       if (!blocks_.empty()) bytes += blocks_.back().Bytes();
     }
   } catch (...) {
+    const RuntimeError failure = CurrentFailure();
     Close();
-    throw;
+    throw failure;
   }
   open_ = true;
 }
 
 void Recordset::Execute(std::string_view sql, std::string_view host, std::int32_t port,
                         std::string_view user, std::string_view password, std::int32_t timeout_s) {
-  Deref(link_).Execute(sql, AddressOf(host, port, user, password, timeout_s));
+  RaisingRuntimeErrors(
+      [&] { Deref(link_).Execute(sql, AddressOf(host, port, user, password, timeout_s)); });
 }
 
 void Recordset::ReadBlock() {
   // A cursor that failed once must fail whoever moves next, never look like the end of the rows.
-  if (failure_) std::rethrow_exception(failure_);
+  if (failure_) throw RuntimeError(*failure_);
   try {
     RowBlock block(names_.size());
     const bool more = cursor_->Fetch(block, kBlockBytes);
@@ -52,8 +54,8 @@ void Recordset::ReadBlock() {
     }
     if (!more) cursor_.reset();
   } catch (...) {
-    failure_ = std::current_exception();
-    throw;
+    failure_ = CurrentFailure();
+    throw RuntimeError(*failure_);
   }
 }
 
@@ -93,7 +95,7 @@ FieldList Recordset::Fields() const {
 
 void Recordset::Close() noexcept {
   cursor_.reset();
-  failure_ = nullptr;
+  failure_.reset();
   names_.clear();
   blocks_.clear();
   row_in_block_ = 0;
@@ -121,8 +123,10 @@ Field FieldList::Item(std::string_view name) const {
   for (std::size_t i = 0; i < recordset_->names_.size(); ++i) {
     if (EqualIgnoringCase(recordset_->names_[i], name)) return {*recordset_, i};
   }
-  throw RuntimeError(RuntimeErrorNumber::kNoSuchField,
-                     "No such field in the record: " + std::string(name));
+  throw RaisingRuntimeErrors([&] {
+    return RuntimeError(RuntimeErrorNumber::kNoSuchField,
+                        "No such field in the record: " + std::string(name));
+  });
 }
 
 Field FieldList::Item(std::int32_t ordinal) const {

@@ -13,8 +13,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,6 +22,7 @@
 
 #include "sabrel/platform/data_link.h"
 #include "sabrel/platform/row_block.h"
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/variant.h"
 
 namespace sabrel {
@@ -98,7 +99,7 @@ class Recordset {
 
   std::shared_ptr<DataLink> link_;
   std::unique_ptr<Cursor> cursor_;
-  std::exception_ptr failure_;
+  std::optional<RuntimeError> failure_;
   std::vector<std::string> names_;
   std::deque<RowBlock> blocks_;
   std::size_t row_in_block_ = 0;

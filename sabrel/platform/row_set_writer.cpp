@@ -7,10 +7,19 @@
 namespace sabrel {
 
 void RowSetWriter::DeclareColumn(std::string_view name, std::string_view type_word) {
-  rows_.columns.push_back({std::string(name), std::string(type_word)});
+  RaisingRuntimeErrors([&] {
+    rows_.columns.push_back({std::string(name), std::string(type_word)});
+  });
 }
 
 void RowSetWriter::Submit() {
+  RaisingRuntimeErrors([&] {
+    RequireWholeRows();
+    Deref(link_).Write(rows_);
+  });
+}
+
+void RowSetWriter::RequireWholeRows() const {
   for (const std::string_view row : rows_.rows) {
     const auto pieces = static_cast<std::size_t>(std::count(row.begin(), row.end(), '|')) + 1;
     if (pieces != rows_.columns.size()) {
@@ -20,7 +29,6 @@ void RowSetWriter::Submit() {
                              rows_.table);
     }
   }
-  Deref(link_).Write(rows_);
 }
 
 }  // namespace sabrel

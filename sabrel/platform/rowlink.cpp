@@ -5,15 +5,15 @@
 namespace sabrel {
 
 std::shared_ptr<Recordset> LinkedRowlink::MakeRecordset() {
-  return std::make_shared<Recordset>(link_);
+  return RaisingRuntimeErrors([&] { return std::make_shared<Recordset>(link_); });
 }
 
 std::shared_ptr<ProcedureCall> LinkedRowlink::MakeProcedureCall() {
-  return std::make_shared<ProcedureCall>(link_);
+  return RaisingRuntimeErrors([&] { return std::make_shared<ProcedureCall>(link_); });
 }
 
 std::shared_ptr<RowSetWriter> LinkedRowlink::MakeRowSetWriter() {
-  return std::make_shared<RowSetWriter>(link_);
+  return RaisingRuntimeErrors([&] { return std::make_shared<RowSetWriter>(link_); });
 }
 
 std::int32_t LinkedRowlink::ConnectionErrorCode(std::int32_t number) const {

@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "sabrel/platform/immortal.h"
+
 namespace sabrel {
 namespace {
 
@@ -34,26 +36,52 @@ std::string UsualDescription(RuntimeErrorNumber number) {
 }  // namespace
 
 RuntimeError::RuntimeError(std::int32_t number, std::string source, std::string description,
-                           std::string help_file, std::int32_t help_context)
-    : number_(number),
-      help_context_(help_context),
-      source_(std::move(source)),
-      description_(std::move(description)),
-      help_file_(std::move(help_file)) {}
+                           std::string help_file, std::int32_t help_context) noexcept
+    : number_(number), help_context_(help_context), texts_(NoTexts()) {
+  if (source.empty() && description.empty() && help_file.empty()) return;
+  try {
+    texts_ = std::make_shared<const Texts>(
+        Texts{std::move(source), std::move(description), std::move(help_file)});
+  } catch (const std::bad_alloc&) {
+    *this = RuntimeError(RuntimeErrorNumber::kOutOfMemory);
+  }
+}
 
-RuntimeError::RuntimeError(RuntimeErrorNumber number)
-    : RuntimeError(number, UsualDescription(number)) {}
+RuntimeError::RuntimeError(RuntimeErrorNumber number) noexcept
+    : number_(static_cast<std::int32_t>(RuntimeErrorNumber::kOutOfMemory)),
+      help_context_(0),
+      texts_(OutOfMemoryTexts()) {
+  if (number == RuntimeErrorNumber::kOutOfMemory) return;
+  try {
+    *this = RuntimeError(number, UsualDescription(number));
+  } catch (const std::bad_alloc&) {
+    // It is what it was made as.
+  }
+}
 
-RuntimeError::RuntimeError(RuntimeErrorNumber number, std::string description)
+RuntimeError::RuntimeError(RuntimeErrorNumber number, std::string description) noexcept
     : RuntimeError(static_cast<std::int32_t>(number), std::string(kSource),
                    std::move(description)) {}
 
-void RuntimeError::Origin(std::string_view module, std::string_view procedure) {
-  module_ = module;
-  procedure_ = procedure;
+RuntimeError::SharedTexts RuntimeError::NoTexts() noexcept {
+  static const internal::Immortal<const Texts> texts;
+  return {SharedTexts(), &*texts};
 }
 
-RuntimeError FailureOf(const std::exception_ptr& exception) {
+RuntimeError::SharedTexts RuntimeError::OutOfMemoryTexts() noexcept {
+  // Texts as short as these are kept inside a string object.
+  static const internal::Immortal<const Texts> texts(std::string(kSource), "Out of memory");
+  return {SharedTexts(), &*texts};
+}
+
+void RuntimeError::Origin(std::string_view module, std::string_view procedure) {
+  auto texts = std::make_shared<Texts>(*texts_);
+  texts->module = module;
+  texts->procedure = procedure;
+  texts_ = std::move(texts);
+}
+
+RuntimeError FailureOf(const std::exception_ptr& exception) noexcept {
   try {
     std::rethrow_exception(exception);
   } catch (const RuntimeError& failure) {
@@ -61,13 +89,21 @@ RuntimeError FailureOf(const std::exception_ptr& exception) {
   } catch (const std::bad_alloc&) {
     return RuntimeError(RuntimeErrorNumber::kOutOfMemory);
   } catch (const std::exception& foreign) {
-    return {RuntimeErrorNumber::kInternal, foreign.what()};
+    try {
+      return {RuntimeErrorNumber::kInternal, foreign.what()};
+    } catch (const std::bad_alloc&) {
+      return RuntimeError(RuntimeErrorNumber::kOutOfMemory);
+    }
   } catch (...) {
     return RuntimeError(RuntimeErrorNumber::kInternal);
   }
 }
 
-RuntimeError CurrentFailure() { return FailureOf(std::current_exception()); }
+RuntimeError CurrentFailure() noexcept { return FailureOf(std::current_exception()); }
+
+void AssignText(std::string& text, std::string_view value) {
+  RaisingRuntimeErrors([&] { text = value; });
+}
 
 std::int32_t CarriedCode(std::int32_t number) noexcept {
   const auto bits = static_cast<std::uint32_t>(number);

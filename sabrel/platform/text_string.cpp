@@ -27,7 +27,13 @@ std::int64_t TextString::Length() const noexcept {
   return static_cast<std::int64_t>(CharacterCount(text_));
 }
 
-void TextString::Append(const Variant& value) { text_ += ToJoinedText(value); }
+void TextString::Append(std::string_view text) {
+  RaisingRuntimeErrors([&] { text_.append(text); });
+}
+
+void TextString::Append(const Variant& value) {
+  RaisingRuntimeErrors([&] { text_ += ToJoinedText(value); });
+}
 
 std::string_view TextString::Substring(std::int64_t start, std::int64_t length) const {
   if (start < 1 || length < 0) throw RuntimeError(RuntimeErrorNumber::kInvalidCall);
@@ -37,13 +43,13 @@ std::string_view TextString::Substring(std::int64_t start, std::int64_t length) 
 }
 
 std::string TextString::Filled(std::span<const std::string> arguments) const {
-  return FillTemplate(text_, arguments);
+  return RaisingRuntimeErrors([&] { return FillTemplate(text_, arguments); });
 }
 
 int TextString::Compare(std::string_view other, bool ignore_case) const {
   // Bytes of UTF-8 sort as their code points do.
   if (!ignore_case) return Sign(std::string_view(text_).compare(other));
-  return Sign(Folded(text_).compare(Folded(other)));
+  return RaisingRuntimeErrors([&] { return Sign(Folded(text_).compare(Folded(other))); });
 }
 
 }  // namespace sabrel

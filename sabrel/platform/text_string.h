@@ -20,7 +20,7 @@ class TextString {
   /// Characters, not bytes. Cost: linear
   [[nodiscard]] std::int64_t Length() const noexcept;
   void Clear() noexcept { text_.clear(); }
-  void Append(std::string_view text) { text_.append(text); }
+  void Append(std::string_view text);
   /// The value as text; null appends nothing.
   void Append(const Variant& value);
   /// `length` characters from the 1-based `start`; what lies beyond the end is left out.

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/variant.h"
 
 namespace sabrel {
@@ -19,11 +20,13 @@ class CDBLiteral final : public Object {
 
   /// SQL text, to stand in a statement exactly as it is.
   [[nodiscard]] const std::string& Value() const noexcept { return value_; }
-  void Value(std::string_view value) { value_ = value; }
+  void Value(std::string_view value) { AssignText(value_, value); }
 
   [[nodiscard]] Variant DefaultProperty() const override { return Variant(value_); }
+  /// Errors: 7
   [[nodiscard]] Variant ToVariant() const {
-    return Variant(ObjectRef(std::make_shared<const CDBLiteral>(*this)));
+    return RaisingRuntimeErrors(
+        [&] { return Variant(ObjectRef(std::make_shared<const CDBLiteral>(*this))); });
   }
 
  private:
@@ -32,7 +35,7 @@ class CDBLiteral final : public Object {
 
 /// Joining a literal with statement text.
 [[nodiscard]] inline std::string operator+(std::string text, const CDBLiteral& literal) {
-  text += literal.Value();
+  RaisingRuntimeErrors([&] { text += literal.Value(); });
   return text;
 }
 

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/sql/answer_cache.h"
 
 namespace sabrel {
@@ -24,11 +25,11 @@ namespace sabrel {
 class CTableExists {
  public:
   [[nodiscard]] const std::string& TableName() const noexcept { return table_name_; }
-  void TableName(std::string_view value) { table_name_ = value; }
+  void TableName(std::string_view value) { AssignText(table_name_, value); }
   [[nodiscard]] const std::string& FieldName() const noexcept { return field_name_; }
-  void FieldName(std::string_view value) { field_name_ = value; }
+  void FieldName(std::string_view value) { AssignText(field_name_, value); }
   [[nodiscard]] const std::string& ServerName() const noexcept { return server_name_; }
-  void ServerName(std::string_view value) { server_name_ = value; }
+  void ServerName(std::string_view value) { AssignText(server_name_, value); }
   [[nodiscard]] std::int32_t PortId() const noexcept { return port_id_; }
   void PortId(std::int32_t value) noexcept { port_id_ = value; }
   /// Seconds, as given with the question.
@@ -74,6 +75,8 @@ class CColumnLengthCache {
   void Clear() noexcept { lengths_.clear(); }
 
  private:
+  std::int32_t Ask(std::string key, std::size_t table_end);
+
   struct Hash {
     using is_transparent = void;
     std::size_t operator()(std::string_view key) const noexcept {

@@ -75,6 +75,10 @@ class RowSetOfText {
 
 }  // namespace
 
+TextStringRef CDBString::NewText() {
+  return RaisingRuntimeErrors([] { return std::make_shared<sabrel::TextString>(); });
+}
+
 void CDBString::TextString(TextStringRef value) {
   if (value) text_ = std::move(value);
 }
@@ -203,7 +207,7 @@ namespace GDBString {
 namespace {
 
 std::shared_ptr<CDBString> WithSettings(bool fUseRowAsLine, std::string_view sRowDelimiter) {
-  auto text = std::make_shared<CDBString>();
+  auto text = RaisingRuntimeErrors([] { return std::make_shared<CDBString>(); });
   text->UseRowAsLine(fUseRowAsLine);
   text->RowDelimiter(sRowDelimiter);
   return text;

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "sabrel/platform/named_values.h"
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/text_string.h"
 
 namespace sabrel {
@@ -46,7 +47,7 @@ class CDBString {
   void UseRowAsLine(bool value) noexcept { use_row_as_line_ = value; }
   /// CR LF unless set; an empty one separates nothing.
   [[nodiscard]] const std::string& RowDelimiter() const noexcept { return row_delimiter_; }
-  void RowDelimiter(std::string_view value) { row_delimiter_ = value; }
+  void RowDelimiter(std::string_view value) { AssignText(row_delimiter_, value); }
 
   void ClearText() noexcept { text_->Clear(); }
 
@@ -75,6 +76,7 @@ class CDBString {
                               const NamedValues* nmvsArguments = nullptr);
 
  private:
+  static TextStringRef NewText();
   void ReadRows();
   void WriteRows(std::int32_t id) const;
   static void InsertPieces(std::int32_t id, const std::string& text, std::int64_t length,
@@ -85,7 +87,7 @@ class CDBString {
   [[nodiscard]] std::string SelectText() const;
 
   std::int32_t id_ = 0;
-  TextStringRef text_ = std::make_shared<sabrel::TextString>();
+  TextStringRef text_ = NewText();
   bool use_row_as_line_ = false;
   std::string row_delimiter_ = "\r\n";
 };

@@ -1,0 +1,57 @@
+// All operations, one step each, for tests in which memory runs out.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "tests/memory/failing_memory.h"
+#include "tests/support/outcome.h"
+#include "tests/support/scripted_platform.h"
+
+namespace sabrel::testing {
+
+struct Attempt {
+  std::string outcome;
+  std::string next;  // of the same on a thread's new use
+  bool met = false;
+};
+
+/// One operation; it is answered by the script, or does the same on the embedded server.
+struct Step {
+  template <class Work, class... Scripted>
+  Step(const char* step, Work work, Scripted... scripted) : name(step), answers{scripted...} {
+    run = [work](std::size_t n, bool for_good) {
+      Attempt attempt;
+      const auto armed = [&] {
+        FailAllocations(n, for_good);
+        struct Disarmed {
+          bool& met;
+          ~Disarmed() { met = StopFailing(); }
+        } const disarmed{attempt.met};
+        if constexpr (std::is_void_v<std::invoke_result_t<Work>>) {
+          work();
+          return true;
+        } else {
+          return work();
+        }
+      };
+      try {
+        attempt.outcome = OutcomeOf(armed);
+      } catch (const std::exception& other) {
+        attempt.outcome = std::string("lets out ") + other.what();
+      }
+      return attempt;
+    };
+  }
+  const char* name;
+  std::vector<ScriptedAnswer> answers;
+  std::function<Attempt(std::size_t, bool)> run;
+};
+
+/// Statements, values; everything built on them.
+[[nodiscard]] std::vector<Step> StatementSteps();
+[[nodiscard]] std::vector<Step> ServiceSteps();
+
+}  // namespace sabrel::testing
