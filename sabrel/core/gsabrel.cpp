@@ -69,8 +69,12 @@ std::string GenerateRecordString(const std::shared_ptr<Recordset>& rst) {
 
 CDBLiteral DBLiteral(std::string_view s) { return Crossing<MSabrel::DBLiteral>(s); }
 CDBLiteral DBStr(std::string_view s) { return Crossing<MSabrel::DBStr>(s); }
-CDBLiteral DBOrd(std::int32_t ord) { return Crossing<MSabrel::DBOrd>(ord); }
-CDBLiteral DBInt(std::int32_t i, std::int32_t iNull) { return Crossing<MSabrel::DBInt>(i, iNull); }
+CDBLiteral DBOrd(std::int32_t ord) {
+  return RaisingRuntimeErrors([&] { return MSabrel::DBOrd(ord); });
+}
+CDBLiteral DBInt(std::int32_t i, std::int32_t iNull) {
+  return RaisingRuntimeErrors([&] { return MSabrel::DBInt(i, iNull); });
+}
 CDBLiteral DBFloat(double i, std::int32_t iNull) { return Crossing<MSabrel::DBFloat>(i, iNull); }
 CDBLiteral DBDateString(std::string_view sDate, std::string_view sFormat) {
   return Crossing<MSabrel::DBDateString>(sDate, sFormat);

@@ -3,7 +3,8 @@
 // `sabrel::GSabrel` holds the component's operations as free functions; each forwards to the module
 // that owns it. Stored texts (`GDBString`) and features (`GFeatureManager`) have accessors of their
 // own, which come with this header. Arguments are handed on as given; defaults are those of the
-// signatures here and are never read again on the way. Install a platform first (platform.h). State
+// signatures here and are never read again on the way; numbers wider than their parameter do not
+// compile. Install a platform first (platform.h). State
 // belongs to the calling thread; `UnloadThread` ends a thread's use.
 //
 //   sabrel::InstallPlatform(...);
@@ -20,6 +21,7 @@
 #include "sabrel/config/feature_manager.h"
 #include "sabrel/config/system_values.h"
 #include "sabrel/core/error_object.h"
+#include "sabrel/core/wide_arguments.h"
 #include "sabrel/domain/object_initializers.h"
 #include "sabrel/platform/date.h"
 #include "sabrel/platform/flag_array.h"

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "sabrel/platform/date.h"
+#include "sabrel/platform/narrowing.h"
 #include "sabrel/platform/variant.h"
 #include "sabrel/sql/db_literal.h"
 
@@ -31,9 +32,14 @@ namespace sabrel::MSabrel {
 
 /// An identifier: NULL for 0, else its digits.
 [[nodiscard]] CDBLiteral DBOrd(std::int32_t ord);
+template <WiderThan32Bits Wide>
+void DBOrd(Wide ord) = delete;
 
 /// NULL when `i` is `iNull`, else its digits.
 [[nodiscard]] CDBLiteral DBInt(std::int32_t i, std::int32_t iNull = 0);
+template <class... Arguments>
+requires AnyWiderThan32Bits<Arguments...>
+void DBInt(Arguments&&...) = delete;
 
 /// NULL when `i` is neither less nor greater than `iNull` (so also for not-a-number), else the
 /// number with "." as its decimal point: at most 15 significant digits, "1E-05" for small ones.

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "sabrel/platform/named_values.h"
+#include "sabrel/platform/narrowing.h"
 #include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/text_string.h"
 
@@ -32,6 +33,8 @@ class CDBString {
   /// In PM_StringTable; below 1 there are no rows.
   [[nodiscard]] std::int32_t Id() const noexcept { return id_; }
   void Id(std::int32_t value) noexcept { id_ = value; }
+  template <WiderThan32Bits Wide>
+  void Id(Wide value) = delete;
   [[nodiscard]] bool IsValid() const noexcept { return id_ >= 1; }
 
   [[nodiscard]] const std::string& Text() const noexcept { return text_->Text(); }
@@ -57,10 +60,14 @@ class CDBString {
   /// Errors: 91 when the query fails, the text being empty then; the server's on the way, the text
   /// holding what was read so far. Cost: one round trip
   void Load(std::int32_t ordString = 0);
+  template <WiderThan32Bits Wide>
+  void Load(Wide ordString) = delete;
   /// Replaces the rows, or makes the text below Id 1. When a later step fails the old rows are
   /// gone. Errors: of the requests; 11 when the length of the column cannot be learned (in line
   /// mode the lines are stored empty then). Cost: two to eleven round trips, one more once a thread
   void Save(std::int32_t ordString = 0);
+  template <WiderThan32Bits Wide>
+  void Save(Wide ordString) = delete;
   /// Draws a new Id, 0 when that fails, and writes the rows. Errors and cost: as Save
   void Create();
   /// Replaces the rows; nothing happens below Id 1. Errors and cost: as Save
@@ -108,6 +115,17 @@ void UpdateDBString(std::int32_t ordString, std::string sText, bool fUseRowAsLin
 /// Errors and cost: as CDBString::Load
 [[nodiscard]] TextStringRef LoadDBString(std::int32_t ordString, bool fUseRowAsLine = false,
                                          std::string_view sRowDelimiter = "\r\n");
+
+// Wider ids do not compile.
+template <class... Arguments>
+requires AnyWiderThan32Bits<Arguments...>
+void DBString(Arguments&&...) = delete;
+template <class... Arguments>
+requires AnyWiderThan32Bits<Arguments...>
+void UpdateDBString(Arguments&&...) = delete;
+template <class... Arguments>
+requires AnyWiderThan32Bits<Arguments...>
+void LoadDBString(Arguments&&...) = delete;
 
 }  // namespace GDBString
 }  // namespace sabrel

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "sabrel/core/gsabrel.h"
 #include "tests/platform/failures.h"
 #include "tests/support/scripted_platform.h"
 
@@ -53,12 +54,35 @@ TEST_F(Literals, StandForValuesInEveryLocale) {
   }
 }
 
+// What would be cut to 32 bits does not compile.
+template <class T>
+concept TakesAny = requires(T number) {
+  GSabrel::DBInt(number);
+}
+|| requires(T number) { GSabrel::DBInt(5, number); }
+|| requires(T number) { GSabrel::DBFloat(0.5, number); }
+|| requires(T number) { GSabrel::DBOrd(number); }
+|| requires(T number) { GSabrel::CVInt(Variant(5), number); }
+|| requires(T number) { GSabrel::ExecuteQueryReturningLong("", number); }
+|| requires(T number) { GSabrel::EA_Add_Common_Entity("", number); }
+|| requires(T number) { GSabrel::TestRowLimit(number); }
+|| requires(T number) { GDBString::UpdateDBString(number, std::string()); }
+|| requires(T number, CDBString text) { text.Load(number); }
+|| requires(T number) { DBInt(number); }
+|| requires(T number) { DBOrd(number); };
+template <class... T>
+constexpr bool kAnyTakes = (TakesAny<T> || ...);
+static_assert(TakesAny<std::int32_t> && TakesAny<std::uint16_t>);
+static_assert(!kAnyTakes<std::int64_t, std::uint32_t, long long, unsigned long, std::size_t, double,
+                         const std::int64_t&>);
+
 TEST_F(Literals, AnArgumentFollowsItsKind) {
   platform.locale.decimal_separator = ",";
   const std::tuple<const char*, Variant, const char*> rows[] = {
       {"literal", CDBLiteral("SYSDATE").ToVariant(), "SYSDATE"},
       {"null", Variant(Null{}), "NULL"},
       {"zero", Variant(0.0), "0"},
+      {"a single's digits", Variant(1.0F / 3), "0.3333333"},
       {"date", Variant(kMarch), kMarchLiteral},
       {"object", Variant(ObjectRef(std::make_shared<Priced>())), "2,5"},
       {"text", Variant("it's"), "'it''s'"},
