@@ -31,7 +31,7 @@ std::string ServerRelease() {
   const CloseAtEnd closing(rows);
   std::string release = ToText(rows->Fields().Item("Value").Value());
   if (release.empty()) throw RuntimeError(RuntimeErrorNumber::kSubscript);
-  return release;
+  return std::string(TrimBlanks(release));  // a padded column's
 }
 
 std::int32_t Show(const std::string& text, std::int32_t style) {

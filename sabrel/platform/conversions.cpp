@@ -111,14 +111,11 @@ std::string NumberText(double number, int digits, std::string_view decimal_separ
   if (std::isinf(number)) return number > 0 ? "Infinity" : "-Infinity";
   digits = std::clamp(digits, 1, std::numeric_limits<double>::max_digits10);
   std::array<char, 40> buffer{};
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
-                                     std::chars_format::scientific, digits - 1);
-  const std::string_view scientific(buffer.data(),
-                                    static_cast<std::size_t>(written.ptr - buffer.data()));
+  const std::string_view scientific = ScientificText(std::abs(number), digits, buffer);
   const std::size_t mark = scientific.find('e');
   int exponent = 0;
   const bool small = scientific[mark + 1] == '-';
-  std::from_chars(&scientific[mark + 2], written.ptr, exponent);
+  std::from_chars(&scientific[mark + 2], scientific.data() + scientific.size(), exponent);
   if (small) exponent = -exponent;
 
   std::string figures(scientific.substr(0, 1));

@@ -99,10 +99,8 @@ Decimal Decimal::Parse(std::string_view text) {
 
 Decimal Decimal::FromDouble(double number) {
   if (!std::isfinite(number)) Overflow();
-  std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                 std::chars_format::scientific, 14);
-  std::string text(buffer.data(), end.ptr);
+  std::array<char, 40> buffer{};
+  std::string text(ScientificText(number, 15, buffer));
   // Zeros that only fill up the 15 digits would count as decimals.
   const std::size_t exponent = text.find('e');
   const std::size_t last = text.find_last_not_of('0', exponent - 1);

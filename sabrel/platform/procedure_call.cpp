@@ -6,12 +6,14 @@ namespace sabrel {
 
 void ProcedureCall::AppendParameter(std::string_view value, std::string_view type_word,
                                     std::string_view name) {
-  call_.parameters.push_back({std::string(value), std::string(type_word), std::string(name)});
+  RaisingRuntimeErrors([&] {
+    call_.parameters.push_back({std::string(value), std::string(type_word), std::string(name)});
+  });
 }
 
 Variant ProcedureCall::Execute() {
   outcome_ = {};
-  outcome_ = Deref(link_).Call(call_);
+  outcome_ = RaisingRuntimeErrors([&] { return Deref(link_).Call(call_); });
   return outcome_.result;
 }
 

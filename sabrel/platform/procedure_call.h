@@ -3,7 +3,7 @@
 // Parameters are appended as text with a type word; an empty value is null. A function's result
 // position is one parameter more, appended first with an empty value. After `Execute` every out
 // parameter and the result position can be read by 0-based index; an in-argument reads as it was
-// appended.
+// appended, null where that was nothing.
 //
 //   call.ProcedureName("PKG.F"); call.AppendParameter("", "integer", ""); Use(call.Execute());
 #pragma once
@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "sabrel/platform/data_link.h"
+#include "sabrel/platform/runtime_error.h"
 #include "sabrel/platform/variant.h"
 
 namespace sabrel {
@@ -22,11 +23,11 @@ class ProcedureCall {
  public:
   explicit ProcedureCall(std::shared_ptr<DataLink> link) : link_(std::move(link)) {}
 
-  void ProcedureName(std::string_view name) { call_.procedure = name; }
-  void Host(std::string_view host) { call_.address.host = host; }
+  void ProcedureName(std::string_view name) { AssignText(call_.procedure, name); }
+  void Host(std::string_view host) { AssignText(call_.address.host, host); }
   void Port(std::int32_t port) { call_.address.port = port; }
-  void UserName(std::string_view user) { call_.address.user = user; }
-  void Password(std::string_view password) { call_.address.password = password; }
+  void UserName(std::string_view user) { AssignText(call_.address.user, user); }
+  void Password(std::string_view password) { AssignText(call_.address.password, password); }
   void TimeOut(std::int32_t timeout_s) { call_.address.timeout_s = timeout_s; }
   void AppendParameter(std::string_view value, std::string_view type_word, std::string_view name);
 

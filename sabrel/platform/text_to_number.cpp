@@ -1,6 +1,7 @@
 #include "sabrel/platform/text_to_number.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -24,6 +25,14 @@ bool Take(std::string_view& text, std::string_view token) {
   return true;
 }
 
+/// A blank, one that breaks no line, and its narrow form: keyboards and locales mix them.
+constexpr std::array<std::string_view, 3> kBlanks = {" ", "\u00A0", "\u202F"};
+
+bool TakeGrouping(std::string_view& text, std::string_view separator) {
+  if (std::ranges::find(kBlanks, separator) == kBlanks.end()) return Take(text, separator);
+  return std::ranges::any_of(kBlanks, [&](std::string_view blank) { return Take(text, blank); });
+}
+
 bool TakeSign(std::string_view& text) {
   if (Take(text, "-")) return true;
   Take(text, "+");
@@ -42,7 +51,35 @@ bool TakeExponent(std::string_view& text, std::int64_t& exponent) {
   return true;
 }
 
+/// Whether `number`, whose first digit stands for 10^exponent, lies exactly between two numbers of
+/// `digits` digits: it then has exactly one more, a 5. Behind the point there are as many digits as
+/// bits; what is wholly before it must be divisible by the 5 and the powers of ten after it.
+bool IsTie(double number, int digits, int exponent) {
+  const double odd = std::ldexp(number, digits - exponent);
+  if (std::fmod(odd, 2.0) != 1.0) return false;
+  constexpr int kMostFives = 22;  // that 53 bits hold
+  const int fives = exponent - digits + 1;
+  if (fives <= 0 || fives > kMostFives) return fives <= 0;
+  double divisor = 1.0;
+  for (int i = 0; i < fives; ++i) divisor *= 5.0;
+  return std::fmod(number, divisor) == 0.0;
+}
+
 }  // namespace
+
+std::string_view ScientificText(double number, int digits, std::array<char, 40>& buffer) {
+  const auto written = [&](double shown) {
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), shown,
+                                   std::chars_format::scientific, digits - 1);
+    return std::string_view(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
+  };
+  const std::string_view text = written(number);
+  int exponent = 0;
+  const char* figures = text.data() + text.find('e') + 1;
+  std::from_chars(figures + (*figures == '+' ? 1 : 0), text.data() + text.size(), exponent);
+  if (!IsTie(std::abs(number), digits, exponent)) return text;
+  return written(std::nextafter(number, std::copysign(HUGE_VAL, number)));
+}
 
 bool SplitNumber(std::string_view text, std::string_view decimal_separator,
                  std::string_view thousands_separator, NumberParts& parts) {
@@ -59,7 +96,7 @@ bool SplitNumber(std::string_view text, std::string_view decimal_separator,
       text.remove_prefix(1);
     } else if (!behind_point && Take(text, decimal_separator)) {
       behind_point = true;
-    } else if (!behind_point && any_digit && Take(text, thousands_separator)) {
+    } else if (!behind_point && any_digit && TakeGrouping(text, thousands_separator)) {
       // How many digits stand between two separators is left to the writer, as everywhere.
       if (!StartsWithDigit(text)) return false;
     } else {

@@ -1,6 +1,7 @@
 // Reading numbers that travel as text.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,9 +26,15 @@ struct NumberParts {
 
 /// Takes apart `[+-]digits[.digits][E[+-]digits]`, where at least one digit stands before the
 /// exponent, surrounding blanks are allowed, `thousands_separator` may stand between whole digits
-/// and an empty separator never occurs. Returns false when `text` is none of that.
+/// and an empty separator never occurs; one that is a blank (U+0020, U+00A0, U+202F) stands for all
+/// three. Returns false when `text` is none of that.
 [[nodiscard]] bool SplitNumber(std::string_view text, std::string_view decimal_separator,
                                std::string_view thousands_separator, NumberParts& parts);
+
+/// A finite number as `[-]d.ddde[+-]dd` with `digits` significant digits. A tie goes away from
+/// zero: 499472.25 with 7 digits is 4.994723e+05.
+[[nodiscard]] std::string_view ScientificText(double number, int digits,
+                                              std::array<char, 40>& buffer);
 
 /// `text` as a number, surrounding blanks allowed; "." or `decimal_separator` as the decimal point,
 /// an exponent, no grouping; an empty text is 0. Errors: 13 for anything else ("(NaN)", "1,234"

@@ -40,16 +40,19 @@ void CaptureAndTraceFailure(const Probe& probe, const RuntimeError& failure) noe
 } catch (...) {
 }
 
-// Runs `ask` and traces its success; false when a failure in either was captured and traced.
+// Runs `ask` and traces its success; false when its failure was captured and traced.
 template <class Ask>
 bool Probing(const Probe& probe, Ask ask) {
   RequirePlatform();
-  const auto failure = FailureIn([&] {
-    ask();
+  if (const auto failure = FailureIn(ask)) {
+    CaptureAndTraceFailure(probe, *failure);
+    return false;
+  }
+  // Neither the query nor its reading failed: an answer that cannot be traced is an answer.
+  static_cast<void>(FailureIn([&] {
     TraceWhenOn([&] { return probe.succeeded + probe.subject + "\r\n" + QueryLine(probe.sql); });
-  });
-  if (failure) CaptureAndTraceFailure(probe, *failure);
-  return !failure;
+  }));
+  return true;
 }
 
 bool FirstCountIsNotZero(const RecordsetRef& rows) {

@@ -41,7 +41,7 @@ class SqliteRoutines : public SiteTest {
 TEST_F(SqliteRoutines, CallsTakeAndGiveValues) {
   const std::tuple<const char*, const char*, std::vector<std::string>, const char*> rows[] = {
       {"result position", "pkg.Add_T", {"i:", "s:x", "i:1"}, "10|10|'x'|'1'"},
-      {"no row assigns nothing", "PKG.ADD_T", {"i:", "s:z", "i:"}, "null|null|'z'|''"},
+      {"no row assigns nothing", "PKG.ADD_T", {"i:", "s:z", "i:"}, "null|null|'z'|null"},
       {"in and out", "SWAP", {"s:a", "i:", "i:21"}, "null|'was a'|42|'21'"},
       {"text for a number", "SWAP", {"s:a", "i:", "i:x"}, "ORA-6502"},
       {"two too many for a function", "PKG.ADD_T", {"i:", "i:", "s:a", "i:1"}, "ORA-6550"},

@@ -13,6 +13,7 @@ using testing::Outcome;
 using testing::Outcomes;
 
 const LocaleFacts kDot;
+const LocaleFacts kBlank{",", "\u202F", ".", ":", DateOrder::kDayMonthYear};
 const LocaleFacts kComma{",", ".", ".", ".", DateOrder::kDayMonthYear};
 
 struct Standing : Object {
@@ -50,6 +51,8 @@ TEST(Conversions, EveryKindConvertsToEveryOther) {
       {"null", Variant(Null()), kDot, Everywhere("!94", "!94")},
       {"byte", Variant(std::uint8_t{200}), kDot, "[200] 200 200 200 200"},
       {"int32", Variant(70000), kDot, "[70000] !6 70000 70000 70000"},
+      {"a single's digits", Variant(1.0F / 3), kDot,
+       "[0.3333333] 0 0 0.333333343267441 0.333333343267441"},
       {"single", Variant(0.1F), kDot, "[0.1] 0 0 0.100000001490116 0.100000001490116"},
       {"double", Variant(2.5), kDot, "[2.5] 2 2 2.5 2.5"},
       {"nan", Variant(std::nan("")), kDot, "[NaN] !6 !6 NaN !6"},
@@ -63,6 +66,9 @@ TEST(Conversions, EveryKindConvertsToEveryOther) {
        "[2958465.99999] !6 2958466 2958465.99999 2958465.99999"},
       {"above it", Variant(2958465.999999), kDot, "[2958465.999999] !6 2958466 2958465.999999 !6"},
       {"no number", Variant("(NaN)"), kDot, Everywhere("(NaN)", "!13")},
+      {"any blank groups", Variant("1 234\u00A0567\u202F8"), kBlank,
+       "[1 234\u00A0567\u202F8] !6 12345678 12345678 !13"},
+      {"no blank groups", Variant("1 234"), kDot, Everywhere("1 234", "!13")},
       {"grouped comma", Variant("1.234,5"), kComma, "[1.234,5] 1234 1234 1234.5 !13"},
       {"date text", Variant("1/2/1900"), kDot, "[1/2/1900] !13 !13 !13 3"},
       {"boolean", Variant(true), kDot, "[True] -1 -1 -1 -1"},
@@ -97,7 +103,15 @@ TEST(Conversions, NumberTextHasItsDigitsAndNoMore) {
   const auto text = [](double number) { return NumberText(number, 15, ","); };
   EXPECT_EQ(Outcomes(std::vector{0.1 + 0.2, 1e-4, 1e-5, 999999999999999.9, 5e-324}, text),
             " 0,3 0,0001 1E-05 1E+15 4,94065645841247E-324");
-  EXPECT_EQ(NumberText(16777216.0, 7, ","), "1,677722E+07");
+  const auto single = [](double number) { return NumberText(number, 7, ","); };
+  EXPECT_EQ(
+      Outcomes(std::vector{16777216.0, 499472.25, -64279.125, 4503599627370.5, 499472.26}, single),
+      " 1,677722E+07 499472,3 -64279,13 4,5036E+12 499472,3");
+  EXPECT_EQ(Outcomes(std::vector{1234567890123.125, 0.000030517578125, 1234567890123445.0,
+                                 12345678901234450.0},
+                     text),
+            " 1234567890123,13 3,0517578125E-05 1,23456789012345E+15 1,23456789012345E+16")
+      << "ties go away from zero";
 }
 
 TEST(Conversions, NumbersAreNoDatesAndDatesAreNoNumbers) {
@@ -115,7 +129,10 @@ TEST(Decimal, TextOfWhatWasReadIsExact) {
   const std::tuple<const char*, std::vector<const char*>, const char*> rows[] = {
       {"signs, zeros", {"-0.00", "+007.50", "-0.05", "12.5e-1"}, " 0 7.5 -0.05 1.25"},
       {"largest", {"79228162514264337593543950335.4"}, " 79228162514264337593543950335"},
-      {"beyond it", {"79228162514264337593543950335.5", "1e29"}, " !6 !6"},
+      {"beyond it",
+       {"79228162514264337593543950335.5", "79228162514264337593543950336", "1e29"},
+       " !6 !6 !6"},
+      {"rounded whole", {"7922816251426433759354395033.65"}, " 7922816251426433759354395034"},
       {"carry", {"9.9999999999999999999999999999"}, " 10"},
       {"half down", {"0.12345678901234567890123456785"}, " 0.1234567890123456789012345678"},
       {"half up", {"0.12345678901234567890123456775"}, " 0.1234567890123456789012345678"},
@@ -132,6 +149,7 @@ TEST(Decimal, ComesFromDoublesWithFifteenDigitsAndGoesToWholeNumbersWithHalvesTo
   const auto text = [](double number) { return Decimal::FromDouble(number).Text(); };
   EXPECT_EQ(Outcomes(std::vector{0.1 + 0.2, -1e20, -1e-300, 1e29, HUGE_VAL, std::nan("")}, text),
             " 0.3 -100000000000000000000 0 !6 !6 !6");
+  EXPECT_EQ(text(1234567890123.125), "1234567890123.13");
   EXPECT_EQ(Decimal::FromDouble(-1e-300), Decimal::FromDouble(1e-300));
   const auto whole = [](const char* digits) { return Decimal::Parse(digits).ToInt64(); };
   EXPECT_EQ(Outcomes(std::vector{"2.5", "-3.5", "2.50001", "9223372036854775807.4",
