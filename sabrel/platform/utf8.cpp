@@ -40,8 +40,9 @@ Character Decode(std::string_view text) noexcept {
   return {code_point, length};
 }
 
-/// Lower-case letters first, first + step, ..., last and the way to their upper-case ones. A range
-/// that is not mutual is for upper-casing only: the way back is another letter's.
+/// Of what is no ASCII: lower-case letters first, first + step, ..., last and the way to their
+/// upper-case ones. A range that is not mutual is for upper-casing only: the way back is another
+/// letter's.
 struct CaseRange {
   char16_t first;
   char16_t last;
@@ -52,27 +53,27 @@ struct CaseRange {
 
 // Source: Unicode Character Database, simple case mappings; U+00B5 is left alone, as its upper-case
 // form is Greek.
-constexpr std::array<CaseRange, 40> kCaseRanges = {{
-    {0x0061, 0x007A, 1, -32},         {0x00E0, 0x00F6, 1, -32},
-    {0x00F8, 0x00FE, 1, -32},         {0x00FF, 0x00FF, 1, 121},
-    {0x0101, 0x012F, 2, -1},          {0x0131, 0x0131, 1, -232, false},
-    {0x0133, 0x0137, 2, -1},          {0x013A, 0x0148, 2, -1},
-    {0x014B, 0x0177, 2, -1},          {0x017A, 0x017E, 2, -1},
-    {0x017F, 0x017F, 1, -300, false}, {0x0371, 0x0373, 2, -1},
-    {0x0377, 0x0377, 1, -1},          {0x037B, 0x037D, 1, 130},
-    {0x03AC, 0x03AC, 1, -38},         {0x03AD, 0x03AF, 1, -37},
-    {0x03B1, 0x03C1, 1, -32},         {0x03C2, 0x03C2, 1, -31, false},
-    {0x03C3, 0x03CB, 1, -32},         {0x03CC, 0x03CC, 1, -64},
-    {0x03CD, 0x03CE, 1, -63},         {0x03D0, 0x03D0, 1, -62, false},
-    {0x03D1, 0x03D1, 1, -57, false},  {0x03D5, 0x03D5, 1, -47, false},
-    {0x03D6, 0x03D6, 1, -54, false},  {0x03D7, 0x03D7, 1, -8},
-    {0x03D9, 0x03EF, 2, -1},          {0x03F0, 0x03F0, 1, -86, false},
-    {0x03F1, 0x03F1, 1, -80, false},  {0x03F2, 0x03F2, 1, 7},
-    {0x03F3, 0x03F3, 1, -116},        {0x03F5, 0x03F5, 1, -96, false},
-    {0x03F8, 0x03F8, 1, -1},          {0x03FB, 0x03FB, 1, -1},
-    {0x0430, 0x044F, 1, -32},         {0x0450, 0x045F, 1, -80},
-    {0x0461, 0x0481, 2, -1},          {0x048B, 0x04BF, 2, -1},
-    {0x04C2, 0x04CE, 2, -1},          {0x04CF, 0x04CF, 1, -15},
+constexpr std::array<CaseRange, 39> kCaseRanges = {{
+    {0x00E0, 0x00F6, 1, -32},         {0x00F8, 0x00FE, 1, -32},
+    {0x00FF, 0x00FF, 1, 121},         {0x0101, 0x012F, 2, -1},
+    {0x0131, 0x0131, 1, -232, false}, {0x0133, 0x0137, 2, -1},
+    {0x013A, 0x0148, 2, -1},          {0x014B, 0x0177, 2, -1},
+    {0x017A, 0x017E, 2, -1},          {0x017F, 0x017F, 1, -300, false},
+    {0x0371, 0x0373, 2, -1},          {0x0377, 0x0377, 1, -1},
+    {0x037B, 0x037D, 1, 130},         {0x03AC, 0x03AC, 1, -38},
+    {0x03AD, 0x03AF, 1, -37},         {0x03B1, 0x03C1, 1, -32},
+    {0x03C2, 0x03C2, 1, -31, false},  {0x03C3, 0x03CB, 1, -32},
+    {0x03CC, 0x03CC, 1, -64},         {0x03CD, 0x03CE, 1, -63},
+    {0x03D0, 0x03D0, 1, -62, false},  {0x03D1, 0x03D1, 1, -57, false},
+    {0x03D5, 0x03D5, 1, -47, false},  {0x03D6, 0x03D6, 1, -54, false},
+    {0x03D7, 0x03D7, 1, -8},          {0x03D9, 0x03EF, 2, -1},
+    {0x03F0, 0x03F0, 1, -86, false},  {0x03F1, 0x03F1, 1, -80, false},
+    {0x03F2, 0x03F2, 1, 7},           {0x03F3, 0x03F3, 1, -116},
+    {0x03F5, 0x03F5, 1, -96, false},  {0x03F8, 0x03F8, 1, -1},
+    {0x03FB, 0x03FB, 1, -1},          {0x0430, 0x044F, 1, -32},
+    {0x0450, 0x045F, 1, -80},         {0x0461, 0x0481, 2, -1},
+    {0x048B, 0x04BF, 2, -1},          {0x04C2, 0x04CE, 2, -1},
+    {0x04CF, 0x04CF, 1, -15},
 }};
 /// The rest of Cyrillic, and the end of what is mapped.
 constexpr CaseRange kLastRange = {0x04D1, 0x052F, 2, -1};

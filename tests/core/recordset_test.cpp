@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "sabrel/platform/row_text.h"
 #include "tests/platform/failures.h"
@@ -40,8 +41,22 @@ TEST_F(Records, RefuseWhatIsNotThere) {
   records->MoveNext();
   EXPECT_EQ(NumberOf([&] { return records->Fields().Item(0).Value(); }), 3021);
   EXPECT_EQ(NumberOf([&] { return records->MoveNext(), 0; }), 3021);
+  const FieldList fields = records->Fields();
+  const Field field = fields.Item(0);
   records->Close();
-  EXPECT_EQ(NumberOf([&] { return records->RecordCount(); }), 3704);
+  const std::function<void()> readings[] = {
+      [&] { static_cast<void>(records->RecordCount()); },
+      [&] { static_cast<void>(records->EndOfFile()); },
+      [&] { static_cast<void>(records->Fields()); },
+      [&] { records->MoveNext(); },
+      [&] { static_cast<void>(fields.Count()); },
+      [&] { static_cast<void>(fields.Item("A")); },
+      [&] { static_cast<void>(field.Name()); },
+      [&] { static_cast<void>(field.Value()); },
+  };
+  for (const auto& read : readings) {
+    EXPECT_EQ(NumberOf([&] { return read(), 0; }), 3704) << &read - readings;
+  }
 }
 
 TEST_F(Records, ReadOnAsTheReaderMovesAndCountTheRestOnRequest) {
@@ -81,13 +96,14 @@ TEST_F(Records, AFailureInMovingOnReachesWhoeverMovesEveryTime) {
 TEST_F(Records, ACallAnswersByPositionOnceItRan) {
   platform.Answer(RoutineOutcome{Variant(3), {std::nullopt, Variant(Null{})}});
   const auto call = CurrentPlatform().rowlink->MakeProcedureCall();
-  for (const char* value : {"6", "7", "8"}) call->AppendParameter(value, "integer", "");
+  for (const char* value : {"6", "7", "8", ""}) call->AppendParameter(value, "integer", "");
   EXPECT_EQ(call->ParameterValue(1), Variant("7")) << "as appended before execution";
   EXPECT_EQ(call->Execute(), Variant(3));
   EXPECT_EQ(call->ParameterValue(0), Variant("6"));
   EXPECT_EQ(call->ParameterValue(1), Variant(Null{}));
   EXPECT_EQ(call->ParameterValue(2), Variant("8"));
-  for (const int i : {-1, 3}) EXPECT_EQ(NumberOf([&] { return call->ParameterValue(i); }), 9) << i;
+  EXPECT_EQ(call->ParameterValue(3), Variant(Null{})) << "appended empty";
+  for (const int i : {-1, 4}) EXPECT_EQ(NumberOf([&] { return call->ParameterValue(i); }), 9) << i;
 }
 
 TEST_F(Records, PiecesOfARowSetComeOutAsTheyWentIn) {

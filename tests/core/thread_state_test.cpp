@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 
 #include "sabrel/core/gsabrel.h"
+#include "sabrel/core/session.h"
 #include "sabrel/platform/module_state.h"
 #include "tests/platform/failures.h"
 #include "tests/support/scripted_platform.h"
@@ -95,9 +97,36 @@ TEST(ThreadState, AFactoryMayUseTheComponentWhenItEndsAndAMissingOneIsNamed) {
   for (const PlatformFactory& factory :
        {PlatformFactory{}, PlatformFactory([] { return Platform{}; })}) {
     InstallPlatform(factory);
-    const RuntimeError failure = testing::FailureIn([] { return GSabrel::ExecuteRequest("X"), 0; });
-    EXPECT_EQ(failure.Number(), 91);
-    EXPECT_THAT(failure.Description(), ::testing::HasSubstr("InstallPlatform"));
+    // Also those that answer every other failure themselves.
+    const std::function<void()> operations[] = {
+        [] { GSabrel::ExecuteRequest("X"); },
+        [] { static_cast<void>(GSabrel::DoesTableExist("T")); },
+        [] { static_cast<void>(GSabrel::DoesDbObjectExist("T")); },
+        [] { static_cast<void>(GSabrel::GetProcedureLength("P", "F")); },
+        [] { static_cast<void>(GSabrel::IsClientServerCompatible()); },
+        [] { static_cast<void>(GSabrel::IsLucentVersionSupported("R17")); },
+        [] { static_cast<void>(GFeatureManager::FeatureManager()); },
+        [] { static_cast<void>(CConnection().InitializeConnectionFeatures()); },
+        [] { GSabrel::GetNHighAttemptsValue(); },
+        [] { static_cast<void>(GSabrel::EmailEnabled()); },
+        [] { static_cast<void>(MSabrel::ProductProperty("TimeSlices")); },
+        [] { static_cast<void>(GSabrel::IsLengthyReport(1)); },
+        [] { static_cast<void>(GSabrel::IsCspNeeded(1)); },
+        [] { static_cast<void>(GSabrel::EA_Remove_Common_Entity(1)); },
+        [] { static_cast<void>(GSabrel::ClearEATempRecords(1, Date())); },
+        [] { static_cast<void>(GSabrel::JobReportsTooBigForXL("1")); },
+        [] {
+          std::int32_t hour = 0;
+          static_cast<void>(GSabrel::GetStartEndHour(1, 1, 0, 9, hour, hour, true));
+        },
+    };
+    for (int round = 0; round < 2; ++round) {
+      for (const auto& operation : operations) {
+        const RuntimeError failure = testing::FailureIn([&] { return operation(), 0; });
+        EXPECT_EQ(failure.Number(), 91) << &operation - operations;
+        EXPECT_THAT(failure.Description(), ::testing::HasSubstr("InstallPlatform"));
+      }
+    }
   }
   InstallPlatform({});
   UnloadThread();

@@ -83,8 +83,8 @@ TEST(Date, TextIsReadInTheLocalesOrder) {
 TEST(Date, OtherTextsAreNoDatesAndLeaveTheDateAlone) {
   Date date(1.0);
   for (const char* text :
-       {"2-29-29", "13:00 PM", "24:00", "1:60", "13/1/2024", "1/1-2024", "1/1/99999", "1/1/099",
-        "2024-03-09T", "2024-03-0917:05", "2024-03-09 17:05:00Z", "3.14", "7", ""}) {
+       {"2-29-29", "012:30", "13:00 PM", "24:00", "1:60", "13/1/2024", "1/1-2024", "1/1/99999",
+        "1/1/099", "2024-03-09T", "2024-03-0917:05", "2024-03-09 17:05:00Z", "3.14", "7", ""}) {
     EXPECT_FALSE(ParseDate(text, kAmerican, date)) << text;
   }
   EXPECT_EQ(date, Date(1.0));
