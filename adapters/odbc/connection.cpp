@@ -150,8 +150,10 @@ Connection::~Connection() {
   SQLFreeHandle(SQL_HANDLE_DBC, handle_);
 }
 
-void Connection::Execute(const std::u16string& text, std::int32_t timeout_s) {
-  Statement(handle_, cancel_point_).Execute(text, timeout_s);
+std::int64_t Connection::Execute(const std::u16string& text, std::int32_t timeout_s) {
+  Statement statement(handle_, cancel_point_);
+  statement.Execute(text, timeout_s);
+  return statement.RowsChanged();
 }
 
 std::unique_ptr<Statement> Connection::Run(const std::string& text, std::int32_t timeout_s) {

@@ -31,8 +31,9 @@ class Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  /// Sends a statement and drops what it returns. Cost: one round trip. Errors: DriverFailure
-  void Execute(const std::u16string& text, std::int32_t timeout_s);
+  /// Sends a statement and drops what it returns; returns the number of rows changed, which is of
+  /// no meaning for statements that change none. Cost: one round trip. Errors: DriverFailure
+  std::int64_t Execute(const std::u16string& text, std::int32_t timeout_s);
   /// A statement that runs; it must end before the connection does. Cost: one round trip, one more
   /// at its end where rows come through a cursor, and one for a question not asked before
   [[nodiscard]] std::unique_ptr<Statement> Query(const Compiled& statement, std::int32_t timeout_s);

@@ -240,16 +240,18 @@ std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAd
   });
 }
 
-void OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
+std::int64_t OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  Reporting(*last_error_, *target.pool, [&] {
+  return Reporting(*last_error_, *target.pool, [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
     const std::u16string text = ToWide(target.pool->Server().Compile(statement).text);
-    if (text.empty()) return;
+    if (text.empty()) return kUnknownRows;
+    const auto rows_changed = std::make_shared<std::int64_t>(kUnknownRows);
     Lease(target.pool)
-        .Do([text, timeout_s = target.timeout_s](
-                Workplace& here) { here.connection->Execute(text, timeout_s); },
+        .Do([text, rows_changed, timeout_s = target.timeout_s](
+                Workplace& here) { *rows_changed = here.connection->Execute(text, timeout_s); },
             DeadlineIn(target.timeout_s), VerbOf(dialect::KindOf(statement)));
+    return dialect::CountsRows(statement) ? *rows_changed : kUnknownRows;
   });
 }
 

@@ -102,6 +102,11 @@ void Statement::Execute(const std::u16string& text, std::int32_t timeout_s) {
   Describe();
 }
 
+std::int64_t Statement::RowsChanged() const noexcept {
+  SQLLEN rows = -1;
+  return SQL_SUCCEEDED(SQLRowCount(handle_, &rows)) ? static_cast<std::int64_t>(rows) : -1;
+}
+
 void Statement::ExecutePrepared(std::int32_t timeout_s) {
   SetTimeout(timeout_s);
   Require(SQLExecute(handle_), SQL_HANDLE_STMT, handle_);

@@ -28,6 +28,8 @@ class Statement {
   /// Sends `text`; the driver is told to give up after `timeout_s` seconds (0: never), which also
   /// holds for fetching. Errors: DriverFailure
   void Execute(const std::u16string& text, std::int32_t timeout_s);
+  /// Of an INSERT, UPDATE, DELETE or MERGE; negative where the driver does not know. No round trip.
+  [[nodiscard]] std::int64_t RowsChanged() const noexcept;
   /// Of the result; none where the statement returns no rows.
   [[nodiscard]] std::vector<std::string> ColumnNames() const;
   /// Appends rows until `block` holds about `byte_limit` bytes or the rows end; false when they

@@ -23,8 +23,8 @@ class ServerLink final : public DataLink {
                                               const DataServerAddress& address) override {
     return Choose(address).Query(sql, address);
   }
-  void Execute(std::string_view sql, const DataServerAddress& address) override {
-    Choose(address).Execute(sql, address);
+  std::int64_t Execute(std::string_view sql, const DataServerAddress& address) override {
+    return Choose(address).Execute(sql, address);
   }
   [[nodiscard]] RoutineOutcome Call(const RoutineCall& call) override {
     return Choose(call.address).Call(call);

@@ -205,12 +205,14 @@ class RecordingRowlink::Link final : public DataLink {
     return std::make_unique<LinkCursor>(recorder_, std::move(rows), std::move(entry));
   }
 
-  void Execute(std::string_view sql, const DataServerAddress& address) override {
+  std::int64_t Execute(std::string_view sql, const DataServerAddress& address) override {
+    std::int64_t rows_changed = kUnknownRows;
     Record(recorder_->Start(Entry::Operation::kRequest, sql, address), [&](Entry&) {
-      Deref(recorder_->Inner().MakeRecordset())
-          .Execute(sql, address.host, address.port, address.user, address.password,
-                   address.timeout_s);
+      rows_changed = Deref(recorder_->Inner().MakeRecordset())
+                         .Execute(sql, address.host, address.port, address.user, address.password,
+                                  address.timeout_s);
     });
+    return rows_changed;
   }
 
   RoutineOutcome Call(const RoutineCall& call) override {

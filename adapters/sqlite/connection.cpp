@@ -322,6 +322,8 @@ Verb Connection::PreciseVerb(sqlite3_stmt* handle, Verb verb) {
   return verb;
 }
 
+std::int64_t Connection::RowsChanged() const noexcept { return sqlite3_changes64(Handle()); }
+
 bool Connection::InTransaction() const noexcept { return sqlite3_get_autocommit(Handle()) == 0; }
 
 bool Connection::MayWrite() const noexcept {

@@ -109,6 +109,8 @@ class Connection {
   /// when there is none.
   [[noreturn]] void Fail(int code, sqlite3_stmt* handle, Verb verb);
 
+  /// Of the INSERT, UPDATE or DELETE that ended last, without those that its triggers changed.
+  [[nodiscard]] std::int64_t RowsChanged() const noexcept;
   [[nodiscard]] bool InTransaction() const noexcept;
   /// Whether the open transaction holds the write lock.
   [[nodiscard]] bool MayWrite() const noexcept;

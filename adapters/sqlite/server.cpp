@@ -152,11 +152,12 @@ void Server::RefuseWritingQuery(const dialect::Rewritten& rewritten) {
   }
 }
 
-void Server::Execute(std::string_view statement) {
+std::int64_t Server::Execute(std::string_view statement) {
   routines_.MayBeOutdated();
   const StatementKind kind = dialect::KindOf(statement);
-  if (kind == StatementKind::kTransaction) return dialect::RequireCommit(statement);
-  if (kind == StatementKind::kBlock) {
+  if (kind == StatementKind::kTransaction) {
+    dialect::RequireCommit(statement);
+  } else if (kind == StatementKind::kBlock) {
     RunBlock(statement);
   } else if (IsDefinition(kind)) {
     Transaction transaction(connection_, Transaction::Kind::kWrite);
@@ -168,11 +169,12 @@ void Server::Execute(std::string_view statement) {
       throw;
     }
   } else {
-    ExecuteStatement(statement);
+    return ExecuteStatement(statement);
   }
+  return kUnknownRows;
 }
 
-void Server::ExecuteStatement(std::string_view statement) {
+std::int64_t Server::ExecuteStatement(std::string_view statement) {
   const dialect::Rewritten rewritten = Compile(statement);
   if (rewritten.kind == StatementKind::kOther) throw ServerFailure(900, "invalid SQL statement");
   Statement prepared = Prepare(rewritten);
@@ -181,8 +183,11 @@ void Server::ExecuteStatement(std::string_view statement) {
   Transaction transaction(connection_,
                           writes ? Transaction::Kind::kWrite : Transaction::Kind::kRead);
   prepared.RunToEnd();
+  const std::int64_t rows_changed =
+      VerbOf(rewritten.kind) == Verb::kOther ? kUnknownRows : connection_.RowsChanged();
   prepared.Reset();
   transaction.Commit();
+  return rows_changed;
 }
 
 QueryResult Server::Query(std::string_view statement) {

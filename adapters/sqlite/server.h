@@ -80,7 +80,8 @@ class Server {
 
   // Requests; `statement` is what RequireOneStatement returned. Errors: ServerFailure,
   // SyntaxFailure, connection 24.
-  void Execute(std::string_view statement);
+  /// Returns the number of rows changed, or kUnknownRows.
+  std::int64_t Execute(std::string_view statement);
   [[nodiscard]] QueryResult Query(std::string_view statement);
   [[nodiscard]] RoutineOutcome Call(const RoutineCall& call);
   void Write(const RowSet& rows);
@@ -99,7 +100,7 @@ class Server {
 
  private:
   void RefuseWritingQuery(const dialect::Rewritten& rewritten);
-  void ExecuteStatement(std::string_view statement);
+  std::int64_t ExecuteStatement(std::string_view statement);
   void RunBlock(std::string_view block);
   void RunCallStep(const dialect::BlockStep& step);
   [[nodiscard]] std::vector<Value> EvaluateArguments(const std::vector<std::string>& expressions);

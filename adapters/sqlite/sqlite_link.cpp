@@ -142,14 +142,14 @@ std::unique_ptr<Cursor> SqliteLink::Query(std::string_view sql, const DataServer
   });
 }
 
-void SqliteLink::Execute(std::string_view sql, const DataServerAddress& address) {
+std::int64_t SqliteLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  Reporting(*last_error_, target.pool->Path(), [&] {
+  return Reporting(*last_error_, target.pool->Path(), [&] {
     const std::string_view statement = dialect::RequireOneStatement(sql);
     const Deadline deadline = DeadlineIn(target.timeout_s);
     const Lease lease(target.pool, deadline);
     const Operation operation(lease->Engine(), deadline);
-    lease->Execute(statement);
+    return lease->Execute(statement);
   });
 }
 

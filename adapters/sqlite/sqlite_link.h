@@ -23,7 +23,7 @@ class SqliteLink final : public DataLink {
 
   [[nodiscard]] std::unique_ptr<Cursor> Query(std::string_view sql,
                                               const DataServerAddress& address) override;
-  void Execute(std::string_view sql, const DataServerAddress& address) override;
+  std::int64_t Execute(std::string_view sql, const DataServerAddress& address) override;
   [[nodiscard]] RoutineOutcome Call(const RoutineCall& call) override;
   void Write(const RowSet& rows) override;
 

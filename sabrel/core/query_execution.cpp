@@ -73,21 +73,24 @@ RecordsetRef ExecuteQuery(std::string_view sSql, bool fDataRequired, std::string
   return nullptr;
 }
 
-void ExecuteRequest(std::string_view sSql, std::string_view sHostName, std::int32_t nPortNumber,
-                    std::string_view sUserName, std::string_view sPassword, std::int32_t nTimeOut) {
+std::int64_t ExecuteRequest(std::string_view sSql, std::string_view sHostName,
+                            std::int32_t nPortNumber, std::string_view sUserName,
+                            std::string_view sPassword, std::int32_t nTimeOut) {
   const Platform platform = CurrentPlatform();
   const std::string sql(sSql);
+  std::int64_t rows_changed = kUnknownRows;
   const auto failure = FailureIn([&] {
     RecordsetRef channel = ModuleState<RequestChannel>().channel;
     if (!channel) {
       channel = platform.rowlink->MakeRecordset();
       ModuleState<RequestChannel>().channel = channel;
     }
-    Deref(channel).Execute(sql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
+    rows_changed =
+        Deref(channel).Execute(sql, sHostName, nPortNumber, sUserName, sPassword, nTimeOut);
     TraceWhenOn(*platform.services,
                 [&] { return "ExecuteRequest succeeded.\r\n" + QueryLine(sql); });
   });
-  if (!failure) return;
+  if (!failure) return rows_changed;
   const auto shared = SabrelErrorObject();
   shared->Reset(*failure);
   const CErrorObject error = *shared;  // the trace may change the shared one

@@ -35,11 +35,12 @@ inline constexpr std::int32_t kQueryTimeOut_s = 60;
                                         std::string_view sPassword = {},
                                         std::int32_t nTimeOut = kQueryTimeOut_s);
 
-/// Sends a statement without rows over the thread's request channel.
+/// Sends a statement without rows over the thread's request channel; returns the number of rows
+/// changed, or kUnknownRows.
 /// Errors: the statement's, after it was captured in the error object. Cost: one round trip
-void ExecuteRequest(std::string_view sSql, std::string_view sHostName = {},
-                    std::int32_t nPortNumber = 0, std::string_view sUserName = {},
-                    std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
+std::int64_t ExecuteRequest(std::string_view sSql, std::string_view sHostName = {},
+                            std::int32_t nPortNumber = 0, std::string_view sUserName = {},
+                            std::string_view sPassword = {}, std::int32_t nTimeOut = 0);
 
 /// The first field of the first row; the default when the query fails, has no row or the field is
 /// null. Errors: 6 or 13 when the value cannot be converted. Cost: one round trip; time-out 60

@@ -79,6 +79,9 @@ struct RowSet {
   RowTexts rows;
 };
 
+/// Of a request whose server does not count rows.
+inline constexpr std::int64_t kUnknownRows = -1;
+
 class DataLink {
  public:
   virtual ~DataLink() = default;
@@ -86,8 +89,9 @@ class DataLink {
   [[nodiscard]] virtual std::unique_ptr<Cursor> Query(std::string_view sql,
                                                       const DataServerAddress& address) = 0;
   /// Sends a statement without rows (rows that come all the same are dropped); one transaction, one
-  /// round trip.
-  virtual void Execute(std::string_view sql, const DataServerAddress& address) = 0;
+  /// round trip. Returns how many rows it inserted, updated or deleted, kUnknownRows for a
+  /// statement of another kind.
+  virtual std::int64_t Execute(std::string_view sql, const DataServerAddress& address) = 0;
   /// Calls a routine. Errors: 6550 before sending, for an unknown routine or a wrong count
   [[nodiscard]] virtual RoutineOutcome Call(const RoutineCall& call) = 0;
   /// Writes all rows or none, on the session's own connection; one request.

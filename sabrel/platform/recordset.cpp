@@ -35,10 +35,11 @@ void Recordset::Open(std::string_view sql, std::string_view host, std::int32_t p
   open_ = true;
 }
 
-void Recordset::Execute(std::string_view sql, std::string_view host, std::int32_t port,
-                        std::string_view user, std::string_view password, std::int32_t timeout_s) {
-  RaisingRuntimeErrors(
-      [&] { Deref(link_).Execute(sql, AddressOf(host, port, user, password, timeout_s)); });
+std::int64_t Recordset::Execute(std::string_view sql, std::string_view host, std::int32_t port,
+                                std::string_view user, std::string_view password,
+                                std::int32_t timeout_s) {
+  return RaisingRuntimeErrors(
+      [&] { return Deref(link_).Execute(sql, AddressOf(host, port, user, password, timeout_s)); });
 }
 
 void Recordset::ReadBlock() {

@@ -71,9 +71,10 @@ class Recordset {
   /// Cost: one round trip. Errors: the statement's
   void Open(std::string_view sql, std::string_view host, std::int32_t port, std::string_view user,
             std::string_view password, std::int32_t timeout_s);
-  /// Sends a statement that returns no rows; does not touch the rows that are open.
-  void Execute(std::string_view sql, std::string_view host, std::int32_t port,
-               std::string_view user, std::string_view password, std::int32_t timeout_s);
+  /// Sends a statement that returns no rows; does not touch the rows that are open. Returns the
+  /// number of rows changed, or kUnknownRows.
+  std::int64_t Execute(std::string_view sql, std::string_view host, std::int32_t port,
+                       std::string_view user, std::string_view password, std::int32_t timeout_s);
 
   /// Rows in all, read and to be read. Cost: reads the rest in. Errors: 3704, the statement's
   [[nodiscard]] std::int32_t RecordCount();

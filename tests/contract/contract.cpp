@@ -42,7 +42,9 @@ Outcome Contract::Query(std::string_view sql, std::int32_t timeout_s) {
 }
 
 Outcome Contract::Execute(std::string_view sql, std::int32_t timeout_s) {
-  return Tried([&](Outcome&) { session->MakeRecordset()->Execute(sql, "", 0, "", "", timeout_s); });
+  return Tried([&](Outcome& outcome) {
+    outcome.rows_changed = session->MakeRecordset()->Execute(sql, "", 0, "", "", timeout_s);
+  });
 }
 
 void Contract::Run(std::string_view sql) {

@@ -41,6 +41,7 @@ struct Outcome {
   std::int32_t connection = 0;
   std::vector<std::string> columns;
   std::vector<std::vector<Variant>> rows;
+  std::int64_t rows_changed = kUnknownRows;
 };
 
 class Contract : public ::testing::TestWithParam<ContractEngine> {

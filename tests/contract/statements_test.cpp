@@ -69,6 +69,22 @@ TEST_P(Contract, RowsAreCountedBeforeAnythingElseIsDoneWithThem) {
             5U);
 }
 
+TEST_P(Contract, RequestsTellHowManyRowsTheyChanged) {
+  const std::pair<const char*, std::int64_t> requests[] = {
+      {"CREATE TABLE T (A NUMBER(9) PRIMARY KEY, B NUMBER(9,2))", kUnknownRows},
+      {"INSERT INTO T SELECT Group_Id, 1 FROM PM_GROUPS WHERE Group_Id IN (1, 2, 3)", 3},
+      {"INSERT INTO T (A, B) VALUES (ZR_QUERY_SQ.NEXTVAL, 1.239)", 1},
+      {"UPDATE T SET B = B + 0.111 WHERE A > 1", 3},
+      {"DELETE FROM T WHERE A = -1", 0},
+      {"BEGIN DELETE FROM T WHERE A = 1; END;", kUnknownRows},
+      {"SELECT A FROM T", kUnknownRows},
+      {"DELETE FROM T", 3},
+  };
+  for (const auto& [sql, rows_changed] : requests) {
+    EXPECT_EQ(Execute(sql).rows_changed, rows_changed) << sql;
+  }
+}
+
 TEST_P(Contract, QuotingBringsEveryTextBack) {
   const ScriptedPlatform locale;
   std::vector<std::string> texts;

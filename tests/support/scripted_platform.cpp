@@ -112,9 +112,10 @@ struct ScriptedLink final : Scripted<DataLink> {
     script_->Step("query [" + std::string(sql) + "]" + AddressText(address));
     return std::make_unique<ScriptedCursor>(script_, script_->Next(Rows{{"X"}, {}}));
   }
-  void Execute(std::string_view sql, const DataServerAddress& address) override {
+  std::int64_t Execute(std::string_view sql, const DataServerAddress& address) override {
     script_->Step("execute [" + std::string(sql) + "]" + AddressText(address));
     static_cast<void>(script_->Next(Rows{}));
+    return kUnknownRows;
   }
   RoutineOutcome Call(const RoutineCall& call) override {
     std::string line = "call [" + call.procedure + "]" + AddressText(call.address);

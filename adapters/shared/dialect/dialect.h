@@ -48,6 +48,8 @@ enum class StatementKind {
 [[nodiscard]] std::string_view RequireOneStatement(std::string_view sql);
 
 [[nodiscard]] StatementKind KindOf(std::string_view statement);
+/// INSERT, UPDATE, DELETE and MERGE: a server says how many rows they changed.
+[[nodiscard]] bool CountsRows(std::string_view statement);
 
 /// Of a kTransaction where each statement is one: COMMIT has nothing to do, what was done cannot be
 /// taken back. Throws SyntaxFailure: 3001 for ROLLBACK and SAVEPOINT

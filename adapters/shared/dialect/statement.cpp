@@ -1,4 +1,7 @@
 // What kind of statement a text is, and that it is one.
+#include <algorithm>
+#include <array>
+
 #include "adapters/shared/dialect/token.h"
 #include "sabrel/platform/utf8.h"
 
@@ -33,20 +36,12 @@ StatementKind KindOfDrop(Lexer& lexer) {
   }
 }
 
-// Packages, triggers and types hold ";" as routines do. They are refused later, by what they are.
-bool HoldsStatements(std::string_view sql, StatementKind kind) {
-  if (kind == StatementKind::kBlock || kind == StatementKind::kCreateRoutine) return true;
-  if (kind != StatementKind::kOtherDefinition) return false;
+// They are refused later, by what they are.
+bool HoldsStatements(std::string_view sql) {
   Lexer lexer(sql);
-  if (lexer.Next().word != Word::kCreate) return false;
-  for (int i = 0; i < 4; ++i) {
-    const Token token = lexer.Next();
-    if (IsText(sql, token, "PACKAGE") || IsText(sql, token, "TRIGGER") ||
-        IsText(sql, token, "TYPE")) {
-      return true;
-    }
-  }
-  return false;
+  StatementForm form;
+  while (form.IsOpen()) form.Take(sql, lexer.Next());
+  return form.HoldsStatements();
 }
 
 [[noreturn]] void RefuseSecond(std::string_view sql, const Token& token) {
@@ -86,6 +81,35 @@ std::size_t EndOfBody(std::string_view sql) {
 
 }  // namespace
 
+void StatementForm::Take(std::string_view sql, const Token& token) {
+  constexpr std::array<std::string_view, 4> kModifiers = {"OR", "REPLACE", "EDITIONABLE",
+                                                          "NONEDITIONABLE"};
+  constexpr std::array<std::string_view, 5> kHolders = {"FUNCTION", "PROCEDURE", "PACKAGE",
+                                                        "TRIGGER", "TYPE"};
+  const auto is_one_of = [&](const auto& words) {
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return IsText(sql, token, word); });
+  };
+  if (state_ == State::kStart && token.word == Word::kCreate) {
+    state_ = State::kCreate;
+  } else if (state_ == State::kStart) {
+    const bool is_block = token.word == Word::kBegin || token.word == Word::kDeclare;
+    state_ = is_block ? State::kHolds : State::kPlain;
+  } else if (state_ == State::kCreate && !is_one_of(kModifiers)) {
+    state_ = is_one_of(kHolders) ? State::kHolds : State::kPlain;
+  }
+}
+
+bool CountsRows(std::string_view statement) {
+  switch (KindOf(statement)) {
+    case StatementKind::kInsert:
+    case StatementKind::kUpdate:
+    case StatementKind::kDelete: return true;
+    case StatementKind::kOther: return IsText(statement, Lexer(statement).Next(), "MERGE");
+    default: return false;
+  }
+}
+
 std::string_view RequireOneStatement(std::string_view sql) {
   if (!IsSendableText(sql)) {
     throw SyntaxFailure{911, "invalid character: the statement is not UTF-8 text without NUL"};
@@ -96,7 +120,7 @@ std::string_view RequireOneStatement(std::string_view sql) {
     throw SyntaxFailure{900, "invalid SQL statement: it is empty"};
   }
   const StatementKind kind = KindOf(sql);
-  if (HoldsStatements(sql, kind)) {
+  if (HoldsStatements(sql)) {
     const bool is_parsed_here = first.word == Word::kBegin || kind == StatementKind::kCreateRoutine;
     if (is_parsed_here) return sql.substr(first.begin, EndOfBody(sql) - first.begin);
     Token token = first;

@@ -40,13 +40,24 @@ char ClosingOf(char open) {
   }
 }
 
+// Behind the closing quote; a doubled one is text.
+std::size_t EndOfQuoted(std::string_view sql, char quote, std::size_t from) {
+  while (true) {
+    const std::size_t end = sql.find(quote, from);
+    if (end == std::string_view::npos) return end;
+    if (end + 1 >= sql.size() || sql[end + 1] != quote) return end + 1;
+    from = end + 2;
+  }
+}
+
 }  // namespace
 
 Lexer::Lexer(std::string_view sql) : sql_(sql) {
   if (sql.size() >= kMaximumBytes) throw SyntaxFailure{900, "the statement is too long"};
 }
 
-void Lexer::SkipSpace() {
+// False at a comment that does not end.
+bool Lexer::SkipSpace() {
   while (position_ < sql_.size()) {
     const char c = sql_[position_];
     if (IsSpace(c)) {
@@ -56,12 +67,13 @@ void Lexer::SkipSpace() {
       position_ = end == std::string_view::npos ? sql_.size() : end + 1;
     } else if (c == '/' && At(position_ + 1) == '*') {
       const std::size_t end = sql_.find("*/", position_ + 2);
-      if (end == std::string_view::npos) throw SyntaxFailure{900, "a comment is not closed"};
+      if (end == std::string_view::npos) return false;
       position_ = end + 2;
     } else {
-      return;
+      return true;
     }
   }
+  return true;
 }
 
 Token Lexer::Make(TokenKind kind, std::size_t end) {
@@ -74,7 +86,16 @@ Token Lexer::Make(TokenKind kind, std::size_t end) {
 }
 
 Token Lexer::Next() {
-  SkipSpace();
+  const Token token = Scan();
+  if (token.kind != TokenKind::kOpen) return token;
+  const char first = sql_[token.begin];
+  if (first == '/') throw SyntaxFailure{900, "a comment is not closed"};
+  throw SyntaxFailure{1756, first == '"' ? "quoted name not properly terminated"
+                                         : "quoted string not properly terminated"};
+}
+
+Token Lexer::Scan() {
+  if (!SkipSpace()) return Make(TokenKind::kOpen, sql_.size());
   if (position_ >= sql_.size()) return Make(TokenKind::kEnd, position_);
   const char c = sql_[position_];
   if (StartsName(c)) return WordOrText();
@@ -90,17 +111,9 @@ Token Lexer::Next() {
 }
 
 Token Lexer::Quoted(TokenKind kind, std::size_t open) {
-  const char quote = sql_[open];
-  std::size_t end = open + 1;
-  while (true) {
-    end = sql_.find(quote, end);
-    if (end == std::string_view::npos) {
-      throw SyntaxFailure{1756, quote == '"' ? "quoted name not properly terminated"
-                                             : "quoted string not properly terminated"};
-    }
-    if (At(end + 1) != quote) return Make(kind, end + 1);
-    end += 2;
-  }
+  const std::size_t end = EndOfQuoted(sql_, sql_[open], open + 1);
+  if (end == std::string_view::npos) return Make(TokenKind::kOpen, sql_.size());
+  return Make(kind, end);
 }
 
 Token Lexer::AlternativelyQuoted(std::size_t open) {
@@ -109,9 +122,7 @@ Token Lexer::AlternativelyQuoted(std::size_t open) {
       open + 2 > sql_.size()
           ? std::string_view::npos
           : sql_.find(std::string_view(closing.data(), closing.size()), open + 2);
-  if (end == std::string_view::npos) {
-    throw SyntaxFailure{1756, "quoted string not properly terminated"};
-  }
+  if (end == std::string_view::npos) return Make(TokenKind::kOpen, sql_.size());
   return Make(TokenKind::kText, end + 2);
 }
 
@@ -176,6 +187,20 @@ Token Lexer::Symbol() {
   Token token = Make(known ? TokenKind::kSymbol : TokenKind::kStray, position_ + (is_long ? 2 : 1));
   token.symbol = symbol;
   return token;
+}
+
+std::size_t EndOfOpen(std::string_view opening, std::string_view text) {
+  std::array<char, 2> closing{'*', '/'};
+  if (opening.front() != '/') {
+    if (opening.front() == '"') return EndOfQuoted(text, '"', 0);
+    const std::size_t quote = opening.find('\'');
+    const bool is_alternative = quote > 0 && AsciiUpper(opening[quote - 1]) == 'Q';
+    if (!is_alternative) return EndOfQuoted(text, '\'', 0);
+    const bool has_opening = quote + 1 < opening.size();
+    closing = {has_opening ? ClosingOf(opening[quote + 1]) : '\n', '\''};
+  }
+  const std::size_t end = text.find(std::string_view(closing.data(), closing.size()));
+  return end == std::string_view::npos ? end : end + closing.size();
 }
 
 TokenList Tokenize(std::string_view sql) {

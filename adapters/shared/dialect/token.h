@@ -1,8 +1,8 @@
 // Statement text cut into tokens: words, names in quotes, constants, parameters, symbols.
 //
 // Space and comments lie between tokens and belong to none. A token is a place in the text, never a
-// copy of it. Open quotes and comments are refused; bytes that start no token are tokens of their
-// own, for the parser to refuse.
+// copy of it. Open quotes and comments are refused, or told to those who read line by line; bytes
+// that start no token are tokens of their own, for the parser to refuse.
 #pragma once
 
 #include <algorithm>
@@ -27,6 +27,7 @@ enum class TokenKind : std::uint8_t {
   kParameter,  // :name
   kSymbol,
   kStray,
+  kOpen,  // a quote or comment without its end; from Lexer::Scan only
 };
 
 /// Symbols of one character are that character; these stand for the longer ones.
@@ -115,12 +116,14 @@ class Lexer {
   /// The next token; kEnd again and again at the end.
   /// Throws SyntaxFailure: 1756 for an open quote, 900 for an open comment
   [[nodiscard]] Token Next();
+  /// The same, but an open quote or comment is a kOpen to the end of the text.
+  [[nodiscard]] Token Scan();
 
  private:
   [[nodiscard]] char At(std::size_t position) const {
     return position < sql_.size() ? sql_[position] : '\0';
   }
-  void SkipSpace();
+  [[nodiscard]] bool SkipSpace();
   Token Make(TokenKind kind, std::size_t end);
   Token Quoted(TokenKind kind, std::size_t open);
   Token AlternativelyQuoted(std::size_t open);
@@ -131,6 +134,25 @@ class Lexer {
   std::string_view sql_;
   std::size_t position_ = 0;
 };
+
+/// Learns from a statement's first tokens whether it holds statements of its own, whose ";" do not
+/// end it: blocks, and CREATE of what has a body.
+class StatementForm {
+ public:
+  /// `token` of the text `sql` is the next one.
+  void Take(std::string_view sql, const Token& token);
+  /// Whether more tokens are needed.
+  [[nodiscard]] bool IsOpen() const { return state_ < State::kPlain; }
+  [[nodiscard]] bool HoldsStatements() const { return state_ == State::kHolds; }
+
+ private:
+  enum class State : std::uint8_t { kStart, kCreate, kPlain, kHolds };
+  State state_ = State::kStart;
+};
+
+/// Where the quote or comment that starts like the kOpen token `opening` ends in `text`, which
+/// continues it: behind its closing characters, npos where it stays open.
+[[nodiscard]] std::size_t EndOfOpen(std::string_view opening, std::string_view text);
 
 /// Errors: as Lexer::Next
 [[nodiscard]] TokenList Tokenize(std::string_view sql);
