@@ -6,6 +6,7 @@
 // session - platform, profiles, Rowlink - is made when the first command needs it.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -27,6 +28,8 @@
 
 namespace sabrel::cli {
 
+inline constexpr std::int32_t kDefaultTimeout_s = 60;
+
 struct Options {
   std::string site;
   std::string profile_file;
@@ -34,6 +37,9 @@ struct Options {
   std::string registry;
   std::string log;
   std::string record;
+  /// Of the profiles and of `query` and `request`; 0 is no limit. Without one, what a profile does
+  /// not say and what those two send is kDefaultTimeout_s.
+  std::optional<std::int32_t> timeout_s;
   /// Version of the spreadsheet application; empty when it is not installed.
   std::string spreadsheet;
   /// Further files that the command line reads or makes: no output may be one of them.
@@ -108,6 +114,8 @@ class Context {
   Options options;
   /// The command that the parser found.
   Action action;
+  /// The command's own --timeout, where it has one.
+  std::optional<std::int32_t> command_timeout_s;
   /// Set instead by a command that runs commands of its own, each with `Run`.
   Action session;
 

@@ -37,7 +37,7 @@ constexpr const char* kFooter =
     "behind:\n"
     "  Driver (sqlite, or an ODBC driver as `odbcinst -q -d` lists it: PostgreSQL's or Oracle's),\n"
     "  Host, Port, Database (file, database or service), UserName, Password, ConnectTimeout and\n"
-    "  ReceiveTimeout in seconds.";
+    "  ReceiveTimeout in seconds (0 for no limit).";
 
 // What is wrong with a version, or nothing.
 std::string VersionFault(const std::string& text) {
@@ -76,6 +76,10 @@ void AddOptions(CLI::App& app, Options& options) {
   TakeWord(*app.add_option("--answer", options.answer,
                            "Answer to questions: yes, no or ask (default: ask)"),
            answers);
+  app.add_option("--timeout", options.timeout_s,
+                 "Seconds until an answer is given up, 0 for no limit; in place of the profile's "
+                 "ReceiveTimeout (default: 60 where the profile has none)")
+      ->check(CLI::Range(0, 1000000));
   app.add_flag("--show-sql", options.show_sql,
                "Show each statement, argument and time-out that is sent, without passwords");
   app.add_option("--record", options.record,
@@ -137,6 +141,7 @@ int RunProgram(int argc, char** argv) {
     if (const auto ended = Parse(app, context, argc, argv)) return *ended;
     ReadEnvironment(context.options);
     CollectFiles(app, context.options.inputs);
+    if (context.command_timeout_s) context.options.timeout_s = context.command_timeout_s;
     status = context.session ? context.session(context) : context.Run(context.action);
     context.RequireCompleteRecord();
   } catch (const OutputClosed&) {

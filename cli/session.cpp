@@ -17,9 +17,11 @@ SessionProfiles ReadSessionProfiles(const Options& options) {
     site.Name = "site";
     site.Driver = "sqlite";
     site.Database = options.site;
+    site.ReceiveTimeout = options.timeout_s.value_or(kDefaultTimeout_s);
     return {ProfileSet(std::move(site))};
   }
-  ProfileFile file = ReadProfileFile(options.profile_file);
+  ProfileFile file = ReadProfileFile(options.profile_file, kDefaultTimeout_s);
+  if (options.timeout_s) file.profiles.ReceiveTimeout(*options.timeout_s);
   if (!options.profile_name.empty()) {
     try {
       file.profiles.UseForSession(options.profile_name);

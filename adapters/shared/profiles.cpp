@@ -61,7 +61,8 @@ std::string_view Trimmed(std::string_view text) {
 
 class FileReader {
  public:
-  explicit FileReader(const std::string& path) : path_(path) {}
+  FileReader(const std::string& path, std::int32_t receive_timeout_s)
+      : path_(path), receive_timeout_s_(receive_timeout_s) {}
 
   ProfileSet Read(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
@@ -111,6 +112,7 @@ class FileReader {
     RequireNewName(name, profiles_.size());
     if (!profiles_.empty()) EndProfile();
     profiles_.emplace_back().Name = name;
+    profiles_.back().ReceiveTimeout = receive_timeout_s_;
     sections_.emplace_back();
     given_.clear();
     tls_line_ = 0;
@@ -199,6 +201,7 @@ class FileReader {
   }
 
   std::string path_;
+  std::int32_t receive_timeout_s_;
   std::vector<ConnectionProfile> profiles_;
   std::vector<SectionSettings> sections_;  // of each profile
   std::vector<std::string_view> given_;
@@ -228,6 +231,10 @@ void ProfileSet::UseForSession(std::string_view name) {
     names += (i > 0 ? ", " : "") + profiles_[i].Name;
   }
   Refuse("There is no connection profile \"" + std::string(name) + "\"; there are: " + names + ".");
+}
+
+void ProfileSet::ReceiveTimeout(std::int32_t seconds) {
+  for (ConnectionProfile& profile : profiles_) profile.ReceiveTimeout = seconds;
 }
 
 ResolvedTarget ProfileSet::Resolve(const DataServerAddress& address) const {
@@ -260,11 +267,12 @@ ResolvedTarget ProfileSet::Resolve(const DataServerAddress& address) const {
     profile.UserName = address.user;
   }
   if (!address.password.empty()) profile.Password = address.password;
-  if (address.timeout_s > 0) profile.ReceiveTimeout = address.timeout_s;
+  const bool is_shorter = profile.ReceiveTimeout == 0 || address.timeout_s < profile.ReceiveTimeout;
+  if (address.timeout_s > 0 && is_shorter) profile.ReceiveTimeout = address.timeout_s;
   return target;
 }
 
-ProfileFile ReadProfileFile(const std::string& path) {
+ProfileFile ReadProfileFile(const std::string& path, std::int32_t receive_timeout_s) {
   struct stat facts {};
   std::ifstream file(path, std::ios::binary);
   if (!file || ::stat(path.c_str(), &facts) != 0) {
@@ -281,7 +289,7 @@ ProfileFile ReadProfileFile(const std::string& path) {
     Refuse("The file " + path + " is longer than 1 MiB; name a file of profiles.");
   }
   if (file.bad()) Refuse("Cannot read the profile file " + path + ".");
-  ProfileFile result{FileReader(path).Read(text), {}};
+  ProfileFile result{FileReader(path, receive_timeout_s).Read(text), {}};
   const std::vector<ConnectionProfile>& profiles = result.profiles.All();
   const bool has_password = std::any_of(profiles.begin(), profiles.end(),
                                         [](const auto& one) { return !one.Password.empty(); });

@@ -44,13 +44,16 @@ class ProfileSet {
   /// Makes the profile `name` (any case) the session's. Errors: 5 naming the profiles that there
   /// are
   void UseForSession(std::string_view name);
+  /// Gives every profile this time-out.
+  void ReceiveTimeout(std::int32_t seconds);
   [[nodiscard]] const ConnectionProfile& Session() const noexcept { return profiles_[session_]; }
   [[nodiscard]] const std::vector<ConnectionProfile>& All() const noexcept { return profiles_; }
 
   /// Empty host: the session's profile. Host (and port, when given) choose the profile with that
   /// address, and with that user when one is given; without one, the session's profile gets the
   /// address. Port 0, an empty user or password and time-out 0 are that profile's setting, but its
-  /// password serves its own user only. The section's settings are those of the profile chosen; one
+  /// password serves its own user only. The time-out is the smaller one of the address's and the
+  /// profile's that is not 0. The section's settings are those of the profile chosen; one
   /// whose address was replaced also demands TLS where any profile with that address does.
   [[nodiscard]] ResolvedTarget Resolve(const DataServerAddress& address) const;
 
@@ -66,7 +69,9 @@ struct ProfileFile {
   std::vector<std::string> warnings;
 };
 
+/// `receive_timeout_s` is the ReceiveTimeout of profiles that have none.
 /// Errors: 5 with a text that names file, line and remedy
-[[nodiscard]] ProfileFile ReadProfileFile(const std::string& path);
+[[nodiscard]] ProfileFile ReadProfileFile(const std::string& path,
+                                          std::int32_t receive_timeout_s = 0);
 
 }  // namespace sabrel

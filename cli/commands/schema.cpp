@@ -46,7 +46,7 @@ void AddTableProbe(CLI::App& probe, Context& context) {
                });
   AddName(table, "NAME", arguments->name, "The table, in any case");
   AddServerOptions(table, arguments->server);
-  AddTimeOut(table, arguments->server);
+  AddTimeOut(table, context, arguments->server.timeout_s);
 }
 
 void AddColumnProbe(CLI::App& probe, Context& context) {
@@ -91,7 +91,7 @@ void AddObjectProbe(CLI::App& probe, Context& context) {
   object.add_option("TYPE", arguments->part, "TABLE, VIEW, PACKAGE, FUNCTION, SEQUENCE, ...")
       ->check(QuotableName());
   AddServerOptions(object, arguments->server);
-  AddTimeOut(object, arguments->server);
+  AddTimeOut(object, context, arguments->server.timeout_s);
 }
 
 void AddArgumentCount(CLI::App& probe, Context& context) {

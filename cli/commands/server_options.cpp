@@ -1,8 +1,15 @@
 #include "cli/commands/server_options.h"
 
+#include <string>
+
 #include "adapters/console/password_prompt.h"
 
 namespace sabrel::cli {
+namespace {
+
+constexpr std::int32_t kLongestTimeout_s = 1000000;
+
+}  // namespace
 
 void AddServerOptions(CLI::App& command, ServerOptions& options) {
   command.add_option("--host", options.host, "Another Data Server than the profile's");
@@ -13,10 +20,18 @@ void AddServerOptions(CLI::App& command, ServerOptions& options) {
   command.add_flag("--ask-password", options.ask_password, "Ask for the password, without echo");
 }
 
-void AddTimeOut(CLI::App& command, ServerOptions& options) {
-  command.add_option("--timeout", options.timeout_s, "Seconds; 0 is the profile's setting")
-      ->check(CLI::Range(0, 1000000))
-      ->capture_default_str();
+void AddTimeOut(CLI::App& command, Context& context, std::int32_t& timeout_s) {
+  command
+      .add_option_function<std::int32_t>(
+          "--timeout",
+          [&context, &timeout_s](const std::int32_t& seconds) {
+            timeout_s = seconds;
+            context.command_timeout_s = seconds;
+          },
+          "Seconds until the answer is given up, 0 for no limit; inside the shell at most the "
+          "session's")
+      ->check(CLI::Range(0, kLongestTimeout_s))
+      ->default_str(std::to_string(timeout_s));
 }
 
 std::string PasswordOf(Context& context, const ServerOptions& options) {

@@ -20,8 +20,8 @@ struct ServerOptions {
 
 /// `options` must outlive `command`.
 void AddServerOptions(CLI::App& command, ServerOptions& options);
-/// Shows the time-out that `options` holds as the default.
-void AddTimeOut(CLI::App& command, ServerOptions& options);
+/// Stores it in `timeout_s`, whose value is shown as the default, and in the context.
+void AddTimeOut(CLI::App& command, Context& context, std::int32_t& timeout_s);
 
 /// From the file or the prompt; empty without either. Errors: 75
 [[nodiscard]] std::string PasswordOf(Context& context, const ServerOptions& options);

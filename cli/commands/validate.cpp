@@ -8,6 +8,7 @@
 #include "cli/argument.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/outcome.h"
+#include "cli/commands/server_options.h"
 #include "sabrel/core/gsabrel.h"
 
 namespace sabrel::cli {
@@ -162,16 +163,14 @@ void AddDocuments(CLI::App& validate, Context& context) {
   AddMode(group_command, *group);
 }
 
-void AddUserOptions(CLI::App& command, RemoteUser& user) {
+void AddUserOptions(CLI::App& command, Context& context, RemoteUser& user) {
   command.add_option("HOST", user.host, "The other server, which a profile has to name")
       ->required();
   command.add_option("PORT", user.port, "Its port")->required()->check(CLI::Range(0, 65535));
   command.add_option("USER", user.name, "The user who is looked up there")->required();
   command.add_option("--password-file", user.password_file,
                      "File whose first line is that user's password (default: asked for)");
-  command.add_option("--timeout", user.timeout_s, "Seconds; 0 is the profile's setting")
-      ->check(CLI::Range(0, 1000000))
-      ->capture_default_str();
+  AddTimeOut(command, context, user.timeout_s);
 }
 
 }  // namespace
@@ -189,7 +188,7 @@ void AddValidationCommands(CLI::App& parent, Context& context) {
       "  sabrel --profile plants validate server north 1521 ana --password-file ana.password\n\n" +
           std::string(kOtherServerHelp),
       [server](Context& c) { return Server(c, *server); });
-  AddUserOptions(server_command, *server);
+  AddUserOptions(server_command, context, *server);
   server_command.add_flag("--quiet", server->quiet, "No message when the user can");
 
   AddCommand(*validate, context, "mail",
@@ -204,7 +203,7 @@ void AddValidationCommands(CLI::App& parent, Context& context) {
       "  sabrel --profile plants validate user north 1521 ana --create\n\n" +
           std::string(kOtherServerHelp) + "\nThe answer TRUE is exit status 0, any other 1.",
       [user](Context& c) { return User(c, *user); });
-  AddUserOptions(user_command, *user);
+  AddUserOptions(user_command, context, *user);
   user_command.add_flag("--create", user->create, "Create a user who does not exist");
 }
 

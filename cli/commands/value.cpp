@@ -34,7 +34,7 @@ void AddValueCommand(CLI::App& parent, Context& context) {
   value.add_option("NAME", arguments->name, "The variable")->required()->check(QuotableName());
   value.add_option("VALUE", arguments->value, "The value")->required()->check(QuotableName());
   AddServerOptions(value, arguments->server);
-  AddTimeOut(value, arguments->server);
+  AddTimeOut(value, context, arguments->server.timeout_s);
 }
 
 }  // namespace sabrel::cli

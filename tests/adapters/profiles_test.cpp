@@ -20,18 +20,21 @@ ProfileFile Read(const std::string& text, mode_t mode = 0600) {
   const std::string path = folder.Path("profiles.ini");
   std::ofstream(path, std::ios::binary) << text;
   ::chmod(path.c_str(), mode);
-  return ReadProfileFile(path);
+  return ReadProfileFile(path, 45);
 }
 
 TEST(Profiles, AFileGivesItsSettings) {
   const ProfileFile file = Read(
       "\xEF\xBB\xBF# plants\r\n[ plant ]\r\ndriver = sqlite\nDATABASE=/a b/=x\n"
       "ReceiveTimeout=60\nPassword = p#;\n\n; other\n[North]\nHost=n1\nPort=1521\n"
-      "SslRootCert=profiles.ini\nsslmode=verify-full\nDateFormat= DD.MM.YYYY \nDriver=psqlodbc\n");
-  ASSERT_EQ(file.profiles.All().size(), 2U);
+      "SslRootCert=profiles.ini\nsslmode=verify-full\nDateFormat= DD.MM.YYYY \nDriver=psqlodbc\n"
+      "[South]\nReceiveTimeout=0\n");
+  ASSERT_EQ(file.profiles.All().size(), 3U);
   EXPECT_EQ(file.profiles.Session(),
             (ConnectionProfile{"plant", "sqlite", "", 0, "/a b/=x", "", "p#;", 0, 60}));
   EXPECT_EQ(file.profiles.All()[1].Port, 1521);
+  EXPECT_EQ(file.profiles.All()[1].ReceiveTimeout, 45);
+  EXPECT_EQ(file.profiles.All()[2].ReceiveTimeout, 0);
   EXPECT_EQ(file.profiles.Resolve({}).section, SectionSettings{});
   const SectionSettings north = file.profiles.Resolve({"N1", 0, "", "", 0}).section;
   EXPECT_THAT(north.SslRootCert, ::testing::MatchesRegex("/.*/profiles.ini"));
