@@ -83,8 +83,9 @@ void Interrupts::DropWakeUp() const {
   [[maybe_unused]] const ssize_t got = ::read(wake_up_, &ignored, sizeof ignored);
 }
 
-bool Interrupts::WaitForInput(int descriptor) {
-  std::array<pollfd, 2> sources = {{{wake_up_, POLLIN, 0}, {descriptor, POLLIN, 0}}};
+bool Interrupts::WaitForInput(int descriptor, int other) {
+  std::array<pollfd, 3> sources = {
+      {{wake_up_, POLLIN, 0}, {descriptor, POLLIN, 0}, {other, POLLIN, 0}}};
   while (!Cancelled()) {
     if (::poll(sources.data(), sources.size(), -1) < 0) {
       if (errno != EINTR) return true;

@@ -30,8 +30,9 @@ class Interrupts {
   [[nodiscard]] bool Cancelled() const noexcept { return cancelled_ || ending_; }
   [[nodiscard]] bool Ending() const noexcept { return ending_; }
 
-  /// Waits until `descriptor` can be read; false when Ctrl-C or a request to end came first.
-  [[nodiscard]] bool WaitForInput(int descriptor);
+  /// Waits until `descriptor` or, where there is one, `other` can be read; false when Ctrl-C or a
+  /// request to end came first.
+  [[nodiscard]] bool WaitForInput(int descriptor, int other = -1);
 
  private:
   void Listen();

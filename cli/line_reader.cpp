@@ -6,12 +6,15 @@
 #include <array>
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <string_view>
+#include <utility>
 
 #include "adapters/console/access_failure.h"
+#include "cli/suspension.h"
 
 namespace sabrel::cli {
 namespace {
@@ -20,13 +23,13 @@ class StreamReader final : public LineReader {
  public:
   explicit StreamReader(Interrupts& interrupts) : interrupts_(interrupts) {}
 
-  Result Next() override {
+  Result Next(const std::string&) override {
     while (true) {
       const std::size_t end = pending_.find('\n', searched_);
       if (end != std::string::npos) return {End::kLine, Take(end, 1)};
       searched_ = pending_.size();
       if (at_end_) {
-        if (pending_.empty()) return {End::kEnd, {}};
+        if (start_ == pending_.size()) return {End::kEnd, {}};
         return {End::kLine, Take(pending_.size(), 0)};
       }
       if (!interrupts_.WaitForInput(STDIN_FILENO)) return {End::kInterrupted, {}};
@@ -37,15 +40,17 @@ class StreamReader final : public LineReader {
   [[nodiscard]] bool IsInteractive() const noexcept override { return false; }
 
  private:
-  std::string Take(std::size_t length, std::size_t line_break) {
-    std::string line = pending_.substr(0, length);
-    pending_.erase(0, length + line_break);
-    searched_ = 0;
+  std::string Take(std::size_t end, std::size_t line_break) {
+    std::string line = pending_.substr(start_, end - start_);
+    start_ = end + line_break;
+    searched_ = start_;
     if (line.ends_with('\r')) line.pop_back();
     return line;
   }
 
   void Read() {
+    pending_.erase(0, start_);
+    searched_ -= std::exchange(start_, 0);
     std::array<char, 65536> buffer;
     const ssize_t got = ::read(STDIN_FILENO, buffer.data(), buffer.size());
     if (got < 0 && errno != EINTR) throw AccessFailure("Standard input cannot be read", errno);
@@ -55,6 +60,7 @@ class StreamReader final : public LineReader {
 
   Interrupts& interrupts_;
   std::string pending_;
+  std::size_t start_ = 0;  // of the next line
   std::size_t searched_ = 0;
   bool at_end_ = false;
 };
@@ -90,8 +96,10 @@ class TerminalReader final : public LineReader {
   TerminalReader(const TerminalReader&) = delete;
   TerminalReader& operator=(const TerminalReader&) = delete;
 
-  Result Next() override {
+  Result Next(const std::string& prompt) override {
+    prompt_ = prompt;
     interrupted_ = false;
+    const Suspension::Watch watch(suspension_);
     int length = 0;
     const char* line = ::el_gets(editor_, &length);
     if (interrupted_) {
@@ -115,17 +123,26 @@ class TerminalReader final : public LineReader {
   [[nodiscard]] bool IsInteractive() const noexcept override { return true; }
 
  private:
-  static const char* Prompt(EditLine*) { return "sabrel> "; }
+  static TerminalReader& Of(EditLine* editor) {
+    TerminalReader* self = nullptr;
+    ::el_get(editor, EL_CLIENTDATA, &self);
+    return *self;
+  }
+
+  static const char* Prompt(EditLine* editor) { return Of(editor).prompt_.c_str(); }
 
   // The library's own reader swallows an interruption; this one ends the line.
   static int ReadCharacter(EditLine* editor, wchar_t* character) {
-    TerminalReader* self = nullptr;
-    ::el_get(editor, EL_CLIENTDATA, &self);
+    TerminalReader& self = Of(editor);
     std::mbstate_t state{};
     while (true) {
-      if (!self->interrupts_.WaitForInput(STDIN_FILENO)) {
-        self->interrupted_ = true;
+      if (!self.interrupts_.WaitForInput(STDIN_FILENO, self.suspension_.Descriptor())) {
+        self.interrupted_ = true;
         return -1;
+      }
+      if (const int signal = self.suspension_.Signal(); signal != 0) {
+        self.Suspend(signal);
+        continue;
       }
       char byte = 0;
       const ssize_t got = ::read(STDIN_FILENO, &byte, 1);
@@ -137,9 +154,20 @@ class TerminalReader final : public LineReader {
     }
   }
 
+  // The library's own handlers would signal the whole process group, from inside a handler.
+  void Suspend(int signal) {
+    // Whoever stopped or continued the program may have set the terminal up anew.
+    ::el_set(editor_, EL_PREP_TERM, 0);
+    if (signal == SIGTSTP) suspension_.Stop();
+    ::el_set(editor_, EL_PREP_TERM, 1);
+    ::el_set(editor_, EL_REFRESH);
+  }
+
   Interrupts& interrupts_;
+  Suspension suspension_;
   EditLine* editor_;
   History* history_;
+  std::string prompt_;
   std::string history_file_;
   bool interrupted_ = false;
 };

@@ -20,8 +20,8 @@ class LineReader {
   };
 
   virtual ~LineReader() = default;
-  /// Errors: 75 when the input cannot be read
-  [[nodiscard]] virtual Result Next() = 0;
+  /// `prompt` is for a terminal. Errors: 75 when the input cannot be read
+  [[nodiscard]] virtual Result Next(const std::string& prompt) = 0;
   [[nodiscard]] virtual bool IsInteractive() const noexcept = 0;
 };
 

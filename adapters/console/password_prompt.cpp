@@ -19,7 +19,8 @@
 namespace sabrel {
 namespace {
 
-constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+// SIGCONT too: after a SIGSTOP, which nobody can handle, the echo is as the user's shell has it.
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT};
 
 // What the signal handler needs; it may touch plain memory and make async-signal-safe calls only.
 // `descriptor` is stored last and read first: the rest is whole on whatever thread the handler
@@ -109,7 +110,7 @@ std::optional<std::string> PromptOnce(std::string_view prompt, int input, std::F
   const EchoOff echo_off(input);
   TerminalOutput(output).Put(VisibleText(prompt, " "));
   const int signal = echo_off.WaitForLine();
-  if (signal == SIGTSTP) return std::nullopt;
+  if (signal == SIGTSTP || signal == SIGCONT) return std::nullopt;
   if (signal != 0) {
     throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                        "The prompt for a password was interrupted");

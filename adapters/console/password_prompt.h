@@ -10,9 +10,9 @@ namespace sabrel {
 /// Shows `prompt` and reads one line from the terminal behind descriptor `input` with its echo off.
 /// The echo comes back whatever happens: on return, on an exception, and on SIGINT, SIGTERM,
 /// SIGHUP, SIGQUIT and SIGTSTP, which then act as they would have without the prompt. After a
-/// suspension the prompt is shown again. Errors: 75 when `input` is no terminal, at the end of the
-/// input, and when a signal that did not end the program
-///         interrupted the prompt. One prompt at a time
+/// suspension, of whatever kind, the prompt is shown again. Errors: 75 when `input` is no terminal,
+/// at the end of the input, and when a signal that did not end the program interrupted the prompt.
+/// One prompt at a time
 [[nodiscard]] std::string PromptWithoutEcho(std::string_view prompt, int input = 0,
                                             std::FILE* output = stderr);
 
