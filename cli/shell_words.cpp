@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "adapters/shared/dialect/token.h"
 #include "cli/exit_status.h"
 #include "sabrel/platform/utf8.h"
 
@@ -10,10 +11,12 @@ namespace sabrel::cli {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::array<std::string_view, 2> kQueryWords = {"select", "with"};
-constexpr std::array<std::string_view, 16> kRequestWords = {
-    "insert", "update",   "delete", "create", "drop",   "begin",   "alter",    "merge",
-    "commit", "rollback", "grant",  "revoke", "rename", "comment", "truncate", "declare"};
+// Sorted.
+constexpr std::array<std::string_view, 27> kVerbs = {
+    "alter",     "analyze", "audit",   "begin",    "comment",   "commit", "create",
+    "declare",   "delete",  "drop",    "explain",  "flashback", "grant",  "insert",
+    "lock",      "merge",   "noaudit", "purge",    "rename",    "revoke", "rollback",
+    "savepoint", "select",  "set",     "truncate", "update",    "with"};
 
 bool IsBlank(char c) { return kBlanks.find(c) != std::string_view::npos; }
 
@@ -61,14 +64,10 @@ FirstWord SplitFirstWord(std::string_view line) {
   return {line.substr(0, end), Trimmed(line.substr(end))};
 }
 
-StatementWord StatementKindOf(std::string_view word) {
-  // "BEGIN" may be followed by nothing but a line break or a comment, "SELECT" by a parenthesis.
-  const std::string lower = LowerCase(word.substr(0, word.find_first_of("(*/'\"")));
-  if (std::ranges::find(kQueryWords, lower) != kQueryWords.end()) return StatementWord::kQuery;
-  if (std::ranges::find(kRequestWords, lower) != kRequestWords.end()) {
-    return StatementWord::kRequest;
-  }
-  return StatementWord::kNone;
+bool StartsWithVerb(std::string_view sql) {
+  const dialect::Token first = dialect::Lexer(sql).Scan();
+  return first.kind == dialect::TokenKind::kWord &&
+         std::ranges::binary_search(kVerbs, LowerCase(dialect::TextOf(sql, first)));
 }
 
 }  // namespace sabrel::cli

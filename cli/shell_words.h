@@ -21,8 +21,7 @@ struct FirstWord {
 };
 [[nodiscard]] FirstWord SplitFirstWord(std::string_view line);
 
-/// Whether `word` starts a statement, of which kind.
-enum class StatementWord { kNone, kQuery, kRequest };
-[[nodiscard]] StatementWord StatementKindOf(std::string_view word);
+/// Whether the first word of `sql`, after comments, is a verb of SQL.
+[[nodiscard]] bool StartsWithVerb(std::string_view sql);
 
 }  // namespace sabrel::cli

@@ -5,6 +5,7 @@
 
 #include "sabrel/platform/utf8.h"
 #include "tests/cli/command_line.h"
+#include "tests/support/pseudo_terminal.h"
 
 namespace sabrel::testing {
 namespace {
@@ -53,6 +54,8 @@ TEST_F(CommandLine, PrintsRowsInTheFormAskedFor) {
       "5  a,`b`  ∅  \\x1B[2J  2024-03-09 17:05:00  2.5\n";
   Check({
       {"csv", "--format csv " + query, 0, csv, "1 row\n"},
+      {"request", "--show-sql --timeout 7 request COMMIT", 0, "",
+       "  -- request, time-out 7 s\n     COMMIT\nDone.\n"},
       {"json", query + " --format json", 0, json, "1 row\n"},
       {"table", query, 0, table, "1 row\n"},
       {"wide letters",
@@ -115,6 +118,7 @@ TEST_F(CommandLine, EndsQuietlyWhenNobodyReads) {
 }
 
 TEST_F(CommandLine, CancelsAndEndsOnSignals) {
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   for (const auto& [signal, status] : {std::pair(SIGINT, 130), std::pair(SIGTERM, 143)}) {
     TerminalProgram program(OnSite("--show-sql query --timeout 300 `" + kEndless + "`"));
     ASSERT_TRUE(program.WaitFor("-- query, time-out 300 s"));
@@ -134,24 +138,51 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
     const char* option = "";
     const char* err = "";
   } sessions[] = {
-      {"SQL without quoting", "SELECT 'it''s' AS T FROM DUAL;\n", 0, "T\n----\nit's\n"},
-      {"requests", "insert into PM_Note (Id) values ('x')\nliteral str after\n", 4, ""},
+      {"over lines and beside others",
+       "format csv\nSELECT 'it''s;\n\n/\nquit' -- ;\nAS T FROM DUAL;SELECT q'{';\n}' AS U /* ;\n"
+       "*/ FROM DUAL; literal str x\n(SELECT 3 AS \"V;\"\nFROM DUAL)\n/\n/\n;\n",
+       0, "T\n\"it's;\n\n/\nquit\"\nU\n\"';\n\"\n'x'\nV;\n3\n"},
+      {"blocks and routines go on to /",
+       "BEGIN\nDELETE FROM PM_REPORT WHERE Id = -1;\nDELETE FROM PM_REPORT WHERE Id = -2; END;\n/\n"
+       "CREATE OR REPLACE\nTRIGGER T AFTER INSERT ON X BEGIN\nEXIT;\nEND;\nliteral str part\n/\n",
+       4, "", "", "Done.\nError: 900"},
+      {"rows changed",
+       "UPDATE PM_REPORT SET Name = Name\nWHERE Id < 3;\nquery DELETE FROM PM_REPORT\nWHERE Id = "
+       "-1;\n"
+       "query 'UPDATE PM_REPORT SET Name = Name WHERE Id = 1'\nCOMMIT;\nquit;\n",
+       0, "", " --record @/record", "2 rows changed\n0 rows changed\n1 row changed\nDone.\n"},
+      {"the smaller time-out holds", "query --timeout 300 \"" + kEndless + "\"\n", 3, "",
+       " --timeout 1", "Reason: "},
+      {"failing request", "insert into PM_Note (Id)\nvalues ('x');\nliteral str after\n", 4, "", "",
+       "In line 1 of the input.\n"},
+      {"not finished at the end", "\n\nDELETE FROM PM_REPORT\n\n", 2, "", "",
+       "'DELETE FROM PM_REPORT' ... is not finished and was not sent: end it with ; or a line "
+       "with / alone\nIn line 3 of the input.\n"},
+      {"nor at quit", "request\nDELETE FROM PM_REPORT\nquit\nliteral str b\n", 2, "",
+       " --keep-going", "In line 1 "},
+      {"a block without its /", "BEGIN\nDELETE FROM PM_REPORT; EXIT\n;exit;\nquit\n/\n", 2, "", "",
+       "'BEGIN' ... is not finished and was not sent: end it with a line with / alone\n"},
+      {"an open quote", "SELECT 'a;\nquit\n/\n", 2, "", "", "close the quote or comment"},
+      {"an open comment", "/* a;\nquit\n/\n", 2, "", "", "The comment is not finished"},
+      {"an open line", "literal str \\\n", 2, "", "", "'literal str' ... is not finished"},
       {"stops at a failure", "literal str a\nnope\nliteral str b\n", 2, "'a'\n"},
       {"goes on when told", "nope\nliteral str b\nsequence nope\n", 2, "'b'\n", " --keep-going"},
-      {"comments and blanks", "-- one\n# two\n\n   \nliteral str \"a b\"", 0, "'a b'\n"},
+      {"comments and blanks", "-- one\n# it's\n\n   \n/* two\n*/ literal str \"a b\"\n--\nquit", 0,
+       "'a b'\n"},
       {"long lines", "literal str \\\n  'a b'\nexit\nliteral str never\n", 0, "'a b'\n"},
-      {"NUL", std::string("SELECT '\0' FROM DUAL\n", 21) + "literal str b\n", 4, "'b'\n",
+      {"NUL", std::string("SELECT '\0' FROM DUAL;\n", 22) + "literal str b\n", 4, "'b'\n",
        " --keep-going"},
-      {"SQL of no known word", "\n(SELECT \\\n1 FROM DUAL)\n", 2, "", "",
-       "'(SELECT' (`help` tells what there is; to send SQL, write `query` or `request` before it)\n"
-       "In line 2 of the input.\n"},
+      {"no known word", "\nfrobnicate\n", 2, "", "",
+       "'frobnicate' (`help` tells what there is; to send SQL, write `query` or `request` before "
+       "it)\nIn line 2 of the input.\n"},
       {"byte order mark", "\xef\xbb\xbfliteral str a\n", 0, "'a'\n"},
       {"open quote", "literal str 'a\n", 2, ""},
-      {"SQL in quotes", "query \"SELECT 'x;' AS \\\"b\\\" FROM DUAL\"\nrequest 'COMMIT'\n", 0,
+      {"SQL in quotes",
+       "query \"SELECT 'x;' AS \\\"b\\\" FROM DUAL\"\nrequest --timeout 5 'COMMIT'\n", 0,
        "b\n--\nx;\n"},
-      {"forms", "format csv\nselect '' || '' AS A, 1 AS B from dual\n", 0, "A,B\n,1\n"},
-      {"a state of its own", "sequence ZR_QUERY_SQ\nselect ZR_QUERY_SQ.CURRVAL AS C from dual\n", 0,
-       "100\n  C\n---\n100\n"},
+      {"forms", "format csv\nselect '' || '' AS A, 1 AS B from dual;\n", 0, "A,B\n,1\n"},
+      {"a state of its own", "sequence ZR_QUERY_SQ\nselect ZR_QUERY_SQ.CURRVAL AS C from dual;\n",
+       0, "100\n  C\n---\n100\n"},
       {"carriage returns", "literal str a\r\nliteral str b\r\n", 0, "'a'\n'b'\n"},
       {"a text among the lines", "text save 7\nliteral str a\n", 2, ""},
   };
@@ -164,30 +195,50 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
 }
 
 TEST_F(CommandLine, KeepsAShellOnATerminalUsable) {
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   TerminalProgram shell(OnSite("--show-sql shell"));
   const std::string prompt = "sabrel> ";
   const std::vector<std::pair<std::string, std::string>> typed = {
       {"", prompt},
-      {"query " + kEndless + "\n", "-- query"},
+      {"query " + kEndless + ";\n", "-- query"},
       {"\x03", "Cancelled."},
       {"", prompt},
       {"literal str in-between\n", "'in-between'"},
       {"", prompt},
       {"half a line", "half a line"},
       {"\x03", prompt},
-      {"SELECT nope FROM DUAL\n", "904"},
-      {"exit\n", prompt},
+      {"DELETE FROM PM_REPORT\n", "     2> "},
+      {"WHERE\x03", "'DELETE FROM PM_REPORT' ... is not finished and was not sent"},
+      {"", prompt},
+      {"SELECT nope FROM DUAL;\n", "904"},
+      {"", prompt},
+      {"\x1a", prompt},
   };
   for (const auto& [text, answer] : typed) {
     shell.Type(text);
     ASSERT_TRUE(shell.WaitFor(answer)) << answer << " after " << text;
   }
+  EXPECT_TRUE(shell.WaitForEditing())
+      << "Ctrl-Z, which cannot stop a session's only group, changed it";
+  shell.Signal(SIGSTOP);
+  shell.EndEditing();
+  shell.Signal(SIGCONT);
+  ASSERT_TRUE(shell.WaitFor(prompt));
+  EXPECT_TRUE(shell.WaitForEditing()) << "after fg";
+  shell.Type("exit\n");
   const Outcome outcome = shell.End();
   EXPECT_EQ(outcome.status, 0);
   EXPECT_FALSE(shell.WaitFor(prompt)) << "an old Ctrl-C ended a later line";
+  TerminalProgram unfinished(OnSite("shell"));
+  unfinished.Type("DELETE FROM PM_REPORT\n");
+  ASSERT_TRUE(unfinished.WaitFor("     2> "));
+  ASSERT_TRUE(unfinished.WaitForEditing());
+  unfinished.Type("\x04");
+  EXPECT_EQ(unfinished.End().status, 2);
 }
 
 TEST_F(CommandLine, FitsTablesIntoTheTerminal) {
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   const Outcome narrow = TerminalProgram(OnSite("query `SELECT * FROM PM_REPORT`")).End();
   EXPECT_THAT(narrow.out, HasSubstr("\u2026"));
   std::istringstream lines(std::regex_replace(narrow.out, std::regex("\x1b\\[[02]m|\r"), ""));

@@ -211,7 +211,7 @@ TEST(Record, OfTheProgramCanBeReplayed) {
   const std::string sql = "SELECT Id, Name, Changed, DTSCOPEID FROM PM_REPORT ORDER BY Id";
   const std::string bad = "INSERT INTO JOB_GROUP (ID, NAME) VALUES (1, 'again')";
   const Outcome outcome = RunProgram({.line = folder.Filled("--record @/record shell --keep-going"),
-                                      .input = "format csv\n" + sql + "\n" + bad + "\n",
+                                      .input = "format csv\n" + sql + ";\n" + bad + ";\n",
                                       .site = folder.Site()});
   ASSERT_EQ(outcome.status, 4);
   const auto entries = EntriesIn(folder.Read("record"));

@@ -115,10 +115,9 @@ TEST_F(OutputFiles, AreTheOwnersUnlessAGroupWasAskedFor) {
 TEST_F(OutputFiles, TellInTheLogWhatIsSentAndHowItFailed) {
   const std::string sql = "INSERT INTO JOB_GROUP (ID, NAME) VALUES (1, 'again')";
   EXPECT_EQ(Run("--log @/log request `" + sql + "`").status, 4);
-  EXPECT_THAT(
-      folder_.Read("log"),
-      ContainsRegex("server: Sending 1: request, profile's time-out\n +INSERT INTO .*'again'"
-                    ".\n.*server: Failed 1 after [0-9.]+ s: database error 1: ORA-00001"));
+  EXPECT_THAT(folder_.Read("log"),
+              ContainsRegex("server: Sending 1: request, time-out 60 s\n +INSERT INTO .*'again'"
+                            ".\n.*server: Failed 1 after [0-9.]+ s: database error 1: ORA-00001"));
   EXPECT_EQ(Run("--log /dev/stdout --record /dev/stderr now").err.substr(0, 8), "{\"id\":1,");
 }
 

@@ -3,14 +3,17 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 namespace sabrel::testing {
 namespace {
@@ -67,6 +70,22 @@ TerminalProgram::~TerminalProgram() {
 
 void TerminalProgram::Type(const std::string& text) const {
   if (::write(terminal_, text.data(), text.size()) < 0) std::abort();
+}
+
+bool TerminalProgram::WaitForEditing() const {
+  for (int waited_ms = 0; waited_ms < kPatience_ms; ++waited_ms) {
+    termios state{};
+    if (::tcgetattr(terminal_, &state) == 0 && (state.c_lflag & ICANON) == 0) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return false;
+}
+
+void TerminalProgram::EndEditing() const {
+  termios state{};
+  ::tcgetattr(terminal_, &state);
+  state.c_lflag |= ICANON | ECHO;
+  ::tcsetattr(terminal_, TCSANOW, &state);
 }
 
 void TerminalProgram::Signal(int signal) const { ::kill(process_, signal); }

@@ -39,6 +39,11 @@ class TerminalProgram {
   bool WaitFor(const std::string& text);
   void Type(const std::string& text) const;
   void Signal(int signal) const;
+  /// Waits until the terminal hands out each character, as an editor of lines wants it; false after
+  /// a minute.
+  [[nodiscard]] bool WaitForEditing() const;
+  /// Sets it up as a shell does whose job has stopped.
+  void EndEditing() const;
   /// Its output is what the terminal shows.
   Outcome End();
 

@@ -119,7 +119,7 @@ TEST_F(StartUp, AnswersQuestionsAboutSchemaAndSettings) {
       {"no mail client", "email", 1, "no\n", "mail client"},
   });
   const char* probes =
-      "probe table T\nrequest CREATE TABLE T (A NUMBER)\nprobe table T\nreset\nprobe table T\n";
+      "probe table T\nrequest CREATE TABLE T (A NUMBER);\nprobe table T\nreset\nprobe table T\n";
   EXPECT_EQ(Run("shell", probes).out, "no\nno\nyes\n") << "only a reset forgets";
 }
 
