@@ -18,6 +18,7 @@
 #include "adapters/console/password_prompt.h"
 #include "adapters/console/registry_file.h"
 #include "tests/platform/failures.h"
+#include "tests/support/pseudo_terminal.h"
 #include "tests/support/sample_site_copy.h"
 
 namespace sabrel {
@@ -193,6 +194,7 @@ TEST(ConsoleServices, AnswersBoxesByModeAndStyleWhereNobodyCanBeAsked) {
 }
 
 TEST(ConsoleServices, AsksThePersonAtTheTerminal) {
+  if (!testing::HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   const std::tuple<const char*, std::int32_t, std::int32_t> rows[] = {
       {"YES\n", 292, 6}, {" no \n", 52, 7}, {"\n", 292, 7},
       {"\n", 52, 6},     {"\x04", 52, 7},   {"what\ny\n", 292, 6}};
@@ -318,6 +320,7 @@ TEST(EnvironmentLocale, DerivesFactsFromPatterns) {
 volatile std::sig_atomic_t g_interrupts = 0;
 
 TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
+  if (!testing::HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   Terminal terminal;
   const auto prompt = [&](const std::function<void()>& person_does) {
     const std::jthread person([&] {
@@ -332,6 +335,13 @@ TEST(PromptWithoutEcho, ReadsInSilenceAndGivesTheEchoBack) {
   };
   EXPECT_EQ(prompt(type), "s\u00E9cret ");
   EXPECT_TRUE(terminal.Echoes());
+
+  const auto go_on = [&] {
+    std::raise(SIGCONT);
+    terminal.ReadTo("Password: ");
+    type();
+  };
+  EXPECT_EQ(prompt(go_on), "s\u00E9cret ") << "asked anew after a stop";
 
   // A signal with a handler of the host's: it runs, on whatever thread, and the prompt ends.
   const auto before = std::signal(SIGINT, [](int) { g_interrupts = g_interrupts + 1; });

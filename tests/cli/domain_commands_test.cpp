@@ -1,5 +1,6 @@
 // Entities, reports, validation, query texts and the slices of the day.
 #include "tests/cli/command_line.h"
+#include "tests/support/pseudo_terminal.h"
 
 namespace sabrel::testing {
 namespace {
@@ -96,6 +97,7 @@ TEST_F(CommandLine, DrawsAndCountsTheSlicesOfTheDay) {
       {"minutes", "request `UPDATE PM_PRODUCT_INFO SET Value = '1440'`", 0},
   });
   // On a terminal of 60 columns a character is half an hour.
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   EXPECT_THAT(TerminalProgram(OnSite("slices 31-90,1440")).End().out, HasSubstr("·██·"));
 }
 

@@ -1,6 +1,7 @@
 // The program on a database server: the same commands, and what it says of one that fails.
 #include "tests/cli/command_line.h"
 #include "tests/support/postgresql_server.h"
+#include "tests/support/pseudo_terminal.h"
 
 namespace sabrel::testing {
 namespace {
@@ -58,6 +59,7 @@ TEST_F(CommandLine, DoesOnPostgresqlWhatItDoesOnAFile) {
       {"password", on + "--profile-name stranger server test", 4, "", "Error: 1017"},
   });
   EXPECT_EQ(folder_.Read("back"), folder_.Read("text"));
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
   TerminalProgram endless(OnSite("--profile @/profiles query `SELECT pg_sleep(50) FROM DUAL`"));
   ASSERT_TRUE(endless.WaitFor("Ctrl-C"));
   endless.Type("\x03");
