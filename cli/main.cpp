@@ -37,7 +37,8 @@ constexpr const char* kFooter =
     "behind:\n"
     "  Driver (sqlite, or an ODBC driver as `odbcinst -q -d` lists it: PostgreSQL's or Oracle's),\n"
     "  Host, Port, Database (file, database or service), UserName, Password, ConnectTimeout and\n"
-    "  ReceiveTimeout in seconds (0 for no limit).";
+    "  ReceiveTimeout in seconds (0 for no limit), DateFormat (DD-MON-RR where it is left out),\n"
+    "  SslMode (require, verify-ca or verify-full) and SslRootCert.";
 
 // What is wrong with a version, or nothing.
 std::string VersionFault(const std::string& text) {

@@ -40,6 +40,15 @@ std::vector<CallParameter> ParametersOf(const Signature& signature,
   return parameters;
 }
 
+std::string_view PlaceOf(const Signature::Argument& argument,
+                         const std::optional<std::string>& value) {
+  const bool is_date = argument.type == "DATE" && argument.direction == dialect::Direction::kIn;
+  if (!is_date || !value) return "?";
+  const bool names_format =
+      dialect::HasForm(*value, "0000-00-00") || dialect::HasForm(*value, "0000-00-00 00:00:00");
+  return names_format ? "TO_DATE(?,'YYYY-MM-DD HH24:MI:SS')" : "?";
+}
+
 void AppendOutput(RowBlock& row, const CallParameter& parameter) {
   if (parameter.length == SQL_NULL_DATA) return row.AddNull();
   const auto units = static_cast<std::size_t>(parameter.length) / sizeof(SQLWCHAR);

@@ -25,6 +25,11 @@ struct CallParameter {
 [[nodiscard]] std::vector<CallParameter> ParametersOf(
     const Signature& signature, const std::vector<std::optional<std::string>>& values);
 
+/// The place of an argument in a call's text: "?". A date that is not in the session's format, but
+/// "YYYY-MM-DD[ HH24:MI:SS]", names that one.
+[[nodiscard]] std::string_view PlaceOf(const Signature::Argument& argument,
+                                       const std::optional<std::string>& value);
+
 /// Errors: DriverFailure 6502 where a text was longer than its room
 void AppendOutput(RowBlock& row, const CallParameter& parameter);
 

@@ -72,7 +72,8 @@ std::vector<Signature> SignaturesIn(const RowBlock& rows) {
   return found;
 }
 
-void AppendConstant(std::string& sql, const std::optional<std::string>& piece) {
+void AppendConstant(std::string& sql, const std::optional<std::string>& piece,
+                    std::string_view end) {
   if (!piece) {
     sql += "NULL";
     return;
@@ -80,6 +81,7 @@ void AppendConstant(std::string& sql, const std::optional<std::string>& piece) {
   sql += '\'';
   for (const char c : *piece) sql.append(c == '\'' ? 2 : 1, c);
   sql += '\'';
+  sql += end;
 }
 
 /// One column's parameters of many rows, in the driver's form.
@@ -135,7 +137,7 @@ Connection::Connection(const Engine& engine, const ConnectionProfile& profile,
   }
   if (opening == Opening::kBare) return;
   try {
-    for (const std::string& statement : engine.OpeningStatements()) {
+    for (const std::string& statement : engine.OpeningStatements(section.DateFormat)) {
       Execute(ToWide(statement), limit_s);
     }
   } catch (...) {
@@ -239,7 +241,10 @@ void Connection::CallBound(const Signature& signature,
   std::vector<CallParameter> parameters = ParametersOf(signature, values);
   std::string text = signature.is_function ? "{? = call " : "{call ";
   text += signature.call_name + "(";
-  for (std::size_t i = 0; i < signature.arguments.size(); ++i) text += i > 0 ? ",?" : "?";
+  for (std::size_t i = 0; i < signature.arguments.size(); ++i) {
+    text += i > 0 ? "," : "";
+    text += PlaceOf(signature.arguments[i], values[i]);
+  }
   text += ")}";
   Statement statement(handle_, cancel_point_);
   const std::u16string wide = ToWide(text);
@@ -298,11 +303,13 @@ void Connection::WriteManyRows(std::string_view head, const RowSet& rows, std::i
   constexpr std::size_t kStatementBytes = std::size_t{256} << 10U;
   std::string sql(head);
   for (auto row = rows.rows.begin(); row != rows.rows.end();) {
-    char before = '(';
+    std::size_t column = 0;
     for (const auto& piece : DecodeRow(*row)) {
-      sql += before;
-      AppendConstant(sql, piece);
-      before = ',';
+      sql += column == 0 ? '(' : ',';
+      const bool is_number =
+          column < rows.columns.size() && EqualIgnoringCase(rows.columns[column].type_word, "INT");
+      AppendConstant(sql, piece, is_number ? std::string_view() : engine_.TextConstantEnd());
+      ++column;
     }
     sql += ')';
     ++row;

@@ -82,11 +82,12 @@ ConnectionPool::Place ConnectionPool::Take() {
     idle_.pop_back();
     return place;
   }
-  return {std::make_unique<Worker>(address_), false};
+  return {std::make_unique<Worker>(address_), false, settings_};
 }
 
 void ConnectionPool::GiveBack(Place place) noexcept {
-  if (!closed_ && place.is_connected && idle_.size() < kMostIdle) idle_.push_back(std::move(place));
+  const bool serves = place.is_connected && place.settings == settings_;
+  if (!closed_ && serves && idle_.size() < kMostIdle) idle_.push_back(std::move(place));
 }
 
 void ConnectionPool::Close() noexcept {
@@ -178,6 +179,12 @@ void Lease::Do(Worker::Task task, Deadline deadline, Verb verb) {
     }
     throw Refused(meaning, diagnosis.message, diagnosis.state);
   }
+}
+
+void Lease::KeepDateFormat(std::string format) {
+  pool_->section_.DateFormat = std::move(format);
+  place_.settings = ++pool_->settings_;
+  pool_->DropIdle();
 }
 
 void Lease::DropStatement() noexcept {

@@ -69,6 +69,7 @@ class ConnectionPool {
   struct Place {
     std::unique_ptr<Worker> worker;
     bool is_connected = false;
+    int settings = 0;  // version of the pool's that its session has
   };
   [[nodiscard]] Place Take();
   void GiveBack(Place place) noexcept;
@@ -78,6 +79,7 @@ class ConnectionPool {
   const Engine& engine_;
   ConnectionProfile profile_;
   SectionSettings section_;
+  int settings_ = 0;  // counts changes of section_
   Opening opening_;
   std::shared_ptr<CancelSwitch> cancel_;
   std::string address_;
@@ -103,6 +105,9 @@ class Lease {
   void Do(Worker::Task task, Deadline deadline, Verb verb = Verb::kOther);
   /// Ends the statement whose rows were being read, without waiting.
   void DropStatement() noexcept;
+  /// This connection's session has another date format now: so do those that are made from here
+  /// on, and no older one serves another request.
+  void KeepDateFormat(std::string format);
 
  private:
   void Connect();

@@ -74,8 +74,10 @@ class Engine {
   [[nodiscard]] virtual std::string SocketFile(const ConnectionProfile& /*profile*/) const {
     return {};
   }
-  /// Statements to send once when a connection was made, in the server's own language.
-  [[nodiscard]] virtual std::vector<std::string> OpeningStatements() const = 0;
+  /// Statements to send once when a connection was made, in the server's own language;
+  /// `date_format` is that of the session.
+  [[nodiscard]] virtual std::vector<std::string> OpeningStatements(
+      std::string_view date_format) const = 0;
   /// The server's form of one statement, as dialect::RequireOneStatement returned it.
   /// Errors: dialect::SyntaxFailure
   [[nodiscard]] virtual Compiled Compile(std::string_view statement) const = 0;
@@ -101,6 +103,8 @@ class Engine {
   /// Whether a multi-row `INSERT ... VALUES (...), (...)` is known to the server; otherwise row
   /// sets go as arrays of parameters.
   [[nodiscard]] virtual bool InsertsManyRows() const = 0;
+  /// What is put behind the text constants of such statements.
+  [[nodiscard]] virtual std::string_view TextConstantEnd() const { return {}; }
 };
 
 /// The engine that serves a profile with this driver name; null when the name tells none.

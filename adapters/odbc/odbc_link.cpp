@@ -213,7 +213,9 @@ std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAd
   const Engine& engine = target.pool->Server();
   return Reporting(*last_error_, *target.pool, [&]() -> std::unique_ptr<Cursor> {
     const std::string_view statement = dialect::RequireOneStatement(sql);
-    const Compiled compiled = engine.Compile(statement);
+    const bool alters_session = dialect::KindOf(statement) == dialect::StatementKind::kAlterSession;
+    if (alters_session) AlterSession(statement, target);
+    const Compiled compiled = alters_session ? Compiled() : engine.Compile(statement);
     const auto block = std::make_shared<Block>();
     if (compiled.text.empty()) {
       return std::make_unique<OdbcCursor>(target.pool, std::nullopt, std::move(*block), last_error_,
@@ -242,8 +244,12 @@ std::unique_ptr<Cursor> OdbcLink::Query(std::string_view sql, const DataServerAd
 
 std::int64_t OdbcLink::Execute(std::string_view sql, const DataServerAddress& address) {
   const Target target = Find(address);
-  return Reporting(*last_error_, *target.pool, [&] {
+  return Reporting(*last_error_, *target.pool, [&]() -> std::int64_t {
     const std::string_view statement = dialect::RequireOneStatement(sql);
+    if (dialect::KindOf(statement) == dialect::StatementKind::kAlterSession) {
+      AlterSession(statement, target);
+      return kUnknownRows;
+    }
     const std::u16string text = ToWide(target.pool->Server().Compile(statement).text);
     if (text.empty()) return kUnknownRows;
     const auto rows_changed = std::make_shared<std::int64_t>(kUnknownRows);
@@ -253,6 +259,16 @@ std::int64_t OdbcLink::Execute(std::string_view sql, const DataServerAddress& ad
             DeadlineIn(target.timeout_s), VerbOf(dialect::KindOf(statement)));
     return dialect::CountsRows(statement) ? *rows_changed : kUnknownRows;
   });
+}
+
+void OdbcLink::AlterSession(std::string_view statement, const Target& target) {
+  const std::u16string text = ToWide(target.pool->Server().Compile(statement).text);
+  Lease lease(target.pool);
+  lease.Do([text, timeout_s = target.timeout_s](
+               Workplace& here) { (void)here.connection->Execute(text, timeout_s); },
+           DeadlineIn(target.timeout_s));
+  auto format = dialect::ParseAlterSession(statement).date_format;
+  if (format) lease.KeepDateFormat(*std::move(format));
 }
 
 void OdbcLink::ExecuteNative(std::string_view sql) {

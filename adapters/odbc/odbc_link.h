@@ -44,6 +44,7 @@ class OdbcLink final : public DataLink {
   using Key = std::tuple<std::string, std::string, std::int32_t, std::string, std::string,
                          std::string, SectionSettings>;
   [[nodiscard]] Target Find(const DataServerAddress& address);
+  static void AlterSession(std::string_view statement, const Target& target);
 
   ProfileSet profiles_;
   Opening opening_;

@@ -34,9 +34,9 @@ Value CastToNumber(Arguments a, void*) {
 }
 
 /// sabrel_text(value[, width]): a text is cut to the width, anything else must fit.
-Value CastToText(Arguments a, void*) {
+Value CastToText(Arguments a, void* connection) {
   if (a[0].IsNull()) return {};
-  const std::string text = PlainTextOf(a[0]);
+  const std::string text = PlainTextOf(a[0], DateFormatOf(connection));
   if (a.size() == 1) return TextValue(text);
   const std::size_t fitting = ByteLengthOf(text, static_cast<std::size_t>(a[1].integer));
   if (fitting < text.size() && a[0].kind != Value::Kind::kText) {
@@ -96,7 +96,7 @@ dialect::Engine::CastParts SqliteDialect::PartsOfCast(std::string_view upper_nam
 }
 
 void RegisterCasts(Connection& connection) {
-  for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);
+  for (const SqlFunction& function : kFunctions) Register(connection, function, &connection);
 }
 
 }  // namespace sabrel::sqlite

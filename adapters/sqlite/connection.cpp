@@ -223,6 +223,14 @@ void Connection::KeepStatement(std::string key, sqlite3_stmt* handle) noexcept {
   }
 }
 
+std::string_view Connection::DeclaredType(std::string_view table, const std::string& column) const {
+  const char* type = nullptr;
+  const int code =
+      sqlite3_table_column_metadata(handle_.get(), nullptr, std::string(table).c_str(),
+                                    column.c_str(), &type, nullptr, nullptr, nullptr, nullptr);
+  return code == SQLITE_OK && type != nullptr ? std::string_view(type) : std::string_view();
+}
+
 void Connection::Run(const char* sql) {
   kept_failure_ = nullptr;
   const int code = sqlite3_exec(Handle(), sql, nullptr, nullptr, nullptr);

@@ -83,6 +83,9 @@ class Connection {
 
   /// Prepares one statement of the engine, or takes it from the cache.
   [[nodiscard]] Statement Prepare(std::string_view sql, Verb verb = Verb::kOther);
+  /// The type that a table's column was declared with; empty for what is none.
+  [[nodiscard]] std::string_view DeclaredType(std::string_view table,
+                                              const std::string& column) const;
   /// Runs statements of this server's own, without rows.
   void Run(const char* sql);
 
@@ -101,6 +104,14 @@ class Connection {
   [[nodiscard]] bool HasVirtualTable(std::string_view name) const noexcept;
   /// A column that the statement sets which is being prepared.
   void NoteSetColumn(std::string_view table, std::string_view column);
+
+  /// `format` is what DateFormat tells from now on, whatever it is changed to; it must live as long
+  /// as this.
+  void FollowDateFormat(const std::string& format) noexcept { date_format_ = &format; }
+  /// The session's format for dates where a statement names none; empty without a session.
+  [[nodiscard]] std::string_view DateFormat() const noexcept {
+    return date_format_ == nullptr ? std::string_view() : *date_format_;
+  }
 
   /// Keeps a failure that happened inside a function of a running statement; it replaces the
   /// engine's own.
@@ -151,6 +162,7 @@ class Connection {
   std::string path_;
   std::shared_ptr<CancelSwitch> cancel_switch_;
   std::unique_ptr<sqlite3, Closer> handle_;
+  const std::string* date_format_ = nullptr;
   std::list<Kept> kept_;  // last used first
   std::unordered_map<std::string_view, std::list<Kept>::iterator> kept_by_text_;
   std::vector<std::string_view> functions_;

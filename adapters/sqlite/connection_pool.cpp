@@ -6,6 +6,7 @@ namespace sabrel::sqlite {
 
 std::unique_ptr<Server> ConnectionPool::Take(Deadline deadline) {
   if (idle_.empty()) {
+    RequireDateFormat(state_->date_format);
     return std::make_unique<Server>(path_, cancel_switch_, state_, durability_, deadline);
   }
   // The last one back has the statements that are in use now.

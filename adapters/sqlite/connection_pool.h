@@ -18,11 +18,13 @@ class ConnectionPool {
   static constexpr std::size_t kMostIdle = 4;
 
   ConnectionPool(std::string path, std::shared_ptr<CancelSwitch> cancel_switch,
-                 Durability durability)
+                 Durability durability, std::string date_format)
       : path_(std::move(path)),
         cancel_switch_(std::move(cancel_switch)),
         state_(std::make_shared<SessionState>()),
-        durability_(durability) {}
+        durability_(durability) {
+    state_->date_format = std::move(date_format);
+  }
 
   /// A new connection waits for the file's lock until `deadline`. Errors: as Connection
   [[nodiscard]] std::unique_ptr<Server> Take(Deadline deadline);

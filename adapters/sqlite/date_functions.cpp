@@ -16,18 +16,23 @@ constexpr double kSecondsPerDay = 86400.0;
 
 bool IsDate(const Value& value) { return value.kind == Value::Kind::kDate; }
 
-/// The moment of a date, or of a text in the default form. Errors: as ParseMoment
-std::string MomentFrom(const Value& value) {
+/// The moment of a date, or of a text in the session's format. Errors: as ParseMoment
+std::string MomentFrom(const Value& value, void* connection) {
   if (IsDate(value)) return value.text;
-  if (value.kind == Value::Kind::kText) return ParseMoment(value.text, kDefaultDateFormat);
+  if (value.kind == Value::Kind::kText) return ParseMoment(value.text, DateFormatOf(connection));
   throw ServerFailure(932, "inconsistent datatypes: expected DATE got NUMBER");
 }
 
-Value ToDate(Arguments a, void*) {
+Value ToDate(Arguments a, void* connection) {
   if (HasNull(a)) return {};
   if (IsDate(a[0])) return a[0];
-  return DateValue(
-      ParseMoment(TextOf(a[0]), a.size() > 1 ? std::string_view(a[1].text) : kDefaultDateFormat));
+  const std::string_view format = a.size() > 1 ? a[1].text : DateFormatOf(connection);
+  return DateValue(ParseMoment(TextOf(a[0]), format));
+}
+
+/// What is assigned to a column of dates.
+Value AssignedDate(Arguments a, void* connection) {
+  return a[0].IsNull() ? Value{} : DateValue(MomentFrom(a[0], connection));
 }
 
 struct NumberFormat {
@@ -139,9 +144,9 @@ std::string FormatNumber(const Value& number, std::string_view model) {
   return text;
 }
 
-Value ToChar(Arguments a, void*) {
+Value ToChar(Arguments a, void* connection) {
   if (HasNull(a)) return {};
-  if (a.size() < 2) return TextValue(PlainTextOf(a[0]));
+  if (a.size() < 2) return TextValue(PlainTextOf(a[0], DateFormatOf(connection)));
   if (IsDate(a[0])) return TextValue(FormatMoment(a[0].text, a[1].text));
   return TextValue(FormatNumber(NumberOf(a[0]), TextOf(a[1])));
 }
@@ -155,10 +160,11 @@ std::int64_t PowerOfTen(std::int64_t exponent) {
   return power;
 }
 
-Value Trunc(Arguments a, void*) {
+Value Trunc(Arguments a, void* connection) {
   if (HasNull(a)) return {};
   if (IsDate(a[0]) || (a.size() > 1 && a[1].kind == Value::Kind::kText)) {
-    return DateValue(TruncateMoment(MomentFrom(a[0]), a.size() > 1 ? TextOf(a[1]) : "DD"));
+    return DateValue(
+        TruncateMoment(MomentFrom(a[0], connection), a.size() > 1 ? TextOf(a[1]) : "DD"));
   }
   const std::int64_t digits = a.size() > 1 ? WholeOf(a[1]) : 0;
   const Value number = NumberOf(a[0]);
@@ -189,22 +195,22 @@ Value Round(Arguments a, void*) {
 
 Value SystemDate(Arguments, void*) { return DateValue(Now()); }
 
-Value AddMonthsTo(Arguments a, void*) {
+Value AddMonthsTo(Arguments a, void* connection) {
   if (HasNull(a)) return {};
   const std::int64_t months = WholeOf(a[1]);
   if (months < -200000 || months > 200000) {
     throw ServerFailure(1841, "(full) year must be between 100 and 9999");
   }
-  return DateValue(AddMonths(MomentFrom(a[0]), static_cast<int>(months)));
+  return DateValue(AddMonths(MomentFrom(a[0], connection), static_cast<int>(months)));
 }
 
-Value LastDayOf(Arguments a, void*) {
-  return a[0].IsNull() ? Value{} : DateValue(LastDay(MomentFrom(a[0])));
+Value LastDayOf(Arguments a, void* connection) {
+  return a[0].IsNull() ? Value{} : DateValue(LastDay(MomentFrom(a[0], connection)));
 }
 
-Value MonthsBetweenDates(Arguments a, void*) {
+Value MonthsBetweenDates(Arguments a, void* connection) {
   if (HasNull(a)) return {};
-  return Tidy(MonthsBetween(MomentFrom(a[0]), MomentFrom(a[1])));
+  return Tidy(MonthsBetween(MomentFrom(a[0], connection), MomentFrom(a[1], connection)));
 }
 
 /// `left` plus or minus `right` as numbers; whole numbers that overflow become reals.
@@ -228,7 +234,7 @@ Value Add(Arguments a, void*) {
   return Sum(a[0], a[1], 1);
 }
 
-Value Subtract(Arguments a, void*) {
+Value Subtract(Arguments a, void* connection) {
   if (HasNull(a)) return {};
   if (IsDate(a[0]) && IsDate(a[1])) {
     return RealValue(SecondsBetween(a[1].text, a[0].text) / kSecondsPerDay);
@@ -236,7 +242,7 @@ Value Subtract(Arguments a, void*) {
   if (IsDate(a[0])) return DateValue(MoveMoment(a[0].text, -RealOf(a[1]) * kSecondsPerDay));
   if (IsDate(a[1])) {
     if (a[0].kind == Value::Kind::kText) {
-      return RealValue(SecondsBetween(a[1].text, MomentFrom(a[0])) / kSecondsPerDay);
+      return RealValue(SecondsBetween(a[1].text, MomentFrom(a[0], connection)) / kSecondsPerDay);
     }
     throw ServerFailure(932, "inconsistent datatypes: expected DATE got NUMBER");
   }
@@ -258,18 +264,22 @@ Value Divide(Arguments a, void*) {
 }
 
 template <Value (*kStep)(Arguments, void*)>
-Value Chain(Arguments a, void*) {
+Value Chain(Arguments a, void* connection) {
   Value total = a[0];
   for (std::size_t i = 1; i < a.size(); ++i) {
     const Value operands[] = {std::move(total), a[i]};
-    total = kStep(Arguments(operands), nullptr);
+    total = kStep(Arguments(operands), connection);
   }
   return total;
 }
 
 constexpr SqlFunction kFunctions[] = {
-    {"TO_DATE", 1, 2, true, ToDate},
-    {"TO_CHAR", 1, 2, true, ToChar},
+    // Those that read the session's date format are not pure: it changes.
+    {"TO_DATE", 1, 1, false, ToDate},
+    {"TO_DATE", 2, 2, true, ToDate},
+    {"TO_CHAR", 1, 1, false, ToChar},
+    {"TO_CHAR", 2, 2, true, ToChar},
+    {"SABREL_DATE", 1, 1, false, AssignedDate},
     {"TRUNC", 1, 2, true, Trunc},
     {"ROUND", 1, 2, true, Round},
     {"ADD_MONTHS", 2, 2, true, AddMonthsTo},
@@ -283,8 +293,8 @@ constexpr SqlFunction kFunctions[] = {
 
 }  // namespace
 
-std::string PlainTextOf(const Value& value) {
-  return IsDate(value) ? FormatMoment(value.text, kDefaultDateFormat) : TextOf(value);
+std::string PlainTextOf(const Value& value, std::string_view date_format) {
+  return IsDate(value) ? FormatMoment(value.text, date_format) : TextOf(value);
 }
 
 Value RoundedTo(const Value& number, std::int64_t digits) {
@@ -308,7 +318,7 @@ Value RoundedTo(const Value& number, std::int64_t digits) {
 }
 
 void RegisterDateFunctions(Connection& connection) {
-  for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);
+  for (const SqlFunction& function : kFunctions) Register(connection, function, &connection);
 }
 
 }  // namespace sabrel::sqlite

@@ -1,4 +1,7 @@
 // Reading dates: TO_DATE.
+#include <algorithm>
+#include <utility>
+
 #include "adapters/sqlite/date_format.h"
 #include "adapters/sqlite/date_text.h"
 #include "adapters/sqlite/failure.h"
@@ -18,6 +21,7 @@ class Reader {
     parts_ = {now.year, now.month, 1, 0, 0, 0};
     while (!format.empty()) {
       const Element element = TakeElement(format);
+      following_ = format;
       if (text_.empty() && !MayBeLeftOut(element.part)) {
         throw ServerFailure(1840, "input value not long enough for date format");
       }
@@ -36,15 +40,31 @@ class Reader {
            part == Part::kFill;
   }
 
+  /// The kind of element that the format has behind the present one; punctuation at its end.
+  [[nodiscard]] Part NextPart() const {
+    std::string_view rest = following_;
+    Part next = Part::kPunctuation;
+    while (!rest.empty() && (next = TakeElement(rest).part) == Part::kFill) {
+    }
+    return next;
+  }
+
+  static bool IsWritten(Part part) {
+    return part == Part::kMonthShort || part == Part::kMonthName || part == Part::kDayShort ||
+           part == Part::kDayName || part == Part::kHalf || part == Part::kLiteral;
+  }
+
   int Number(std::size_t most_digits) {
     if (!IsDigit(text_.front())) {
       throw ServerFailure(1858, "a non-numeric character was found where a numeric was expected");
     }
     int number = 0;
-    for (std::size_t i = 0; i < most_digits && !text_.empty() && IsDigit(text_.front()); ++i) {
+    std::size_t digits = 0;
+    for (; digits < most_digits && !text_.empty() && IsDigit(text_.front()); ++digits) {
       number = number * 10 + (text_.front() - '0');
       text_.remove_prefix(1);
     }
+    has_end_ = digits == most_digits;
     return number;
   }
 
@@ -69,10 +89,12 @@ class Reader {
 
   void Year(Part part, std::size_t digits) {
     const std::size_t before = text_.size();
-    int year = Number(digits);
+    // A year in full does for the short forms, too, where its end can be seen.
+    const bool is_short = part == Part::kYear2 || part == Part::kRound2;
+    int year = Number(is_short && HasDigits(4) && EndsApart() ? 4 : digits);
     const std::size_t read = before - text_.size();
     const int now = PartsOf(Now()).year;
-    if (part == Part::kYear2) year += now / 100 * 100;
+    if (part == Part::kYear2 && read <= 2) year += now / 100 * 100;
     if (part == Part::kYear3) year += now / 1000 * 1000;
     if ((part == Part::kRound2 || part == Part::kRound4) && read <= 2) {
       const int century =
@@ -81,6 +103,16 @@ class Reader {
     }
     if (year < 100) throw ServerFailure(1841, "(full) year must be between 100 and 9999");
     parts_.year = year;
+  }
+
+  /// Whether no digit of another element can follow the present one.
+  [[nodiscard]] bool EndsApart() const {
+    const Part next = NextPart();
+    return next == Part::kPunctuation || IsWritten(next);
+  }
+
+  [[nodiscard]] bool HasDigits(std::size_t count) const {
+    return text_.size() >= count && std::all_of(text_.begin(), text_.begin() + count, IsDigit);
   }
 
   void Half() {
@@ -102,6 +134,7 @@ class Reader {
   }
 
   void Take(const Element& element) {
+    const bool has_end = std::exchange(has_end_, true);
     switch (element.part) {
       case Part::kYear4: Year(element.part, 4); return;
       case Part::kRound4: Year(element.part, 4); return;
@@ -140,19 +173,20 @@ class Reader {
       }
       case Part::kHalf: Half(); return;
       case Part::kLiteral: Literal(element.text); return;
-      case Part::kPunctuation: Punctuation(); return;
+      case Part::kPunctuation: Punctuation(has_end); return;
       case Part::kFill: return;
       default: throw ServerFailure(1820, "format code cannot appear in date input format");
     }
   }
 
-  void Punctuation() {
-    // A format's separator may be missing in the text, but no letter or digit stands for it.
+  void Punctuation(bool has_end) {
     if (!IsDigit(text_.front()) && !IsLetter(text_.front())) {
       text_.remove_prefix(FirstCharacterLength(text_));
-    } else if (IsLetter(text_.front())) {
-      throw ServerFailure(1861, "literal does not match format string");
+      return;
     }
+    // The text may leave it out where the end of what was read is clear.
+    const bool fits = IsWritten(NextPart()) == IsLetter(text_.front());
+    if (!has_end || !fits) throw ServerFailure(1861, "literal does not match format string");
   }
 
   std::string Finished() {
@@ -164,6 +198,8 @@ class Reader {
 
   std::string_view text_;
   CivilDate parts_;
+  std::string_view following_;  // the format behind the present element
+  bool has_end_ = true;         // the last element: no number with fewer digits than it may have
   int hour12_ = 0;
   int afternoon_ = 0;
 };

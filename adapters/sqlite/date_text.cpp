@@ -96,6 +96,11 @@ std::string Written(const Element& element, const CivilDate& parts, bool fill) {
 
 }  // namespace
 
+void RequireDateFormat(std::string_view format) {
+  if (format.empty()) throw ServerFailure(1821, "date format not recognized: it is empty");
+  while (!format.empty()) static_cast<void>(TakeElement(format));
+}
+
 std::string FormatMoment(std::string_view moment, std::string_view format) {
   const CivilDate parts = PartsOf(moment);
   std::string text;

@@ -1,8 +1,9 @@
 // Dates as text and back, by the format models of TO_DATE and TO_CHAR.
 //
 // Reading takes YYYY, RRRR, YYY, YY, RR, MM, MON, MONTH, DD, HH24, HH12, HH, MI, SS, SSSSS, AM/PM
-// and literal parts; punctuation matches any punctuation, a time that the text leaves out is
-// midnight. Writing takes these and Q, D, DDD, DY, DAY, J, FM.
+// and literal parts; punctuation matches any punctuation, and none behind numbers with all their
+// digits; MM takes a month's name, MON and MONTH each other's, YY and RR a year of four digits; a
+// time that the text leaves out is midnight. Writing takes these and Q, D, DDD, DY, DAY, J, FM.
 #pragma once
 
 #include <string>
@@ -10,8 +11,11 @@
 
 namespace sabrel::sqlite {
 
-/// The form of dates where a statement names none.
-inline constexpr std::string_view kDefaultDateFormat = "YYYY-MM-DD HH24:MI:SS";
+/// A session's date format, for dates where a statement names none, unless it sets another.
+inline constexpr std::string_view kDefaultDateFormat = "DD-MON-RR";
+
+/// Refuses what is no date format. Errors (ServerFailure): 1821
+void RequireDateFormat(std::string_view format);
 
 /// Errors (ServerFailure): 1861, 1830, 1840, 1843, 1847, 1839, 1841, 1849 to 1852, 1855, 1858, and
 /// 1821 for the format

@@ -1,4 +1,5 @@
 // CREATE and DROP of sequences, routines and tables.
+#include <algorithm>
 #include <utility>
 
 #include "adapters/shared/dialect/token.h"
@@ -251,6 +252,49 @@ void CreateView(Server& server, std::string_view statement) {
   engine.Prepare("SELECT * FROM " + QuotedName(name) + " LIMIT 0").RunToEnd();
 }
 
+/// Whether the token at `i` is part of what a function makes a text of, other than by a format that
+/// the statement names; `list` is where the index's columns start.
+bool BecomesText(std::string_view text, const TokenList& tokens, std::size_t list, std::size_t i) {
+  int depth = 0;
+  bool is_text = false;
+  for (; i > list; --i) {
+    const char symbol = tokens[i].kind == dialect::TokenKind::kSymbol ? tokens[i].symbol : '\0';
+    if (symbol == ')') ++depth;
+    if (symbol != '(' || --depth >= 0) continue;
+    depth = 0;
+    if (IsWord(text, tokens[i - 1], "TO_CHAR")) return false;
+    const std::string function = UpperCase(dialect::TextOf(text, tokens[i - 1]));
+    is_text =
+        is_text || IsOneOf(function, {"UPPER", "LOWER", "LENGTH", "SUBSTR", "INSTR", "REPLACE",
+                                      "LPAD", "RPAD", "TRIM", "LTRIM", "RTRIM", "CONCAT", "CAST"});
+  }
+  return is_text;
+}
+
+/// Refuses an index of texts that the session's date format decides on: another session's would
+/// find no row by it.
+void RequireLastingTexts(Connection& engine, std::string_view text) {
+  const TokenList tokens = dialect::Tokenize(text);
+  std::size_t on = 0;
+  while (on < tokens.Last() && tokens[on].word != Word::kOn) ++on;
+  const std::size_t name = LastPartOfName(tokens, on + 1);
+  const std::string table = dialect::ValueOfName(text, tokens[name]);
+  const bool joins = std::any_of(tokens.begin(), tokens.end(), [](const Token& token) {
+    return token.kind == dialect::TokenKind::kSymbol && token.symbol == dialect::kConcatenation;
+  });
+  for (std::size_t i = name + 2; i < tokens.size(); ++i) {
+    const bool is_name = tokens[i].kind == dialect::TokenKind::kWord ||
+                         tokens[i].kind == dialect::TokenKind::kQuotedName;
+    if (!is_name) continue;
+    const std::string column = dialect::ValueOfName(text, tokens[i]);
+    if (!IsDateType(engine.DeclaredType(table, column))) continue;
+    if (joins || BecomesText(text, tokens, name + 1, i)) {
+      throw ServerFailure(
+          1743, "only pure functions can be indexed: write TO_CHAR(" + column + ", format)");
+    }
+  }
+}
+
 void DefineOther(Server& server, std::string_view statement) {
   Connection& engine = server.Engine();
   const TokenList tokens = dialect::Tokenize(statement);
@@ -268,6 +312,7 @@ void DefineOther(Server& server, std::string_view statement) {
   }
   if (is(0, "DROP") && is(1, "TABLE")) RequireUnreferenced(engine, name(2), 2449);
   if (is(0, "TRUNCATE")) RequireUnreferenced(engine, name(2), 2266);
+  if (is(0, "CREATE") && (is(1, "INDEX") || is(2, "INDEX"))) RequireLastingTexts(engine, statement);
   const bool alters = is(0, "ALTER") && is(1, "TABLE");
   if (alters) {
     RequireNameAfterRename(statement, tokens);

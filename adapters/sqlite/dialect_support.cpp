@@ -12,11 +12,14 @@ Value Sign(const std::string& a, const std::string& b) {
   return IntegerValue(a < b ? -1 : (b < a ? 1 : 0));
 }
 
-Value Compare(Arguments a, void*) {
+Value Compare(Arguments a, void* connection) {
   if (HasNull(a)) return {};
   if (a[0].IsNumber() || a[1].IsNumber()) return IntegerValue(OrderOfNumbers(a[0], a[1]));
   const bool has_date = a[0].kind == Value::Kind::kDate || a[1].kind == Value::Kind::kDate;
-  if (has_date) return Sign(CoerceTo("DATE", a[0]).text, CoerceTo("DATE", a[1]).text);
+  if (has_date) {
+    const std::string_view format = DateFormatOf(connection);
+    return Sign(CoerceTo("DATE", a[0], format).text, CoerceTo("DATE", a[1], format).text);
+  }
   return Sign(a[0].text, a[1].text);
 }
 
@@ -49,7 +52,7 @@ void Finish(sqlite3_context* context) {
 }  // namespace
 
 void RegisterDialectSupport(Connection& connection) {
-  Register(connection, {"SABREL_COMPARE", 2, 2, true, Compare}, nullptr);
+  Register(connection, {"SABREL_COMPARE", 2, 2, true, Compare}, &connection);
   constexpr int kFlags = SQLITE_UTF8 | SQLITE_INNOCUOUS | SQLITE_DETERMINISTIC;
   const int code = sqlite3_create_function_v2(connection.Handle(), "SABREL_SINGLE", 1, kFlags,
                                               &connection, nullptr, AddRow, Finish, nullptr);

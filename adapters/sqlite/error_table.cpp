@@ -87,6 +87,7 @@ constexpr Row kRows[] = {
     {SQLITE_ERROR, "wrong number of arguments to function ", 909, "invalid number of arguments: $"},
     {SQLITE_ERROR, "misuse of aggregate", 934, "group function is not allowed here"},
     {SQLITE_ERROR, "misuse of window", 30483, "window functions are not allowed here"},
+    {SQLITE_ERROR, "non-deterministic functions", 1743, "only pure functions can be indexed"},
     {SQLITE_ERROR, "GROUP BY clause is required before HAVING", 979, "not a GROUP BY expression"},
     {SQLITE_ERROR, "ORDER BY term", 1785, "ORDER BY item must be the number of a select item"},
     {SQLITE_ERROR, "because it is a view", 1732, "data manipulation not legal on this view"},

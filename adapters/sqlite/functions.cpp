@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "adapters/sqlite/dialect_support.h"
@@ -77,8 +78,10 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
     arguments.reserve(static_cast<std::size_t>(count));
     std::size_t bytes = kBytesOfACall;
     for (int i = 0; i < count; ++i) {
-      arguments.push_back(ArgumentOf(values[i]));
-      bytes += arguments.back().text.size();
+      Value& argument = arguments.emplace_back(ArgumentOf(values[i]));
+      bytes += argument.text.size();
+      if (!binding.function.takes_texts || argument.kind != Value::Kind::kDate) continue;
+      argument = TextValue(PlainTextOf(argument, binding.connection->DateFormat()));
     }
     binding.connection->Worked(bytes);
     Answer(context, binding.function.run(arguments, binding.context));
@@ -91,14 +94,25 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
 Value Nvl(Arguments a, void*) { return a[0].IsNull() ? a[1] : a[0]; }
 Value Nvl2(Arguments a, void*) { return a[0].IsNull() ? a[2] : a[1]; }
 
-bool SameValue(const Value& a, const Value& b) {
-  if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
-  return a.IsNumber() || b.IsNumber() ? OrderOfNumbers(a, b) == 0 : a.text == b.text;
+/// `a` as a value of the kind of `b`, where the two are a date and a text.
+Value LikeDateOrText(const Value& a, const Value& b, std::string_view date_format) {
+  using Kind = Value::Kind;
+  if (a.kind == Kind::kDate && b.kind == Kind::kText) {
+    return TextValue(PlainTextOf(a, date_format));
+  }
+  if (a.kind == Kind::kText && b.kind == Kind::kDate) return CoerceTo("DATE", a, date_format);
+  return a;
 }
 
-Value Decode(Arguments a, void*) {
+bool SameValue(const Value& a, const Value& b, std::string_view date_format) {
+  if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
+  if (a.IsNumber() || b.IsNumber()) return OrderOfNumbers(a, b) == 0;
+  return LikeDateOrText(a, b, date_format).text == b.text;
+}
+
+Value Decode(Arguments a, void* connection) {
   for (std::size_t i = 1; i + 1 < a.size(); i += 2) {
-    if (SameValue(a[0], a[i])) return a[i + 1];
+    if (SameValue(a[0], a[i], DateFormatOf(connection))) return a[i + 1];
   }
   return a.size() % 2 == 0 ? a.back() : Value{};
 }
@@ -173,17 +187,18 @@ int Order(const Value& a, const Value& b) {
   return TextOf(a).compare(TextOf(b));
 }
 
-Value Extreme(Arguments a, int wanted_sign) {
+Value Extreme(Arguments a, int wanted_sign, std::string_view date_format) {
   if (HasNull(a)) return {};
-  const Value* best = a.data();
-  for (const Value& value : a) {
-    if (Order(value, *best) * wanted_sign > 0) best = &value;
+  Value best = a[0];
+  for (const Value& one : a) {
+    Value value = LikeDateOrText(one, best, date_format);
+    if (Order(value, best) * wanted_sign > 0) best = std::move(value);
   }
-  return *best;
+  return best;
 }
 
-Value Greatest(Arguments a, void*) { return Extreme(a, 1); }
-Value Least(Arguments a, void*) { return Extreme(a, -1); }
+Value Greatest(Arguments a, void* connection) { return Extreme(a, 1, DateFormatOf(connection)); }
+Value Least(Arguments a, void* connection) { return Extreme(a, -1, DateFormatOf(connection)); }
 
 Value ToNumber(Arguments a, void*) {
   if (HasNull(a)) return {};
@@ -235,6 +250,10 @@ void RequireLength(std::size_t bytes) {
   if (bytes > Connection::kLongestText) {
     throw ServerFailure(1489, "result of string concatenation is too long");
   }
+}
+
+std::string_view DateFormatOf(void* context) {
+  return static_cast<const Connection*>(context)->DateFormat();
 }
 
 std::string TextOf(const Value& value) {
@@ -308,7 +327,7 @@ void Register(Connection& connection, const SqlFunction& function, void* context
 }
 
 void RegisterFunctions(Connection& connection) {
-  for (const SqlFunction& function : kFunctions) Register(connection, function, nullptr);
+  for (const SqlFunction& function : kFunctions) Register(connection, function, &connection);
   RegisterTextFunctions(connection);
   RegisterDateFunctions(connection);
   RegisterCasts(connection);

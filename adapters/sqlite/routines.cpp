@@ -210,11 +210,12 @@ RoutineResult Routines::Run(const Routine& routine, std::vector<Value> arguments
     throw ServerFailure(14551, "cannot perform a DML operation inside a query: " + routine.name);
   }
   const DepthGuard guard(depth_);
+  const std::string_view date_format = server_->Engine().DateFormat();
   std::unordered_map<std::string, Value> variables;
   for (std::size_t i = 0; i < routine.arguments.size(); ++i) {
     const dialect::RoutineArgument& argument = routine.arguments[i];
     if (argument.direction == dialect::Direction::kOut) continue;
-    variables[argument.name] = CoerceTo(argument.type, std::move(arguments[i]));
+    variables[argument.name] = ArgumentFor(argument.type, std::move(arguments[i]), date_format);
   }
   for (const Routine::Step& step : routine.steps) {
     Statement statement = PrepareStep(routine, step);
@@ -233,10 +234,11 @@ RoutineResult Routines::Run(const Routine& routine, std::vector<Value> arguments
   }
   RoutineResult result;
   if (routine.is_function) {
-    result.result = CoerceTo(routine.result_type, variables[std::string(kResultVariable)]);
+    result.result =
+        CoerceTo(routine.result_type, variables[std::string(kResultVariable)], date_format);
   }
   for (const dialect::RoutineArgument& argument : routine.arguments) {
-    result.arguments.push_back(CoerceTo(argument.type, variables[argument.name]));
+    result.arguments.push_back(CoerceTo(argument.type, variables[argument.name], date_format));
   }
   return result;
 }

@@ -58,6 +58,8 @@ class Routines {
   void Create(const dialect::RoutineDefinition& definition);
   void Drop(const std::string& upper_name);
 
+  /// Routines, or tables that they name, are others now: every connection compiles them anew.
+  void CountChange();
   /// Drops what was compiled: a change of the catalogue was taken back.
   void Forget() noexcept {
     kept_.clear();
@@ -69,7 +71,6 @@ class Routines {
 
  private:
   void ForgetOutdated();
-  void CountChange();
   [[nodiscard]] std::int64_t IdOf(std::string_view upper_name);
   void Load(Routine& routine, std::int64_t id);
   [[nodiscard]] Statement PrepareStep(const Routine& routine, const Routine::Step& step);

@@ -36,6 +36,7 @@ bool ReadsTables(std::string_view sql) {
     if (tokens[i].word != Word::kFrom) continue;
     const dialect::Token& source = tokens[i + 1];
     const Word inner = tokens[i + 2].word;
+    if (dialect::TextOf(sql, source) == dialect::kAssignedRows) continue;
     if (is_symbol(source, '(') && (inner == Word::kSelect || inner == Word::kWith)) continue;
     if (!EqualIgnoringCase(dialect::TextOf(sql, source), "DUAL")) return true;
     const std::size_t behind = is_symbol(tokens[i + 2], ')') ? i + 2 : i + 3;
@@ -54,6 +55,11 @@ std::vector<std::string> ResultNames(const Statement& statement,
 }
 
 }  // namespace
+
+bool IsDateType(std::string_view declared) {
+  const std::string_view type = declared.substr(0, declared.find_first_of(" ("));
+  return EqualIgnoringCase(type, "DATE") || EqualIgnoringCase(type, "TIMESTAMP");
+}
 
 Value ValueOf(const dialect::Constant& constant) {
   switch (constant.kind) {
@@ -95,6 +101,24 @@ bool SqliteDialect::IsReservedWord(std::string_view word) const {
   return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
 }
 
+std::vector<std::string_view> SqliteDialect::ConversionsOf(
+    std::string_view table, const std::vector<std::string>& columns) const {
+  std::vector<std::string> all;
+  if (columns.empty()) {
+    Statement each = connection_->Prepare("SELECT name FROM pragma_table_info(?1)");
+    each.Bind(1, table);
+    while (each.Step()) all.push_back(each.Column(0).text);
+  }
+  std::vector<std::string_view> conversions;
+  bool has_any = false;
+  for (const std::string& column : columns.empty() ? all : columns) {
+    const bool is_date = IsDateType(connection_->DeclaredType(table, column));
+    conversions.emplace_back(is_date ? "sabrel_date" : "");
+    has_any = has_any || is_date;
+  }
+  return has_any ? conversions : std::vector<std::string_view>();
+}
+
 std::string SqliteDialect::NextValue(std::string_view sequence) const {
   return "sabrel_nextval(" + dialect::TextConstant(UpperCase(sequence)) + ")";
 }
@@ -113,6 +137,7 @@ Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_swi
       session_(std::move(session)),
       routines_(*this),
       dialect_(routines_, connection_) {
+  connection_.FollowDateFormat(session_->date_format);
   RegisterFunctions(connection_);
   RegisterServerFunctions(*this);
   Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);
@@ -157,12 +182,19 @@ std::int64_t Server::Execute(std::string_view statement) {
   const StatementKind kind = dialect::KindOf(statement);
   if (kind == StatementKind::kTransaction) {
     dialect::RequireCommit(statement);
+  } else if (kind == StatementKind::kAlterSession) {
+    std::string format = dialect::RequireDateFormatOnly(statement);
+    RequireDateFormat(format);
+    session_->date_format = std::move(format);
   } else if (kind == StatementKind::kBlock) {
     RunBlock(statement);
   } else if (IsDefinition(kind)) {
     Transaction transaction(connection_, Transaction::Kind::kWrite);
     try {
       Define(kind, statement);
+      const bool is_of_tables =
+          kind == StatementKind::kCreateTable || kind == StatementKind::kOtherDefinition;
+      if (is_of_tables) routines_.CountChange();
       transaction.Commit();
     } catch (...) {
       routines_.Forget();
@@ -226,9 +258,13 @@ void Server::Write(const RowSet& rows) {
   if (IsOwnName(rows.table)) throw ServerFailure(942, "table or view does not exist");
   std::string sql = "INSERT INTO " + QuotedName(rows.table) + " (";
   std::string places;
-  for (std::size_t i = 0; i < rows.columns.size(); ++i) {
-    sql += (i > 0 ? ", " : "") + QuotedName(rows.columns[i].name);
-    places += (i > 0 ? ", ?" : "?") + std::to_string(i + 1);
+  std::vector<std::string> names;
+  for (const auto& column : rows.columns) names.push_back(column.name);
+  const std::vector<std::string_view> conversions = dialect_.ConversionsOf(rows.table, names);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string_view conversion = conversions.empty() ? "" : conversions[i];
+    sql += (i > 0 ? ", " : "") + QuotedName(names[i]);
+    places += (i > 0 ? ", " : "") + std::string(conversion) + "(?" + std::to_string(i + 1) + ")";
   }
   sql += ") VALUES (" + places + ")";
   Transaction transaction(connection_, Transaction::Kind::kWrite);

@@ -123,7 +123,10 @@ SqliteLink::Target SqliteLink::Find(const DataServerAddress& address) {
   Key key{profile.Driver,   profile.Host,     profile.Port,  profile.Database,
           profile.UserName, profile.Password, target.section};
   auto& pool = pools_[std::move(key)];
-  if (!pool) pool = std::make_shared<ConnectionPool>(profile.Database, cancel_switch_, durability_);
+  if (!pool) {
+    pool = std::make_shared<ConnectionPool>(profile.Database, cancel_switch_, durability_,
+                                            target.section.DateFormat);
+  }
   return {pool, profile.ReceiveTimeout};
 }
 

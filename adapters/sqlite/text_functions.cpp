@@ -31,6 +31,11 @@ Value Mapped(std::string_view text, std::string (*map)(std::string_view), void* 
 Value Upper(Arguments a, void* context) { return Mapped(TextOf(a[0]), UpperCase, context); }
 Value Lower(Arguments a, void* context) { return Mapped(TextOf(a[0]), LowerCase, context); }
 
+Value Length(Arguments a, void*) {
+  if (a[0].IsNull()) return {};
+  return IntegerValue(static_cast<std::int64_t>(CharacterCount(TextOf(a[0]))));
+}
+
 Value Substr(Arguments a, void*) {
   if (HasNull(a)) return {};
   const std::string text = TextOf(a[0]);
@@ -281,6 +286,7 @@ Value Concatenate(Arguments a, void*) {
 constexpr SqlFunction kFunctions[] = {
     {"UPPER", 1, 1, true, Upper},
     {"LOWER", 1, 1, true, Lower},
+    {"SABREL_LENGTH", 1, 1, true, Length},
     {"SUBSTR", 2, 3, true, Substr},
     {"INSTR", 2, 4, true, Instr},
     {"REPLACE", 2, 3, true, Replace},
@@ -298,7 +304,10 @@ constexpr SqlFunction kFunctions[] = {
 }  // namespace
 
 void RegisterTextFunctions(Connection& connection) {
-  for (const SqlFunction& function : kFunctions) Register(connection, function, &connection);
+  for (SqlFunction function : kFunctions) {
+    function.takes_texts = true;
+    Register(connection, function, &connection);
+  }
 }
 
 }  // namespace sabrel::sqlite

@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 #include "adapters/shared/number_type.h"
+#include "adapters/sqlite/date_text.h"
 #include "adapters/sqlite/failure.h"
 
 namespace sabrel::sqlite {
@@ -121,7 +123,15 @@ std::string NumberText(const Value& number) {
                                               : NumberText(number.real);
 }
 
-Value CoerceTo(std::string_view type, Value value) {
+Value ArgumentFor(std::string_view type, Value value, std::string_view date_format) {
+  if (type == "DATE" && value.kind == Value::Kind::kText) {
+    if (IsMoment(value.text)) return DateValue(value.text);
+    if (IsMoment(value.text + " 00:00:00")) return DateValue(value.text + " 00:00:00");
+  }
+  return CoerceTo(type, std::move(value), date_format);
+}
+
+Value CoerceTo(std::string_view type, Value value, std::string_view date_format) {
   if (value.IsNull()) return value;
   if (IsNumberType(type)) {
     if (value.kind == Value::Kind::kText) {
@@ -132,15 +142,12 @@ Value CoerceTo(std::string_view type, Value value) {
       throw ServerFailure(6502, "PL/SQL: numeric or value error: a date where a number is due");
     }
   } else if (type == "DATE") {
-    if (value.kind == Value::Kind::kText && IsMoment(value.text)) return DateValue(value.text);
-    if (value.kind == Value::Kind::kText && IsMoment(value.text + " 00:00:00")) {
-      return DateValue(value.text + " 00:00:00");
-    }
+    if (value.kind == Value::Kind::kText) return DateValue(ParseMoment(value.text, date_format));
     if (value.kind != Value::Kind::kDate) {
       throw ServerFailure(1861, "literal does not match format string");
     }
   } else if (type == "VARCHAR2" || type == "VARCHAR" || type == "CHAR" || type == "CLOB") {
-    if (value.kind == Value::Kind::kDate) value.kind = Value::Kind::kText;
+    if (value.kind == Value::Kind::kDate) return TextValue(FormatMoment(value.text, date_format));
     if (value.kind != Value::Kind::kText) return TextValue(NumberText(value));
   }
   return value;

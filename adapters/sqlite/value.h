@@ -48,8 +48,11 @@ struct Value {
 [[nodiscard]] std::string NumberText(double number);
 
 /// `value` turned into the declared type of an argument or a result (upper case: NUMBER, VARCHAR2,
-/// DATE). Errors (ServerFailure): 6502 for text that is no number, 1861 for text that is no date
-[[nodiscard]] Value CoerceTo(std::string_view type, Value value);
+/// DATE). Errors (ServerFailure): 6502 for text that is no number, as ParseMoment for text that is
+/// no date
+[[nodiscard]] Value CoerceTo(std::string_view type, Value value, std::string_view date_format);
+/// The same for an argument that a call gives: a date may also be "YYYY-MM-DD[ HH24:MI:SS]".
+[[nodiscard]] Value ArgumentFor(std::string_view type, Value value, std::string_view date_format);
 
 [[nodiscard]] Variant ToVariant(const Value& value);
 

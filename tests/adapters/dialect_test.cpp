@@ -107,7 +107,8 @@ void CheckAll(const std::vector<Row>& rows) {
 
 TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
   CheckAll({
-      {"date", Columns, "TRUNC(SYSDATE,'MI'), t.sysdate", "ora_trunc(now(),?1), t.sysdate |'MI'"},
+      {"date", Columns, "TRUNC(SYSDATE,'MI'), t.sysdate",
+       "ora_trunc(now(),?1) AS \"TRUNC(SYSDATE,'MI')\", t.sysdate |'MI'"},
       {"sequences", Columns, "my_sq.NEXTVAL, s.q.currval", "next<my_sq, now<s.q W"},
       {"routine", Columns, "Pkg . F( 5,'O''Hara' )", "call('Pkg . F', ?1,?2 ) |5 |'O'Hara' W"},
       {"touching numbers", Columns, "1x, 0x1", "1 x, 0 x1"},

@@ -87,6 +87,36 @@ TEST_F(OdbcValues, CallsTellWhatBecameOfThem) {
   }
 }
 
+TEST_F(OdbcValues, ATextForADateGoesByTheFormatOfTheSession) {
+  odbc::OdbcLink link{ProfileSet(site->Profile(), {"", "", "YYYY/MM/DD"})};
+  link.ExecuteNative(
+      "CREATE PROCEDURE p(INOUT d timestamp, t text DEFAULT '') LANGUAGE plpgsql AS "
+      "$$BEGIN IF t <> to_char(d, 'YYYYMMDD') THEN RAISE '%', d; END IF; END$$");
+  const auto call = [&](const char* date) {
+    return link.Call({"p", {}, {{date, "string", ""}, {"", "string", ""}}}).outputs[0];
+  };
+  const auto refused = [&](const auto& action) {
+    return FailureIn(action) ? link.LastError().native_number : 0;
+  };
+  const Variant day(Date::FromCivil({2024, 3, 5, 0, 0, 0}));
+  EXPECT_EQ(call("2024/3/5"), day);
+  EXPECT_EQ(call("2024-03-05 00:00:00"), day);
+  EXPECT_EQ(refused([&] { call("5-MAR-24"); }), 1841);
+  const auto run = [&](const std::string& arguments) {
+    return refused([&] { link.Execute("BEGIN p(" + arguments + "); END;", {}); });
+  };
+  EXPECT_EQ(run("'2024/03/05', '20240305'"), 0);
+  EXPECT_EQ(run("t => '20240305', D => '2024-03-05'"), 0);
+  EXPECT_EQ(run("DATE '2024-03-05', '20240305'"), 0);
+  EXPECT_EQ(run("'05-MAR-24', '20240305'"), 1841);
+
+  // A connection that was read from while the format changed serves no later request.
+  auto rows = link.Query("SELECT x.* FROM USER_TAB_COLUMNS x, USER_TAB_COLUMNS y", {});
+  link.Execute("ALTER SESSION SET NLS_DATE_FORMAT = 'DD.MM.YYYY'", {});
+  rows.reset();
+  EXPECT_EQ(call("5.3.2024"), day);
+}
+
 TEST_F(OdbcValues, BoundCallsAndArraysOfRowsDoWhatTextDoes) {
   odbc::Connection connection(odbc::PostgresqlEngine(), site->Profile(), {}, odbc::Opening::kSite,
                               std::make_shared<odbc::CancelPoint>());

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "adapters/odbc/call_parameters.h"
 #include "adapters/odbc/engine.h"
 #include "adapters/shared/dialect/dialect.h"
 
@@ -75,13 +76,27 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
       {"locks awaited", "SELECT a FROM t FOR UPDATE WAIT 5", "!900"},
       {"parameters", "DELETE FROM t WHERE a=:a", "!1008"},
       {"table",
-       "CREATE TABLE t (a NUMBER(10,2) PRIMARY KEY, \"B\" VARCHAR2(20 CHAR) DEFAULT 'x', c DATE, d "
+       "CREATE TABLE t (a NUMBER(10,2) PRIMARY KEY, \"B\" VARCHAR2(20 CHAR) DEFAULT 'x', c DATE "
+       "DEFAULT '1-JAN-00', d "
        "NUMBER(*,0), e LONG RAW, f TIMESTAMP(3) WITH TIME ZONE, g INTEGER, h BLOB(9))",
        "CREATE TABLE t (a numeric(10,2) PRIMARY KEY, \"b\" varchar(20) DEFAULT ('x'), c "
-       "timestamp(0), d numeric(38,0), e bytea , f timestamp(3) WITH TIME ZONE, g numeric(38), h "
+       "timestamp(0) DEFAULT (@to_date('1-JAN-00')), d numeric(38,0), e bytea , f timestamp(3) "
+       "WITH TIME ZONE, g numeric(38), h "
        "bytea)"},
       {"column", "ALTER TABLE t ADD (Limit CLOB)", "ALTER TABLE t ADD \"limit\" text"},
       {"cast", "SELECT CAST(a AS NUMBER(5)) x FROM t", "SELECT CAST(a AS numeric(5)) x FROM t"},
+      {"cast to a text", "SELECT CAST(d AS VARCHAR2(9)) x FROM t",
+       "SELECT CAST(@to_char(d ) AS varchar(9) ) x FROM t"},
+      {"texts inserted", "INSERT INTO t (a, b) VALUES (('it''s'), NVL(a, 'x'))",
+       "INSERT INTO t (a, b) VALUES (('it''s'::text), @nvl(a, 'x'))"},
+      {"texts of a query", "INSERT INTO t (SELECT q'[5]' a, 'x'||b y FROM u WHERE c = 'y')",
+       "INSERT INTO t (SELECT '5'::text a, @text_or_null(concat('x',@to_char(b))) y FROM u WHERE c "
+       "= 'y')"},
+      {"texts of branches", "UPDATE t SET a = CASE b WHEN 'x' THEN 'y' ELSE '5' END, c = ''",
+       "UPDATE t SET a = CASE b WHEN 'x' THEN 'y'::text ELSE '5' END, c = NULL"},
+      {"united texts", "SELECT 'a' x FROM t UNION SELECT pkg.f('b', '5') FROM t",
+       "SELECT 'a'::text x FROM t UNION SELECT pkg.f('b'::text, '5') AS \"pkg.f('b','5')\" FROM t"},
+      {"session", "ALTER SESSION SET NLS_DATE_FORMAT = 'YYYY'", "CALL @set_date_format('YYYY')"},
       {"drop", "DROP TABLE t CASCADE CONSTRAINTS PURGE", "DROP TABLE t CASCADE "},
       {"sequence", "CREATE SEQUENCE S.\"aB\" NOCACHE",
        "CREATE SEQUENCE s.\"aB\" INCREMENT BY 1 START WITH 1"},
@@ -91,9 +106,9 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
       {"routine", "CREATE FUNCTION f RETURN NUMBER IS BEGIN NULL; END;", "!900"},
       {"transaction", "COMMIT", ""},
       {"block", "BEGIN Pkg.P(1, b => 'O''Hara'||SYSDATE); q; DELETE t WHERE a='$sabrel$'; END;",
-       "DO $sabrel1$BEGIN PERFORM @run('Pkg.P', '1, b => "
-       "@text_or_null(concat(''O''''Hara'',@to_char(@sysdate())))', 2); PERFORM @run('q', '', 0); "
-       "EXECUTE 'DELETE FROM t WHERE a=''$sabrel$'''; END$sabrel1$"},
+       "DO $sabrel1$BEGIN PERFORM @run('Pkg.P', ARRAY['1', '\"b\" => "
+       "@text_or_null(concat(''O''''Hara'',@to_char(@sysdate())))']::text[]); PERFORM @run('q', "
+       "ARRAY[]::text[]); EXECUTE 'DELETE FROM t WHERE a=''$sabrel$'''; END$sabrel1$"},
       {"block of nothing", "BEGIN NULL; END;", ""},
       {"block that commits", "BEGIN DELETE t; COMMIT; END;", "!6550"},
   };
@@ -131,6 +146,15 @@ TEST(PostgresqlDialect, AsksForAUniqueKeyWhereOneTableIsLookedInto) {
   }
 }
 
+TEST(OracleEngine, OpensWithTheDateFormatAndNamesThatOfOtherDates) {
+  const Signature::Argument date{"d", dialect::Direction::kIn, "DATE"};
+  EXPECT_NE(OracleEngine().OpeningStatements("DD\"'\"").at(0).find("FORMAT = 'DD\"''\"'"),
+            std::string::npos);
+  EXPECT_EQ(PlaceOf(date, "15-MAR-24"), "?");
+  EXPECT_EQ(PlaceOf(date, "2024-03-15"), "TO_DATE(?,'YYYY-MM-DD HH24:MI:SS')");
+  EXPECT_EQ(PlaceOf({"t", dialect::Direction::kIn, "VARCHAR2"}, "2024-03-15"), "?");
+}
+
 TEST(PostgresqlEngine, CallsRoutinesByTextWithConstantsOfTheirTypes) {
   using dialect::Direction;
   Signature signature{false,
@@ -138,11 +162,15 @@ TEST(PostgresqlEngine, CallsRoutinesByTextWithConstantsOfTheirTypes) {
                       "",
                       {{"a", Direction::kIn, "numeric"},
                        {"b", Direction::kOut, "text"},
-                       {"c", Direction::kInOut, "text"}}};
-  const auto call = [&] { return PostgresqlEngine().CallText(signature, {"1", {}, "it's"}); };
-  EXPECT_EQ(call(), "CALL p.r(CAST('1' AS numeric), CAST(NULL AS text), CAST('it''s' AS text))");
+                       {"c", Direction::kInOut, "text"},
+                       {"d", Direction::kIn, "timestamp without time zone"}}};
+  const auto call = [&] { return PostgresqlEngine().CallText(signature, {"1", {}, "it's", "x"}); };
+  const std::string date =
+      ", CAST(sabrel_dictionary.date_argument('x') AS timestamp without time zone))";
+  EXPECT_EQ(call(),
+            "CALL p.r(CAST('1' AS numeric), CAST(NULL AS text), CAST('it''s' AS text)" + date);
   signature.is_function = true;
-  EXPECT_EQ(call(), "/**/SELECT * FROM p.r(CAST('1' AS numeric), CAST('it''s' AS text))");
+  EXPECT_EQ(call(), "/**/SELECT * FROM p.r(CAST('1' AS numeric), CAST('it''s' AS text)" + date);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ TEST_F(SqliteFunctions, ExpressionsHaveOraclesValues) {
       {"casts to texts",
        "CAST('äbcd' AS VARCHAR2(2 CHAR)), CAST(.50 AS CHAR VARYING(9)), CAST('yes' AS CHAR),"
        " CAST(DATE '2024-03-09' AS VARCHAR2(30)), CAST(NULL AS CLOB)",
-       "'äb'|'.5'|'y'|'2024-03-09 00:00:00'|null"},
+       "'äb'|'.5'|'y'|'09-MAR-24'|null"},
       {"casts compared",
        "DECODE(1, 1, CASE WHEN CAST(5 AS VARCHAR2(3)) = 5 AND CAST('05' AS NUMBER) = '5'"
        " THEN 'like' END)",
@@ -136,6 +136,33 @@ TEST_F(SqliteFunctions, ATableMadeOfAQueryHasTheTypesOfItsColumns) {
   };
   for (const auto& [name, sql, outcome] : kRows) EXPECT_EQ(Do(sql), outcome) << name;
   EXPECT_EQ(Ask("SELECT Q.NEXTVAL, COUNT(*) FROM USER_TABLES WHERE TABLE_NAME = 'X'"), "2|0");
+}
+
+TEST_F(SqliteFunctions, TheFormatOfDatesBelongsToTheSession) {
+  Make({"CREATE TABLE T (N NUMBER, D DATE CHECK (LENGTH(D) = 19))",
+        "CREATE INDEX I ON T (TRUNC(D), TO_CHAR(D,'YYYY'), UPPER(N))",
+        "INSERT INTO T VALUES (1, '15-MAR-24')"});
+  Asking other(ProfileSet(ProfileOf(File()), {"", "", "DD.MM.YY"}));
+  EXPECT_EQ(other.Ask("SELECT D || '', D FROM T"), "'15.03.24'|date 2024-03-15 00:00:00");
+  constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
+      {"too many values", "INSERT INTO T SELECT 1, '15-MAR-24', 3 FROM DUAL", "ORA-913"},
+      {"number", "INSERT INTO T VALUES (1, 15)", "ORA-932"},
+      {"index of a text", "CREATE INDEX J ON T (TO_CHAR(D))", "ORA-1743"},
+      {"index of a text function", "CREATE INDEX J ON T (N, SUBSTR(LAST_DAY(D), 1))", "ORA-1743"},
+      {"index of texts put together", "CREATE UNIQUE INDEX J ON T (D || N)", "ORA-1743"},
+      {"no format", "ALTER SESSION SET NLS_DATE_FORMAT = 'DD.MM.Y'", "ORA-1821"},
+      {"two settings", "ALTER SESSION SET NLS_DATE_FORMAT='Q' NLS_SORT=BINARY", "ORA-2248"},
+      {"quotes", "ALTER SESSION SET nls_date_format = \"FMMonth DD, YYYY\"", ""},
+      {"by it", "INSERT INTO T VALUES (LENGTH('March 15, 2024'), 'march 15 2024')", ""},
+  };
+  for (const auto& [name, sql, outcome] : kRows) EXPECT_EQ(Do(sql), outcome) << name;
+  EXPECT_EQ(Ask("SELECT LENGTH(D), D || '' FROM T WHERE TRUNC(D) = 'March 15, 2024' AND N = 14"),
+            "14|'March 15, 2024'");
+  EXPECT_EQ(other.Ask("SELECT GREATEST(D, '01.01.30') || '', DECODE(D, D || '', 2) FROM T"
+                      " WHERE N = 14"),
+            "'01.01.30'|2");
+  Asking invalid(ProfileSet(ProfileOf(File()), {"", "", "nonsense"}));
+  EXPECT_EQ(invalid.Ask("SELECT 1 FROM DUAL"), "ORA-1821");
 }
 
 TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {

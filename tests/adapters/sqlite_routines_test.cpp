@@ -16,6 +16,8 @@ class SqliteRoutines : public SiteTest {
         " SELECT :new_id AS return_value FROM DUAL WHERE :nParent IS NOT NULL; END;",
         "CREATE PROCEDURE SWAP(a IN OUT VARCHAR2, b OUT NUMBER, c NUMBER) IS BEGIN"
         " SELECT 'was ' || :a AS A, :c * 2 AS b FROM DUAL; END;",
+        "CREATE FUNCTION DAY_OF(d DATE) RETURN VARCHAR2 IS BEGIN"
+        " SELECT 1 + TRUNC(:d) AS return_value FROM DUAL; END;",
         "CREATE FUNCTION LAST_D RETURN DATE IS BEGIN"
         " SELECT MAX(D) AS return_value FROM T; END;",
     });
@@ -44,6 +46,12 @@ TEST_F(SqliteRoutines, CallsTakeAndGiveValues) {
       {"no row assigns nothing", "PKG.ADD_T", {"i:", "s:z", "i:"}, "null|null|'z'|null"},
       {"in and out", "SWAP", {"s:a", "i:", "i:21"}, "null|'was a'|42|'21'"},
       {"text for a number", "SWAP", {"s:a", "i:", "i:x"}, "ORA-6502"},
+      {"date", "DAY_OF", {"s:15-MAR-24"}, "'16-MAR-24'|'15-MAR-24'"},
+      {"date of another form",
+       "DAY_OF",
+       {"s:2024-03-15 23:00:00"},
+       "'16-MAR-24'|'2024-03-15 23:00:00'"},
+      {"text for a date", "DAY_OF", {"s:15.03.24"}, "ORA-1843"},
       {"two too many for a function", "PKG.ADD_T", {"i:", "i:", "s:a", "i:1"}, "ORA-6550"},
   };
   for (const auto& [name, routine, parameters, outcome] : rows) {
@@ -80,6 +88,14 @@ TEST_F(SqliteRoutines, ANewBodyHoldsAtOnceForEveryConnection) {
   EXPECT_EQ(other.Ask("SELECT LAST_D() FROM DUAL"), "7");
   EXPECT_EQ(other.Do("DROP FUNCTION LAST_D"), "");
   EXPECT_EQ(Ask("SELECT LAST_D() FROM DUAL"), "ORA-904");
+}
+
+TEST_F(SqliteRoutines, ARoutineKnowsTheColumnsOfATableThatIsMadeLater) {
+  ASSERT_EQ(Do("CREATE PROCEDURE KEEP(t VARCHAR2) IS BEGIN INSERT INTO DAYS VALUES (:t); END;"),
+            "");
+  ASSERT_EQ(Do("CREATE TABLE DAYS (D DATE)"), "");
+  EXPECT_EQ(Do("BEGIN KEEP('15-MAR-24'); END;"), "");
+  EXPECT_EQ(Ask("SELECT D FROM DAYS"), "date 2024-03-15 00:00:00");
 }
 
 TEST_F(SqliteRoutines, AParameterWithoutItsColonIsNamed) {

@@ -1,5 +1,6 @@
 // Values, errors, routines and row sets of a Data Server.
 #include <limits>
+#include <tuple>
 
 #include "sabrel/platform/row_text.h"
 #include "sabrel/sql/literals.h"
@@ -78,6 +79,83 @@ TEST_P(Contract, DatesAreCutFormattedAndComputed) {
   EXPECT_TRUE(days == Variant(3) || days == Variant(3.0));
   EXPECT_EQ(Value("SELECT COUNT(*) FROM DUAL WHERE SYSDATE - 1 < SYSDATE AND 'a' LIKE 'A'"),
             Variant(0));
+}
+
+TEST_P(Contract, TextsAndDatesBecomeEachOtherByTheSessionsFormat) {
+  const auto add = [](const std::string& value) {
+    return "INSERT INTO DATED (A, D) SELECT 1, " + value;
+  };
+  Run("CREATE TABLE DATED (A NUMBER(9), D DATE, T VARCHAR2(30), E DATE DEFAULT '01-FEB-99')");
+  // A row 1 is changed; its D, or the refusal.
+  const std::tuple<const char*, std::string, const char*> changes[] = {
+      {"columns", "INSERT INTO DATED (D, A) VALUES ('15.mar.24', 1)", "2024-03-15"},
+      {"all columns", "INSERT INTO DATED VALUES (1, ('15 March 24'), '5', NULL)", "2024-03-15"},
+      {"put together", "INSERT INTO DATED (A, D) VALUES (1, '15MAR' || 24)", "2024-03-15"},
+      {"date", "INSERT INTO DATED (A, D) VALUES (1, DATE '2024-03-15')", "2024-03-15"},
+      {"query", add("'15-MAR-2024' FROM DUAL"), "2024-03-15"},
+      {"query of texts", add("T FROM DATED WHERE ROWNUM <= 1"), "1950-03-16"},
+      {"branch", add("CASE WHEN 1 = 1 THEN '15-MAR-24' END FROM DUAL"), "2024-03-15"},
+      {"union", add("'15-MAR-24' FROM DUAL UNION SELECT 1, NULL FROM DUAL"), "2024-03-15"},
+      {"update", "UPDATE DATED SET A = '1', D = '15-MAR-24'", "2024-03-15"},
+      {"by a query", "UPDATE DATED SET A = 1, (T, D) = (SELECT '5', T FROM DUAL)", "1950-03-16"},
+      {"default", "UPDATE DATED SET A = 1, D = E", "1999-02-01"},
+      {"ISO", add("'2024-03-15' FROM DUAL"), "1861"},
+      {"digits", "UPDATE DATED SET D = '150324'", "1861"},
+      {"one digit and no blank", "UPDATE DATED SET D = '5MAR24'", "1861"},
+      {"month in digits", "UPDATE DATED SET D = '15-03-24'", "1843"},
+      {"no digits", "INSERT INTO DATED (D) VALUES ('now')", "1858"},
+      {"no such day", "UPDATE DATED SET D = '31-APR-24'", "1839"},
+      {"no year", "UPDATE DATED SET D = '15-MAR'", "1840"},
+      {"time", "UPDATE DATED SET D = '15-MAR-24 10:00'", "1830"},
+      {"dates united with a text", add("D FROM DATED UNION SELECT 1, '15-MAR-24' FROM DUAL"), ""},
+      {"branches of both", add("CASE WHEN A = 0 THEN D ELSE '15-MAR-24' END FROM DATED"), ""},
+  };
+  for (const auto& [name, change, outcome] : changes) {
+    Run("DELETE FROM DATED");
+    Run("INSERT INTO DATED (A, D, T) VALUES ('0', '31-DEC-49', '16-mar-1950')");
+    const std::int32_t native = Execute(change).native;
+    const Variant stored =
+        native != 0 ? Variant(std::to_string(native))
+                    : Value("SELECT TO_CHAR(MAX(D),'YYYY-MM-DD') FROM DATED WHERE A = 1");
+    EXPECT_TRUE(*outcome == 0 || stored == Variant(outcome)) << name << ": " << native;
+    EXPECT_NE(stored, Variant("2015-03-24")) << name;
+  }
+}
+
+TEST_P(Contract, ASessionsDateFormatIsThatOfAllItsStatements) {
+  Run("CREATE TABLE DATED (D DATE, T VARCHAR2(30))");
+  Run("INSERT INTO DATED (D) VALUES ('15-MAR-24')");
+  const std::pair<const char*, const char*> texts[] = {
+      {"TO_CHAR(D)", "15-MAR-24"},
+      {"'x' || D", "x15-MAR-24"},
+      {"CAST(D AS VARCHAR2(20))", "15-MAR-24"},
+      {"LOWER(D) || LENGTH(D) || SUBSTR(D, 4, 3) || LPAD(D, 10, '*')", "15-mar-249MAR*15-MAR-24"},
+      {"TO_CHAR(TO_DATE('1-apr-1950'), 'YYYY-MM-DD')", "1950-04-01"},
+      {"TO_CHAR(ADD_MONTHS('29-FEB-24', 12), 'FMDD.MM.RR')", "28.2.25"},
+      {"TO_CHAR(NVL(D, '1-JAN-00'), 'YYYY')", "2024"},
+      {"DECODE(D, '15-MAR-24', 'same', 'other')", "same"},
+  };
+  for (const auto& [expression, text] : texts) {
+    EXPECT_EQ(Value("SELECT " + std::string(expression) + " FROM DATED"), Variant(text))
+        << expression;
+  }
+  const auto write = [&](const char* date) {
+    const auto writer = session->MakeRowSetWriter();
+    writer->Table("DATED");
+    writer->DeclareColumn("D", "STRING");
+    writer->AddRow(date);
+    return Tried([&](Outcome&) { writer->Submit(); }).native;
+  };
+  EXPECT_EQ(write("17-MAR-24"), 0);
+  EXPECT_EQ(write("2015-03-24"), 1861);
+  EXPECT_EQ(Value("SELECT MAX(D) FROM DATED"), Variant(Civil(2024, 3, 17)));
+
+  EXPECT_EQ(Execute("ALTER SESSION SET NLS_DATE_FORMAT = 'YYYY\"y'").native, 1821);
+  EXPECT_EQ(Execute("ALTER SESSION SET NLS_TERRITORY = 'GERMANY'").native, 2248);
+  Run("ALTER SESSION SET NLS_DATE_FORMAT = 'DD.MM.YYYY \"$$''\"HH24'");
+  Run("UPDATE DATED SET D = '16.03.2024 $$''05'");
+  EXPECT_EQ(Value("SELECT MAX('x' || D) FROM DATED"), Variant("x16.03.2024 $$'05"));
+  EXPECT_EQ(Execute("UPDATE DATED SET D = '2024-03-15'").native, 1843);
 }
 
 TEST_P(Contract, RefusalsCarryOraclesNumbers) {

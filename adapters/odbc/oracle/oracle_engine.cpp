@@ -43,10 +43,14 @@ class ServerOfOracle final : public Engine {
     return OracleConnectionText(profile);
   }
 
-  /// Arguments travel as text: a client's territory must not make "1.5" a bad number. Dates need
-  /// nothing, since every statement says its format, and SYSDATE is the server's own clock.
-  [[nodiscard]] std::vector<std::string> OpeningStatements() const override {
-    return {"ALTER SESSION SET NLS_NUMERIC_CHARACTERS = '.,'"};
+  /// Arguments travel as text: a client's territory must make neither "1.5" a bad number nor
+  /// "15-MAR-24" a bad date.
+  [[nodiscard]] std::vector<std::string> OpeningStatements(
+      std::string_view date_format) const override {
+    return {
+        "ALTER SESSION SET NLS_NUMERIC_CHARACTERS = '.,' NLS_DATE_LANGUAGE = 'AMERICAN' "
+        "NLS_DATE_FORMAT = " +
+        Literal(date_format)};
   }
 
   [[nodiscard]] Compiled Compile(std::string_view statement) const override {

@@ -1,11 +1,11 @@
 #include "adapters/odbc/postgresql/postgresql_dialect.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <utility>
 #include <vector>
 
+#include "adapters/odbc/postgresql/reserved_words.h"
 #include "adapters/shared/dialect/dialect.h"
 #include "adapters/shared/dialect/token.h"
 #include "adapters/shared/verb.h"
@@ -19,90 +19,6 @@ using dialect::SyntaxFailure;
 using dialect::TextConstant;
 using dialect::Token;
 using dialect::TokenKind;
-
-// Words that the server reserves, or does not take as a column's name without AS, and Oracle does.
-constexpr std::string_view kReservedWords[] = {"ANALYSE",
-                                               "ANALYZE",
-                                               "ARRAY",
-                                               "ASYMMETRIC",
-                                               "AUTHORIZATION",
-                                               "BINARY",
-                                               "BOTH",
-                                               "CASE",
-                                               "CAST",
-                                               "CHARACTER",
-                                               "COLLATE",
-                                               "COLLATION",
-                                               "COLUMN",
-                                               "CONCURRENTLY",
-                                               "CONSTRAINT",
-                                               "CROSS",
-                                               "CURRENT_CATALOG",
-                                               "CURRENT_DATE",
-                                               "CURRENT_ROLE",
-                                               "CURRENT_SCHEMA",
-                                               "CURRENT_TIME",
-                                               "CURRENT_USER",
-                                               "DAY",
-                                               "DEFERRABLE",
-                                               "DO",
-                                               "END",
-                                               "EXCEPT",
-                                               "FALSE",
-                                               "FETCH",
-                                               "FILTER",
-                                               "FOREIGN",
-                                               "FREEZE",
-                                               "FULL",
-                                               "GRANT",
-                                               "HAVING",
-                                               "HOUR",
-                                               "ILIKE",
-                                               "INITIALLY",
-                                               "INNER",
-                                               "ISNULL",
-                                               "JOIN",
-                                               "LATERAL",
-                                               "LEADING",
-                                               "LEFT",
-                                               "LIMIT",
-                                               "LOCALTIME",
-                                               "LOCALTIMESTAMP",
-                                               "MINUTE",
-                                               "MONTH",
-                                               "NATURAL",
-                                               "NOTNULL",
-                                               "OFFSET",
-                                               "ONLY",
-                                               "OUTER",
-                                               "OVER",
-                                               "OVERLAPS",
-                                               "PLACING",
-                                               "PRECISION",
-                                               "PRIMARY",
-                                               "REFERENCES",
-                                               "RETURNING",
-                                               "RIGHT",
-                                               "SECOND",
-                                               "SESSION_USER",
-                                               "SIMILAR",
-                                               "SOME",
-                                               "SYMMETRIC",
-                                               "TABLESAMPLE",
-                                               "TO",
-                                               "TRAILING",
-                                               "TRUE",
-                                               "USER",
-                                               "USING",
-                                               "VARIADIC",
-                                               "VARYING",
-                                               "VERBOSE",
-                                               "WHEN",
-                                               "WINDOW",
-                                               "WITHIN",
-                                               "WITHOUT",
-                                               "YEAR"};
-static_assert(std::is_sorted(std::begin(kReservedWords), std::end(kReservedWords)));
 
 using NamePair = std::pair<std::string_view, std::string_view>;
 
@@ -173,17 +89,13 @@ std::string_view Found(const NamePair (&pairs)[kCount], std::string_view name) {
   return found == std::end(pairs) ? std::string_view() : found->second;
 }
 
-bool IsReserved(std::string_view upper) {
-  return std::binary_search(std::begin(kReservedWords), std::end(kReservedWords), upper);
-}
-
 std::string Quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
 
 /// Whether the server would take the word for another name, or for none.
 bool WantsQuotes(std::string_view word) {
-  return IsReserved(UpperCase(word)) || std::any_of(word.begin(), word.end(), [](char c) {
-           return c == '#' || static_cast<unsigned char>(c) >= 0x80;
-         });
+  return IsReservedByPostgresql(UpperCase(word)) ||
+         std::any_of(word.begin(), word.end(),
+                     [](char c) { return c == '#' || static_cast<unsigned char>(c) >= 0x80; });
 }
 
 /// A name in quotes; where Oracle has it without lower-case letters, in those.
@@ -224,6 +136,7 @@ class PostgresqlDialect final : public dialect::Engine {
     traits.pattern_end = " ESCAPE ''";
     traits.drop_end = " CASCADE";
     traits.text_function = "sabrel_dictionary.to_char";
+    traits.text_constant_end = kTextConstantEnd;
     return traits;
   }
   // Packages are schemas: the server itself tells which of their routines there are.
@@ -232,7 +145,7 @@ class PostgresqlDialect final : public dialect::Engine {
     return RoutineFacts{};
   }
   [[nodiscard]] bool IsReservedWord(std::string_view word) const override {
-    return IsReserved(word);
+    return IsReservedByPostgresql(word);
   }
   [[nodiscard]] std::string NextValue(std::string_view sequence) const override {
     return "sabrel_dictionary.next_value(" + TextConstant(SpelledAll(sequence)) + ")";
@@ -259,6 +172,14 @@ class PostgresqlDialect final : public dialect::Engine {
     std::string spelled = Spelled(written);
     return spelled == written ? std::string() : spelled;
   }
+  // The server's own cast of a date would not go by the session's format.
+  [[nodiscard]] CastParts PartsOfCast(std::string_view upper_name,
+                                      const std::vector<std::string>& sizes) const override {
+    const std::string type = TypeSpelling(upper_name, sizes);
+    const bool is_text = type.starts_with("varchar") || type.starts_with("char") || type == "text";
+    if (!is_text) return {};
+    return {"sabrel_dictionary.to_char(", ") AS " + type};
+  }
   [[nodiscard]] std::string TypeSpelling(std::string_view upper_name,
                                          const std::vector<std::string>& sizes) const override {
     std::string type(Found(kTypes, upper_name));
@@ -282,15 +203,21 @@ void RefuseParameters(std::string_view statement) {
   }
 }
 
+/// An argument's name, always in quotes.
+std::string NamedArgument(std::string_view written) {
+  const std::string spelled = Spelled(written);
+  return spelled.starts_with('"') ? spelled : Quoted(LowerCase(spelled));
+}
+
 std::string CompileCall(const dialect::BlockStep& step) {
   std::string arguments;
   for (std::size_t i = 0; i < step.arguments.size(); ++i) {
-    if (i > 0) arguments += ", ";
-    if (!step.names[i].empty()) arguments += Spelled(step.names[i]) + " => ";
-    arguments += dialect::RewriteExpression(step.arguments[i], Dialect()).text;
+    std::string argument = dialect::RewriteExpression(step.arguments[i], Dialect()).text;
+    if (!step.names[i].empty()) argument.insert(0, NamedArgument(step.names[i]) + " => ");
+    arguments += (i > 0 ? ", " : "") + TextConstant(argument);
   }
-  return "PERFORM sabrel_dictionary.run(" + TextConstant(SpelledAll(step.name)) + ", " +
-         TextConstant(arguments) + ", " + std::to_string(step.arguments.size()) + ");";
+  return "PERFORM sabrel_dictionary.run(" + TextConstant(SpelledAll(step.name)) + ", ARRAY[" +
+         arguments + "]::text[]);";
 }
 
 // A block is one transaction, which a COMMIT or ROLLBACK within would part.
@@ -365,6 +292,9 @@ Compiled CompileForPostgresql(std::string_view statement) {
   const auto only = [](std::string text) { return Compiled{std::move(text), {}, {}}; };
   switch (dialect::KindOf(statement)) {
     case StatementKind::kBlock: return only(CompileBlock(statement));
+    case StatementKind::kAlterSession:
+      return only("CALL sabrel_dictionary.set_date_format(" +
+                  TextConstant(dialect::RequireDateFormatOnly(statement)) + ")");
     case StatementKind::kTransaction: dialect::RequireCommit(statement); return {};
     case StatementKind::kCreateRoutine:
       throw SyntaxFailure{900,

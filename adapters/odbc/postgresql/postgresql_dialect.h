@@ -24,6 +24,10 @@ namespace sabrel::odbc {
 /// failing commit nobody is told of.
 inline constexpr std::string_view kWithoutCursor = "/**/";
 
+/// Behind a text constant, which the server would otherwise read as whatever its place wants: a
+/// date by rules of its own.
+inline constexpr std::string_view kTextConstantEnd = "::text";
+
 /// The parts of a qualified name as Oracle's catalogue holds them, each as PostgreSQL's does.
 [[nodiscard]] std::string PostgresqlName(std::string_view catalogue_name);
 

@@ -62,16 +62,23 @@ class Postgresql final : public Engine {
     if (folder.front() != '/') return {};
     return std::string(folder) + "/.s.PGSQL." + std::to_string(profile.Port);
   }
-  [[nodiscard]] std::vector<std::string> OpeningStatements() const override {
+  [[nodiscard]] std::vector<std::string> OpeningStatements(
+      std::string_view date_format) const override {
+    // Nothing in it may end the block.
+    const std::string format = ReplaceAll(TextConstant(date_format), "$", "' || chr(36) || '");
     return {R"sql(DO $$
 BEGIN
   IF to_regprocedure('sabrel_dictionary.start_session()') IS NULL THEN
     RAISE EXCEPTION 'the database has no site; make one with "sabrel site create"'
       USING ERRCODE = 'N4043';
   END IF;
+  IF to_regproc('sabrel_dictionary.set_date_format') IS NULL THEN
+    RAISE EXCEPTION 'the site is of an older release; make a new one with "sabrel site create"'
+      USING ERRCODE = 'N4043';
+  END IF;
   PERFORM sabrel_dictionary.start_session();
-END
-$$)sql"};
+  CALL sabrel_dictionary.set_date_format()sql" +
+            format + ");\nEND\n$$"};
   }
   [[nodiscard]] Compiled Compile(std::string_view statement) const override {
     return CompileForPostgresql(statement);
@@ -89,6 +96,7 @@ $$)sql"};
       const Signature& signature,
       const std::vector<std::optional<std::string>>& values) const override;
   [[nodiscard]] bool InsertsManyRows() const override { return true; }
+  [[nodiscard]] std::string_view TextConstantEnd() const override { return kTextConstantEnd; }
 };
 
 std::string Postgresql::SignatureQuery(std::string_view name) const {
@@ -124,7 +132,10 @@ std::string Postgresql::CallText(const Signature& signature,
     const bool is_null = is_out || i >= values.size() || !values[i];
     if (!is_first) text += ", ";
     is_first = false;
-    text += "CAST(" + (is_null ? "NULL" : TextConstant(*values[i])) + " AS " + argument.type + ")";
+    std::string value = is_null ? "NULL" : TextConstant(*values[i]);
+    const bool is_date = argument.type.starts_with("timestamp") || argument.type == "date";
+    if (is_date && !is_null) value = "sabrel_dictionary.date_argument(" + value + ")";
+    text += "CAST(" + value + " AS " + argument.type + ")";
   }
   return text + ")";
 }

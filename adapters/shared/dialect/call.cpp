@@ -178,7 +178,10 @@ void Rewriter::CallName(std::size_t first, std::size_t last) {
   if (first == last) {
     if (facts_ != nullptr && IsAggregate(name)) facts_->has_aggregate = true;
     const std::string_view renamed = engine_.FunctionName(name);
-    if (!renamed.empty()) return edits_.Replace(first, std::string(renamed));
+    if (!renamed.empty() && (!is_table_ || traits_.renames_in_tables)) {
+      is_renamed_ = true;
+      return edits_.Replace(first, std::string(renamed));
+    }
   }
   const std::optional<Engine::RoutineFacts> facts = engine_.FindRoutine(name);
   if (!facts) {
@@ -209,7 +212,8 @@ void Rewriter::Call(std::size_t first, std::size_t last) {
     const Level level(*this);
     if (lift_ == Lift::kInCalls) lift_ = Lift::kAlways;
     ++at_;
-    const std::size_t count = IsSymbol(')') ? 0 : Arguments();
+    const bool keeps_texts = first < last || KeepsTexts(Upper(tokens_[first]));
+    const std::size_t count = IsSymbol(')') ? 0 : Arguments(keeps_texts);
     if (first == last && count != 1 && TakesOneArgument(Upper(tokens_[first]))) {
       Fail(909, "invalid number of arguments");
     }
@@ -233,6 +237,10 @@ void Rewriter::Decode(std::size_t name) {
     if (type != Type::kUnknown || searched.is_null) continue;
     if (searched.type == Type::kUnknown) break;
     type = searched.type;
+  }
+  for (std::size_t i = 2; i < arguments.size(); ++i) {
+    const bool is_result = i % 2 == 0 || i + 1 == arguments.size();
+    if (is_result) KeepText(arguments[i].first, arguments[i].last, true);
   }
   const bool is_text = type == Type::kText;
   std::string_view convert = is_text ? "TO_CHAR" : "TO_NUMBER";
@@ -283,15 +291,29 @@ std::vector<Rewriter::DecodeArgument> Rewriter::DecodeArguments() {
   return arguments;
 }
 
+// Whether an engine may read text constants among the arguments by its own rules: it brings them to
+// the type of another one or, for a routine, to that of a parameter.
+bool Rewriter::KeepsTexts(std::string_view upper_name) const {
+  return upper_name == "GREATEST" || upper_name == "LEAST" ||
+         engine_.FunctionName(upper_name).empty();
+}
+
 // How many there are.
-std::size_t Rewriter::Arguments() {
+std::size_t Rewriter::Arguments(bool keeps_texts) {
   if (SkipSymbol('*')) return 1;
   if (SkipWord(Word::kUnique)) {
     edits_.Replace(at_ - 1, "DISTINCT");
   } else if (!SkipWord(Word::kDistinct) && SkipWord(Word::kAll)) {
     edits_.Remove(at_ - 1);
   }
-  return ExpressionList();
+  std::size_t count = 0;
+  do {
+    const std::size_t first = at_;
+    Condition();
+    if (keeps_texts) KeepText(first, at_ - 1, true);
+    ++count;
+  } while (SkipSymbol(','));
+  return count;
 }
 
 void Rewriter::Window() {

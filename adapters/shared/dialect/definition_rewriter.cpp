@@ -104,8 +104,9 @@ void Rewriter::TableItem() {
   if (!is_constraint) {
     const std::string name = Upper(Here());
     Name();
-    ColumnType();
+    const bool is_date = ColumnType();
     columns_.push_back({name, at_ - 1});
+    return ColumnRules(is_date);
   }
   ColumnRules();
 }
@@ -130,9 +131,12 @@ void Rewriter::RefuseNull(const Column& column) {
   if (traits_.keys_take_nulls) edits_.Append(column.last_token, " NOT NULL");
 }
 
-void Rewriter::ColumnType() {
+// Whether the column holds dates.
+bool Rewriter::ColumnType() {
   const std::size_t first = at_;
-  SpellType(first, ReadType());
+  const WrittenType type = ReadType();
+  SpellType(first, type);
+  return type.name == "DATE" || type.name == "TIMESTAMP";
 }
 
 // VARCHAR2(20 CHAR), NUMBER(10,2), TIMESTAMP WITH TIME ZONE, up to the column's rules.
@@ -167,13 +171,21 @@ void Rewriter::TypeSizes(std::vector<std::string>& sizes) {
   ExpectSymbol(')', 907, "missing right parenthesis");
 }
 
-void Rewriter::ColumnRules() {
+void Rewriter::Default(bool is_date) {
+  const Operand value = Sum();
+  const bool is_null = value.first == value.last && tokens_[value.first].word == Word::kNull;
+  const std::string_view renamed = engine_.FunctionName("TO_DATE");
+  const bool is_text = is_date && !value.is_date && !is_null;
+  if (is_text) edits_.Wrap(value.first, value.last, renamed.empty() ? "TO_DATE" : renamed);
+  edits_.Wrap(value.first, value.last, {});
+}
+
+void Rewriter::ColumnRules(bool is_date) {
   while (!IsSymbol(',') && !IsSymbol(')') && Here().kind != TokenKind::kEnd) {
     if (IsWord(Word::kPrimary)) {
       PrimaryKey();
     } else if (SkipWord(Word::kDefault)) {
-      const Operand value = Sum();
-      edits_.Wrap(value.first, value.last, {});
+      Default(is_date);
     } else if (SkipWord(Word::kCheck)) {
       if (!IsSymbol('(')) Fail(906, "missing left parenthesis");
       Parenthesis();

@@ -37,7 +37,8 @@ enum class StatementKind {
   kDropSequence,
   kCreateTable,
   kOtherDefinition,  // other CREATE, ALTER, DROP, TRUNCATE
-  kTransaction,      // COMMIT, ROLLBACK, SAVEPOINT
+  kAlterSession,
+  kTransaction,  // COMMIT, ROLLBACK, SAVEPOINT
   kOther,
 };
 
@@ -54,6 +55,17 @@ enum class StatementKind {
 /// Of a kTransaction where each statement is one: COMMIT has nothing to do, what was done cannot be
 /// taken back. Throws SyntaxFailure: 3001 for ROLLBACK and SAVEPOINT
 void RequireCommit(std::string_view statement);
+
+/// What an ALTER SESSION sets.
+struct SessionSettings {
+  std::optional<std::string> date_format;
+  /// The first setting or word besides, upper case; empty without one.
+  std::string other;
+};
+[[nodiscard]] SessionSettings ParseAlterSession(std::string_view statement);
+/// The date format that it sets, for servers that know no other setting.
+/// Throws SyntaxFailure: 2248 naming the first setting besides
+[[nodiscard]] std::string RequireDateFormatOnly(std::string_view statement);
 
 /// A constant that was lifted out of a statement: parameter n+1 of the rewritten text for element
 /// n.
@@ -107,6 +119,9 @@ class Engine {
     bool locks_rows = false;           // FOR UPDATE
     bool takes_fetch_first = false;
     bool takes_truncate = false;
+    /// Functions in a table's checks go by FunctionName, too; not where tools that do not know
+    /// those names read tables.
+    bool renames_in_tables = true;
     /// A whole query, or one that a set operator joins, may stand in parentheses.
     bool takes_query_in_parentheses = false;
     bool integers_overflow = false;  // where Oracle's numbers go on
@@ -119,6 +134,9 @@ class Engine {
     std::string_view number_type = {};
     /// Function that makes text of an operand of ||.
     std::string_view text_function = {};
+    /// What is put behind a text constant where the engine would otherwise read it, by its own
+    /// rules, as a value of the type that its place wants.
+    std::string_view text_constant_end = {};
   };
   [[nodiscard]] virtual Traits EngineTraits() const { return {}; }
 
@@ -134,6 +152,14 @@ class Engine {
   [[nodiscard]] virtual bool KnowsFunction(std::string_view /*name*/) const { return true; }
   /// Whether the engine cannot take `word` (upper case) as a bare column name although Oracle can.
   [[nodiscard]] virtual bool IsReservedWord(std::string_view word) const = 0;
+
+  /// For each of `columns` of a table, or for all of its columns where none is named, the function
+  /// that makes a stored value of what is assigned; empty where that is stored as it is. No element
+  /// at all where none has one. Names come as the catalogue holds them.
+  [[nodiscard]] virtual std::vector<std::string_view> ConversionsOf(
+      std::string_view /*table*/, const std::vector<std::string>& /*columns*/) const {
+    return {};
+  }
 
   // How things are spelled. Names arrive as the statement writes them.
 
@@ -190,6 +216,12 @@ class Engine {
   /// Oracle's name of a function where the engine calls it otherwise; empty to keep the name.
   [[nodiscard]] virtual std::string_view FunctionName(std::string_view upper_name) const = 0;
 };
+
+/// The name that a rewritten statement gives a query whose rows are converted and assigned.
+inline constexpr std::string_view kAssignedRows = "sabrel_assigned";
+
+/// Whether `text` is "2024-03-09" for a pattern of "0000-00-00".
+[[nodiscard]] bool HasForm(std::string_view text, std::string_view pattern);
 
 /// Rewrites one statement as RequireOneStatement returned it. Throws SyntaxFailure with the number
 /// that Oracle has for the fault: 900 for what is not supported, 904 for an unknown routine, 905 to

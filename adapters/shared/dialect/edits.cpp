@@ -69,15 +69,18 @@ void Edits::SetConstant(std::size_t token, bool is_lifted, bool is_negative) {
                                        : Output::kLifted;
 }
 
+void Edits::Open(std::size_t token, std::string_view text) {
+  openings_.push_back({text, MarkOf(token).opening});
+  MarkOf(token).opening = static_cast<std::uint32_t>(openings_.size() - 1);
+}
+
 void Edits::Wrap(std::size_t first, std::size_t last, std::string_view function) {
-  openings_.push_back({function, MarkOf(first).opening});
-  MarkOf(first).opening = static_cast<std::uint32_t>(openings_.size() - 1);
+  Open(first, function);
   MarkOf(last).closings += ClosingsOf(function);
 }
 
 void Edits::Cast(std::size_t first, std::size_t last, std::string_view type) {
-  openings_.push_back({"CAST", MarkOf(first).opening});
-  MarkOf(first).opening = static_cast<std::uint32_t>(openings_.size() - 1);
+  Open(first, "CAST");
   AppendBehind(last, " AS " + std::string(type) + ")");
 }
 

@@ -27,6 +27,9 @@ class Edits {
   /// Later calls wrap earlier ones. The name must stay alive; a "(" within it is closed
   /// too, one at its end is the caller's.
   void Wrap(std::size_t first, std::size_t last, std::string_view function);
+  /// Puts `text` and "(" before a token and its wraps; the ")" is the caller's. `text` must stay
+  /// alive.
+  void Open(std::size_t token, std::string_view text);
   /// Makes the tokens `CAST(... AS type)`.
   void Cast(std::size_t first, std::size_t last, std::string_view type);
   /// Whether the tokens are written as they stand in the statement so far.

@@ -8,9 +8,6 @@
 
 namespace sabrel::dialect {
 
-namespace {
-
-// "2024-03-09" for a pattern of "0000-00-00".
 bool HasForm(std::string_view text, std::string_view pattern) {
   if (text.size() != pattern.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -19,8 +16,6 @@ bool HasForm(std::string_view text, std::string_view pattern) {
   }
   return true;
 }
-
-}  // namespace
 
 Rewriter::Operand Rewriter::Sum() {
   Operand left = Product();
@@ -122,6 +117,33 @@ void Rewriter::MakeText(const Operand& operand) {
   const Type type = TypeOf(operand);
   if (type == Type::kText || type == Type::kTextConstant) return;
   edits_.Wrap(operand.first, operand.last, traits_.text_function);
+}
+
+// The text constant that is all of these tokens but parentheses; 0 without one, since no operand
+// starts a statement.
+std::size_t Rewriter::TextConstantIn(std::size_t first, std::size_t last) const {
+  while (first < last && IsSymbol(tokens_[first], '(') && IsSymbol(tokens_[last], ')')) {
+    ++first;
+    --last;
+  }
+  const bool is_text = first == last && tokens_[first].kind == TokenKind::kText;
+  return is_text && !IsEmptyText(TextOf(sql_, tokens_[first])) ? first : 0;
+}
+
+// A text constant stays a text in engines that would read it by their own rules.
+void Rewriter::KeepText(std::size_t first, std::size_t last, bool keeps_numbers) {
+  if (traits_.text_constant_end.empty()) return;
+  const std::size_t text = TextConstantIn(first, last);
+  if (text == 0) return;
+  const std::string value = ValueOfText(TextOf(sql_, tokens_[text]));
+  const bool is_number = value.find_first_not_of("0123456789.+-eE ") == std::string::npos;
+  if (keeps_numbers && is_number) return;
+  edits_.Replace(text, TextConstant(value) + std::string(traits_.text_constant_end));
+}
+
+// The same of items of select lists, from the `first` that was noted.
+void Rewriter::KeepTexts(std::size_t first) {
+  for (std::size_t i = first; i < texts_.size(); ++i) KeepText(texts_[i], texts_[i]);
 }
 
 Rewriter::Operand Rewriter::Unary() {
@@ -255,9 +277,15 @@ void Rewriter::Case() {
     ExpectWord(Word::kWhen, 905, "missing keyword WHEN");
     Condition();
     ExpectWord(Word::kThen, 905, "missing keyword THEN");
+    const std::size_t value = at_;
     Condition();
+    KeepText(value, at_ - 1, true);
   } while (IsWord(Word::kWhen));
-  if (SkipWord(Word::kElse)) Condition();
+  if (SkipWord(Word::kElse)) {
+    const std::size_t value = at_;
+    Condition();
+    KeepText(value, at_ - 1, true);
+  }
   ExpectWord(Word::kEnd, 905, "missing keyword END");
 }
 

@@ -14,6 +14,7 @@ Rewriter::QueryShape Rewriter::Query() {
   SelectFacts counted;  // of the SELECT that counts its rows, if one does
   const bool is_outermost = depth_ == 0;
   bool has_set_operator = false;
+  const std::size_t first_text = texts_.size();
   With();
   while (true) {
     if (IsSymbol('(')) {
@@ -52,6 +53,7 @@ Rewriter::QueryShape Rewriter::Query() {
   if (IsWord(Word::kFor)) ForUpdate();
   facts_ = outer_facts;
   if (has_set_operator) shape.has_one_row = false;
+  if (has_set_operator) KeepTexts(first_text);
   if (has_set_operator && is_outermost) look_up_.reset();
   return shape;
 }
@@ -133,6 +135,7 @@ std::size_t Rewriter::SelectList() {
     }
     is_renamed_ = false;
     Condition();
+    if (const std::size_t text = TextConstantIn(first, at_ - 1); text != 0) texts_.push_back(text);
     const bool is_all = IsSymbol(tokens_[at_ - 1], '*');
     has_all = has_all || is_all;
     if (!is_all && facts_ != nullptr && IsPlainColumn(first)) facts_->columns.push_back(at_ - 1);
@@ -363,37 +366,6 @@ void Rewriter::FetchFirst() {
   if (traits_.takes_fetch_first) return;
   edits_.Replace(first, "LIMIT " + limit + (offset.empty() ? "" : " OFFSET " + offset));
   for (std::size_t i = first + 1; i < at_; ++i) edits_.Remove(i);
-}
-
-void Rewriter::ForUpdate() {
-  const std::size_t first = at_++;
-  if (depth_ != 0) Fail(907, "missing right parenthesis");
-  ExpectWord(Word::kUpdate, 933, "SQL command not properly ended");
-  if (SkipText("OF")) LockedTables();
-  if (SkipText("WAIT")) {
-    if (traits_.locks_rows) Fail(900, "WAIT is not supported; write NOWAIT");
-    if (Here().kind != TokenKind::kNumber) Fail(30005, "missing WAIT interval");
-    ++at_;
-  } else if (!SkipText("NOWAIT") && SkipText("SKIP") && !SkipText("LOCKED")) {
-    Fail(905, "missing keyword LOCKED");
-  }
-  writes_ = true;
-  if (traits_.locks_rows) return;
-  for (std::size_t i = first; i < at_; ++i) edits_.Remove(i);
-}
-
-// Oracle names columns of the tables to lock, other engines the tables.
-void Rewriter::LockedTables() {
-  const std::size_t of = at_ - 1;
-  bool has_tables = true;
-  do {
-    const std::size_t first = at_;
-    QualifiedName();
-    has_tables = has_tables && at_ > first + 1;
-    for (std::size_t i = at_ - 2; i < at_; ++i) edits_.Remove(i);
-  } while (SkipSymbol(','));
-  if (has_tables) return;
-  for (std::size_t i = of; i < at_; ++i) edits_.Remove(i);
 }
 
 }  // namespace sabrel::dialect

@@ -24,7 +24,8 @@ Rewriter::Rewriter(std::string_view sql, const Engine& engine)
 
 Rewritten Rewriter::Run(StatementKind kind) {
   // Checks of a table are also read by tools that know the engine but not this server's functions.
-  compares_ = kind != StatementKind::kCreateTable && !IsText(Here(), "ALTER");
+  is_table_ = kind == StatementKind::kCreateTable || IsText(Here(), "ALTER");
+  compares_ = !is_table_;
   switch (kind) {
     case StatementKind::kSelect: has_few_rows_ = Query().has_one_row || has_few_rows_; break;
     case StatementKind::kInsert: Insert(); break;

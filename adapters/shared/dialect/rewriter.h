@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -89,6 +90,7 @@ class Rewriter {
     std::string name;  // upper case
     std::vector<std::string> sizes;
   };
+  using Conversions = std::vector<std::string_view>;
   class Level;  // one nesting level while it lives
 
   [[nodiscard]] Rewritten Finish(StatementKind kind);
@@ -153,6 +155,9 @@ class Rewriter {
   void CombineByOperator(const Operand& left, std::size_t operation, const Operand& right,
                          Operand& result);
   void MakeText(const Operand& operand);
+  [[nodiscard]] std::size_t TextConstantIn(std::size_t first, std::size_t last) const;
+  void KeepText(std::size_t first, std::size_t last, bool keeps_numbers = false);
+  void KeepTexts(std::size_t first);
   [[noreturn]] void RefuseDate() const;
   void Parenthesis(bool is_scalar = false);
   void Case();
@@ -172,7 +177,8 @@ class Rewriter {
   void SpellNames(std::size_t first, std::size_t last);
   void Call(std::size_t first, std::size_t last);
   void CallName(std::size_t first, std::size_t last);
-  std::size_t Arguments();
+  std::size_t Arguments(bool keeps_texts);
+  [[nodiscard]] bool KeepsTexts(std::string_view upper_name) const;
   void Decode(std::size_t name);
   std::vector<DecodeArgument> DecodeArguments();
   void Window();
@@ -205,11 +211,14 @@ class Rewriter {
 
   // Changes of data (change.cpp).
   void Insert();
-  void Values();
+  void Values(const Conversions& conversions);
   void Update();
-  void Assignment();
+  void Assignment(std::string_view table);
   void Delete();
   void AliasOfChangedTable();
+  void Assign(std::size_t first, std::size_t last, std::string_view conversion);
+  void AssignRows(std::size_t first, std::size_t last, const Conversions& conversions);
+  [[nodiscard]] std::vector<std::string> NamesIn(std::size_t first) const;
 
   // Definitions (definition_rewriter.cpp).
   void Definition();
@@ -218,10 +227,11 @@ class Rewriter {
   void DropTable();
   void TableItem();
   [[nodiscard]] WrittenType ReadType();
-  void ColumnType();
+  [[nodiscard]] bool ColumnType();
   void SpellType(std::size_t first, const WrittenType& type);
   void TypeSizes(std::vector<std::string>& sizes);
-  void ColumnRules();
+  void ColumnRules(bool is_date = false);
+  void Default(bool is_date);
   void PrimaryKey();
   void RefuseNull(const Column& column);
   void Copy();
@@ -238,12 +248,15 @@ class Rewriter {
   bool writes_ = false;
   bool has_few_rows_ = false;
   std::optional<KeyLookUp> look_up_;
+  bool is_table_ = false;    // that is defined
   bool compares_ = true;     // values of different types by a function
   bool is_renamed_ = false;  // the engine would name the column that is read otherwise
   std::vector<Column> columns_;
   std::vector<SequenceUse> sequences_;
   int table_aliases_ = 0;
-  SelectFacts* facts_ = nullptr;  // of the SELECT whose list is read
+  std::list<std::string> composed_;  // texts that edits refer to
+  std::vector<std::size_t> texts_;   // items of the select lists so far that are text constants
+  SelectFacts* facts_ = nullptr;     // of the SELECT whose list is read
 };
 
 class Rewriter::Level {

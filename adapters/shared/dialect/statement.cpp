@@ -153,6 +153,8 @@ StatementKind KindOf(std::string_view statement) {
     case Word::kCreate: return KindOfCreate(lexer);
     case Word::kDrop: return KindOfDrop(lexer);
     case Word::kAlter:
+      return IsText(statement, lexer.Next(), "SESSION") ? StatementKind::kAlterSession
+                                                        : StatementKind::kOtherDefinition;
     case Word::kTruncate: return StatementKind::kOtherDefinition;
     case Word::kCommit:
     case Word::kRollback:

@@ -7,6 +7,9 @@ DECLARE
   months CONSTANT text := 'JANFEBMARAPRMAYJUNJULAUGSEPOCTNOVDEC';
   rest text := btrim(value);
   picture text := format;
+  next text;
+  has_end boolean;
+  ended boolean := true;
   element text;
   piece text;
   number integer;
@@ -25,7 +28,7 @@ DECLARE
 BEGIN
   IF format = 'YYYY-MM-DD HH24:MI:SS' AND
      value ~ '^(0[1-9]|[1-9]\d)\d\d-(0[1-9]|1[0-2])-(0[1-9]|1\d|2[0-8]) ([01]\d|2[0-3]):[0-5]\d:[0-5]\d$' THEN
-    RETURN value::timestamp;
+    RETURN timestamp_in(value::cstring, 0, -1);
   END IF;
   IF value = '' THEN
     RETURN NULL;
@@ -34,13 +37,15 @@ BEGIN
     IF left(picture, 1) = '"' THEN
       element := substring(picture FROM '^"[^"]*"');
     ELSE
-      element := substring(picture FROM '(?i)^(?:YYYY|YYY|YY|RRRR|RR|MONTH|MON|MM|MI|DDD|DD|DAY|DY|D|HH24|HH12|HH|'
-                                        'SSSSS|SS|A\.M\.|P\.M\.|AM|PM|Q|J|FM|[^A-Za-z0-9])');
+      element := substring(picture FROM sabrel_dictionary.date_elements());
     END IF;
     IF element IS NULL THEN
       RAISE EXCEPTION 'date format not recognized' USING ERRCODE = 'N1821';
     END IF;
     picture := pg_catalog.substr(picture, pg_catalog.length(element) + 1);
+    next := upper(left(regexp_replace(picture, '^(?:FM)+', '', 'i'), 3));
+    has_end := ended;
+    ended := true;
     element := CASE WHEN element ~ '^[A-Za-z]' THEN upper(element) ELSE element END;
     CONTINUE WHEN element = 'FM';
     IF rest = '' THEN
@@ -55,10 +60,14 @@ BEGIN
       rest := pg_catalog.substr(rest, pg_catalog.length(element) + 1);
       CONTINUE;
     ELSIF element ~ '^[^A-Z]' THEN
-      IF rest ~ '^[A-Za-z]' THEN
-        RAISE EXCEPTION 'literal does not match format string' USING ERRCODE = 'N1861';
+      IF rest ~ '^[A-Za-z0-9]' THEN
+        -- The text may leave it out where the end of what was read is clear.
+        IF NOT has_end OR (rest ~ '^[A-Za-z]') <> (next ~ '^(?:MON|DAY|DY|[AP]M|[AP]\.M|")') THEN
+          RAISE EXCEPTION 'literal does not match format string' USING ERRCODE = 'N1861';
+        END IF;
+      ELSE
+        rest := pg_catalog.substr(rest, 2);
       END IF;
-      rest := CASE WHEN rest ~ '^\d' THEN rest ELSE pg_catalog.substr(rest, 2) END;
       CONTINUE;
     ELSIF element IN ('AM', 'PM', 'A.M.', 'P.M.') THEN
       piece := upper(substring(rest FROM '(?i)^(?:[AP]\.M\.|[AP]M)'));
@@ -95,11 +104,16 @@ BEGIN
     piece := substring(rest FROM '^\d{1,' || CASE WHEN element = 'HH24' THEN 2 ELSE pg_catalog.length(element) END || '}');
     IF element IN ('HH12', 'HH') THEN
       piece := substring(rest FROM '^\d{1,2}');
+    ELSIF element IN ('YY', 'RR') AND next ~ '^(?:$|[^A-Z0-9]|MON|DAY|DY|[AP]M|[AP]\.M)' THEN
+      -- A year in full does for the short forms, too, where its end can be seen.
+      piece := coalesce(substring(rest FROM '^\d{4}'), piece);
     END IF;
     IF piece IS NULL THEN
       RAISE EXCEPTION 'a non-numeric character was found where a numeric was expected' USING ERRCODE = 'N1858';
     END IF;
     rest := pg_catalog.substr(rest, pg_catalog.length(piece) + 1);
+    ended := pg_catalog.length(piece) >= CASE element WHEN 'HH24' THEN 2 WHEN 'HH12' THEN 2
+                                                      ELSE pg_catalog.length(element) END;
     number := piece::integer;
     IF number NOT BETWEEN low AND high THEN
       RAISE EXCEPTION USING ERRCODE = code, MESSAGE = reason;
@@ -112,7 +126,8 @@ BEGIN
       WHEN 'MI' THEN minute := number;
       WHEN 'SS' THEN second := number;
       WHEN 'SSSSS' THEN hour := number / 3600; minute := number / 60 % 60; second := number % 60;
-      WHEN 'YY' THEN year := year / 100 * 100 + number;
+      WHEN 'YY' THEN
+        year := CASE WHEN pg_catalog.length(piece) <= 2 THEN year / 100 * 100 + number ELSE number END;
       WHEN 'YYY' THEN year := year / 1000 * 1000 + number;
       ELSE
         IF element IN ('RR', 'RRRR') AND pg_catalog.length(piece) <= 2 THEN
@@ -140,7 +155,17 @@ END
 $$
 /
 CREATE OR REPLACE FUNCTION sabrel_dictionary.to_date (value text) RETURNS timestamp
-LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN sabrel_dictionary.to_date(value, 'YYYY-MM-DD HH24:MI:SS')
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.to_date(value, sabrel_dictionary.date_format())
+/
+-- An argument of a call of a routine; it may have this form besides.
+CREATE OR REPLACE FUNCTION sabrel_dictionary.date_argument (value text) RETURNS timestamp
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.to_date(value, CASE WHEN value ~ '^\d{4}-\d\d-\d\d( \d\d:\d\d:\d\d)?$'
+                                             THEN 'YYYY-MM-DD HH24:MI:SS' ELSE sabrel_dictionary.date_format() END)
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.date_argument (value timestamp) RETURNS timestamp
+LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN value
 /
 CREATE OR REPLACE FUNCTION sabrel_dictionary.to_date (value numeric, format text) RETURNS timestamp
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN sabrel_dictionary.to_date(value::text, format)
@@ -178,7 +203,7 @@ CREATE OR REPLACE FUNCTION sabrel_dictionary.trunc (number double precision, dig
 RETURNS numeric LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN pg_catalog.trunc(number::numeric, digits::integer)
 /
 CREATE OR REPLACE FUNCTION sabrel_dictionary.trunc (value text, unit text) RETURNS timestamp
-LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
 RETURN sabrel_dictionary.trunc(sabrel_dictionary.to_date(value), unit)
 /
 CREATE OR REPLACE FUNCTION sabrel_dictionary.round (moment timestamp) RETURNS timestamp
@@ -208,4 +233,28 @@ RETURN (extract(year FROM later) - extract(year FROM earlier)) * 12 + extract(mo
                 OR (later = sabrel_dictionary.last_day(later) AND earlier = sabrel_dictionary.last_day(earlier)) THEN 0
               ELSE (extract(day FROM later) - extract(day FROM earlier)
                     + (extract(epoch FROM later::time) - extract(epoch FROM earlier::time)) / 86400) / 31 END
+/
+-- The same of texts in the session's format.
+CREATE OR REPLACE FUNCTION sabrel_dictionary.last_day (value text) RETURNS timestamp
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.last_day(sabrel_dictionary.to_date(value))
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.add_months (value text, months numeric) RETURNS timestamp
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.add_months(sabrel_dictionary.to_date(value), months)
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.months_between (later text, earlier text) RETURNS numeric
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.months_between(sabrel_dictionary.to_date(later), sabrel_dictionary.to_date(earlier))
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.months_between (later text, earlier timestamp) RETURNS numeric
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.months_between(sabrel_dictionary.to_date(later), earlier)
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.months_between (later timestamp, earlier text) RETURNS numeric
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.months_between(later, sabrel_dictionary.to_date(earlier))
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.nvl (value timestamp, otherwise text) RETURNS timestamp
+LANGUAGE sql STABLE PARALLEL SAFE RETURN coalesce(value, sabrel_dictionary.to_date(otherwise))
 /

@@ -16,19 +16,20 @@ LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN value::text
 CREATE OR REPLACE FUNCTION sabrel_dictionary.to_char (value double precision) RETURNS text
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN sabrel_dictionary.to_char(value::numeric)
 /
-CREATE OR REPLACE FUNCTION sabrel_dictionary.to_char (value timestamp) RETURNS text
-LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE RETURN pg_catalog.to_char(value, 'YYYY-MM-DD HH24:MI:SS')
-/
 -- FM is for all that follows, the server wants it at each element; RR writes as YY does.
 CREATE OR REPLACE FUNCTION sabrel_dictionary.to_char (value timestamp, format text) RETURNS text
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE
 RETURN pg_catalog.to_char(value, CASE
   WHEN format ~* 'FM' THEN
     regexp_replace(
-      regexp_replace(format, 'FM', '', 'gi'),
+      regexp_replace(regexp_replace(regexp_replace(format, 'FM', '', 'gi'), 'RRRR', 'YYYY', 'gi'), 'RR', 'YY', 'gi'),
       '(YYYY|YYY|YY|MONTH|MON|MM|MI|DDD|DD|DAY|HH24|HH12|HH|SSSSS|SS)(?=(?:[^"]*"[^"]*")*[^"]*$)', 'FM\1', 'gi')
   WHEN format ~* 'RR' THEN regexp_replace(regexp_replace(format, 'RRRR', 'YYYY', 'gi'), 'RR', 'YY', 'gi')
   ELSE format END)
+/
+CREATE OR REPLACE FUNCTION sabrel_dictionary.to_char (value timestamp) RETURNS text
+LANGUAGE sql STABLE STRICT PARALLEL SAFE
+RETURN sabrel_dictionary.to_char(value, sabrel_dictionary.date_format())
 /
 -- A number that has no room is all "#".
 CREATE OR REPLACE FUNCTION sabrel_dictionary.to_char (value numeric, format text) RETURNS text
@@ -134,4 +135,31 @@ CREATE OR REPLACE FUNCTION sabrel_dictionary.least (first anycompatible, VARIADI
 RETURNS anycompatible LANGUAGE sql IMMUTABLE PARALLEL SAFE
 AS 'SELECT CASE WHEN first IS NULL OR array_position(others, NULL) IS NOT NULL THEN NULL
                 ELSE (SELECT min(value) FROM unnest(first || others) value) END'
+/
+-- Functions of texts, of dates: each is the text in the session's format.
+DO $$
+DECLARE
+  o record;
+BEGIN
+  FOR o IN
+    SELECT * FROM (VALUES
+      ('upper', '', '', 'text'), ('lower', '', '', 'text'), ('length', '', '', 'integer'),
+      ('substr', ', start numeric, size numeric DEFAULT 2147483647', ', start, size', 'text'),
+      ('instr', ', part text, start numeric DEFAULT 1, occurrence numeric DEFAULT 1', ', part, start, occurrence',
+       'integer'),
+      ('replace', ', part text, by_text text DEFAULT ''''', ', part, by_text', 'text'),
+      ('trim', ', characters text DEFAULT '' ''', ', characters', 'text'),
+      ('ltrim', ', characters text DEFAULT '' ''', ', characters', 'text'),
+      ('rtrim', ', characters text DEFAULT '' ''', ', characters', 'text'),
+      ('lpad', ', width numeric, filler text DEFAULT '' ''', ', width, filler', 'text'),
+      ('rpad', ', width numeric, filler text DEFAULT '' ''', ', width, filler', 'text')
+    ) AS functions (name, parameters, arguments, result)
+  LOOP
+    EXECUTE format('CREATE OR REPLACE FUNCTION sabrel_dictionary.%1$s (value timestamp%2$s) RETURNS %4$s'
+                   ' LANGUAGE sql STABLE PARALLEL SAFE RETURN %5$s.%1$s(sabrel_dictionary.to_char(value)%3$s)',
+                   o.name, o.parameters, o.arguments, o.result,
+                   CASE WHEN o.name IN ('upper', 'lower') THEN 'pg_catalog' ELSE 'sabrel_dictionary' END);
+  END LOOP;
+END
+$$
 /

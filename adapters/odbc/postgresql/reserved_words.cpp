@@ -1,0 +1,98 @@
+#include "adapters/odbc/postgresql/reserved_words.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace sabrel::odbc {
+namespace {
+
+constexpr std::string_view kReservedWords[] = {"ANALYSE",
+                                               "ANALYZE",
+                                               "ARRAY",
+                                               "ASYMMETRIC",
+                                               "AUTHORIZATION",
+                                               "BINARY",
+                                               "BOTH",
+                                               "CASE",
+                                               "CAST",
+                                               "CHARACTER",
+                                               "COLLATE",
+                                               "COLLATION",
+                                               "COLUMN",
+                                               "CONCURRENTLY",
+                                               "CONSTRAINT",
+                                               "CROSS",
+                                               "CURRENT_CATALOG",
+                                               "CURRENT_DATE",
+                                               "CURRENT_ROLE",
+                                               "CURRENT_SCHEMA",
+                                               "CURRENT_TIME",
+                                               "CURRENT_USER",
+                                               "DAY",
+                                               "DEFERRABLE",
+                                               "DO",
+                                               "END",
+                                               "EXCEPT",
+                                               "FALSE",
+                                               "FETCH",
+                                               "FILTER",
+                                               "FOREIGN",
+                                               "FREEZE",
+                                               "FULL",
+                                               "GRANT",
+                                               "HAVING",
+                                               "HOUR",
+                                               "ILIKE",
+                                               "INITIALLY",
+                                               "INNER",
+                                               "ISNULL",
+                                               "JOIN",
+                                               "LATERAL",
+                                               "LEADING",
+                                               "LEFT",
+                                               "LIMIT",
+                                               "LOCALTIME",
+                                               "LOCALTIMESTAMP",
+                                               "MINUTE",
+                                               "MONTH",
+                                               "NATURAL",
+                                               "NOTNULL",
+                                               "OFFSET",
+                                               "ONLY",
+                                               "OUTER",
+                                               "OVER",
+                                               "OVERLAPS",
+                                               "PLACING",
+                                               "PRECISION",
+                                               "PRIMARY",
+                                               "REFERENCES",
+                                               "RETURNING",
+                                               "RIGHT",
+                                               "SECOND",
+                                               "SESSION_USER",
+                                               "SIMILAR",
+                                               "SOME",
+                                               "SYMMETRIC",
+                                               "TABLESAMPLE",
+                                               "TO",
+                                               "TRAILING",
+                                               "TRUE",
+                                               "USER",
+                                               "USING",
+                                               "VARIADIC",
+                                               "VARYING",
+                                               "VERBOSE",
+                                               "WHEN",
+                                               "WINDOW",
+                                               "WITHIN",
+                                               "WITHOUT",
+                                               "YEAR"};
+static_assert(std::is_sorted(std::begin(kReservedWords), std::end(kReservedWords)));
+
+}  // namespace
+
+bool IsReservedByPostgresql(std::string_view upper) {
+  return std::binary_search(std::begin(kReservedWords), std::end(kReservedWords), upper);
+}
+
+}  // namespace sabrel::odbc
