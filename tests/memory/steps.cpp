@@ -79,27 +79,27 @@ std::vector<Step> StatementSteps() {
        }},
       {"conversions",
        [] {
-         const Variant text("1,234,567,890.5000000000");
-         return CVInt(text) + CVDbl(Variant("2.50000000000000000000")) > 0 &&
-                !CVString(text).empty();
+         const Variant words("1,234,567,890.5000000000");
+         return CVInt(words) + CVDbl(Variant("2.50000000000000000000")) > 0 &&
+                !CVString(words).empty();
        }},
       {"copies of values",
        [] {
-         const Variant text(kLong);
-         Variant copy(text);
-         Variant other("another text of more than sixteen bytes");
+         const Variant words(kLong);
+         Variant copy(words);
+         Variant other("another words of more than sixteen bytes");
          other = copy;
          const Variant array(Own([&] { return std::vector<Variant>{other}; }));
-         return array.Get<VariantArray>()->size() == 1 && other == text;
+         return array.Get<VariantArray>()->size() == 1 && other == words;
        }},
       {"a value that keeps what it was",
        [] {
-         const Variant text(kLong);
+         const Variant words(kLong);
          bool whole = true;
          for (const Variant& before : {Variant(5), Variant("short")}) {
            Variant value(before);
-           const bool fails = FailureIn([&] { value = text; }).has_value();
-           whole = whole && value == (fails ? before : text);
+           const bool fails = FailureIn([&] { value = words; }).has_value();
+           whole = whole && value == (fails ? before : words);
          }
          return whole;
        }},
@@ -113,10 +113,10 @@ std::vector<Step> ServiceSteps() {
     std::string rows;
     for (int i = 0; i < 12; ++i) rows.append(3999, 'x').append("\r\n");
     return [rows, lines] {
-      const std::int32_t id = GDBString::CreateDBString(Own([&] { return rows; }), lines);
-      const bool same = GDBString::LoadDBString(id, lines)->Text() == rows;
+      const std::int32_t made = GDBString::CreateDBString(Own([&] { return rows; }), lines);
+      const bool same = GDBString::LoadDBString(made, lines)->Text() == rows;
       CDBString stored;
-      stored.Id(id);
+      stored.Id(made);
       stored.Delete();
       return same;
     };
