@@ -377,6 +377,10 @@ std::string Sequence(std::string_view options) {
   });
 }
 
+std::string Dropped(std::string_view sql) {
+  return Attempt([sql] { return DroppedName(sql); });
+}
+
 TEST(Definitions, AreReadIntoStructures) {
   CheckAll({
       {"body", Body,
@@ -389,7 +393,8 @@ TEST(Definitions, AreReadIntoStructures) {
       {"no limit", Sequence, "MAXVALUE 9999999999999999999999999999 CACHE 20", "S.MY_SQ 1 1"},
       {"limit", Sequence, "MAXVALUE 10", "!900 @end"},
       {"no step", Sequence, "INCREMENT BY 0", "!4002"},
-      {"dropped quoted", DroppedName, "drop sequence \"a B\"", "a B"},
+      {"dropped quoted", Dropped, "drop sequence \"a B\"", "a B"},
+      {"dropped list", Dropped, "drop function f, g", "!933 @16"},
   });
 }
 

@@ -92,7 +92,14 @@ std::string DroppedName(std::string_view statement) {
     reader.Skip();
     if (is_package && reader.Ahead().kind != TokenKind::kEnd) reader.SkipText("BODY");
   }
-  return reader.QualifiedName("the name of what to drop is missing");
+  std::string name = reader.QualifiedName("the name of what to drop is missing");
+  // What follows the name of a table or a view is for the engine to read.
+  const StatementKind kind = KindOf(statement);
+  if ((kind == StatementKind::kDropRoutine || kind == StatementKind::kDropSequence) &&
+      !reader.AtEnd()) {
+    throw SyntaxFailure{933, "SQL command not properly ended" + PlaceOf(statement, reader.Here())};
+  }
+  return name;
 }
 
 std::vector<ColumnDefinition> ParseCreateTable(std::string_view statement) {

@@ -270,7 +270,8 @@ struct SequenceDefinition {
 };
 [[nodiscard]] SequenceDefinition ParseCreateSequence(std::string_view statement);
 
-/// The object's name, upper case, of a DROP statement.
+/// The object's name, upper case, of a DROP statement. Throws SyntaxFailure 933 for text after the
+/// name of a routine or a sequence.
 [[nodiscard]] std::string DroppedName(std::string_view statement);
 
 /// One column of CREATE TABLE, for engines that do not check widths and types themselves.
