@@ -93,8 +93,8 @@ std::string JsonText(const Variant& value) {
   const std::string text = PlainText(value);
   if (value.kind() == VariantKind::kBoolean) return text;
   if (!IsNumber(value)) return JsonString(text);
-  if (const auto* number = value.GetIf<double>()) {
-    return std::isfinite(*number) ? text : JsonString(text);
+  if (value.kind() == VariantKind::kDouble || value.kind() == VariantKind::kSingle) {
+    return std::isfinite(ToDouble(value, LocaleFacts{})) ? text : JsonString(text);
   }
   const auto digits = std::ranges::count_if(text, [](char c) { return c >= '0' && c <= '9'; });
   return digits <= kExactDigits ? text : JsonString(text);
