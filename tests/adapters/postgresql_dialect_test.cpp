@@ -83,6 +83,7 @@ TEST(PostgresqlDialect, WritesStatementsAsTheServerTakesThem) {
        "timestamp(0) DEFAULT (@to_date('1-JAN-00')), d numeric(38,0), e bytea , f timestamp(3) "
        "WITH TIME ZONE, g numeric(38), h "
        "bytea)"},
+      {"copied", "ALTER SESSION SET a = q'[it's]'", "ALTER SESSION SET a = 'it''s'"},
       {"column", "ALTER TABLE t ADD (Limit CLOB)", "ALTER TABLE t ADD \"limit\" text"},
       {"cast", "SELECT CAST(a AS NUMBER(5)) x FROM t", "SELECT CAST(a AS numeric(5)) x FROM t"},
       {"cast to a text", "SELECT CAST(d AS VARCHAR2(9)) x FROM t",

@@ -7,6 +7,10 @@ namespace sabrel::dialect {
 void Rewriter::Copy() {
   for (; Here().kind != TokenKind::kEnd; ++at_) {
     if (IsSymbol(';')) Fail(900, "a definition that holds statements is not supported");
+    const TokenKind kind = Here().kind;
+    if (kind == TokenKind::kText || kind == TokenKind::kNumber) {
+      edits_.SetConstant(at_, false, false);  // q'[...]' is Oracle's alone
+    }
   }
 }
 
