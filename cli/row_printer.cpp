@@ -36,16 +36,17 @@ class CsvPrinter final : public RowPrinter {
 class JsonPrinter final : public RowPrinter {
  public:
   JsonPrinter(Output& out, const std::vector<std::string>& columns) : out_(out) {
-    std::vector<std::string> taken;
-    for (const std::string& column : columns) {
-      std::string name = column;
-      for (int n = 2; std::ranges::find(taken, name) != taken.end() ||
-                      (n > 2 && std::ranges::find(columns, name) != columns.end());
+    // Compared as they are written: names that differ in bytes that are not UTF-8 look the same.
+    std::vector<std::string> names;
+    for (const std::string& column : columns) names.push_back(JsonString(column) + ":");
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      std::string key = names[i];
+      for (int n = 2; std::ranges::find(keys_, key) != keys_.end() ||
+                      (n > 2 && std::ranges::find(names, key) != names.end());
            ++n) {
-        name = column + "_" + std::to_string(n);
+        key = JsonString(columns[i] + "_" + std::to_string(n)) + ":";
       }
-      taken.push_back(name);
-      keys_.push_back(JsonString(name) + ":");
+      keys_.push_back(std::move(key));
     }
   }
 
