@@ -23,7 +23,7 @@ using dialect::StatementKind;
 using sqlite::Connection;
 using sqlite::Server;
 
-constexpr std::chrono::milliseconds kLongestStatement{100};
+constexpr std::chrono::milliseconds kLongestStatement{30};
 constexpr std::size_t kMostRows = 2000;
 constexpr int kMostGrowthPages = 256;
 constexpr int kLongestValue = 1 << 20;
