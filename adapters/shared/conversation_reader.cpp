@@ -163,9 +163,10 @@ double DoubleFrom(const Json& word) {
 
 Date DateFrom(const Json& serial) {
   if (!serial.is_number_float()) Refuse("a date is no number of days");
-  const auto days = serial.get<double>();
-  if (days < Date::kFirstSerial || days >= Date::kEndSerial) Refuse("a date is out of range");
-  return Date(days);
+  const Date date(serial.get<double>());
+  // A serial below the first day's may be a time on that day.
+  if (FailureIn([&date] { static_cast<void>(date.ToCivil()); })) Refuse("a date is out of range");
+  return date;
 }
 
 Decimal DecimalFrom(const Json& digits) {

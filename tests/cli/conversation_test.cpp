@@ -53,6 +53,7 @@ TEST_F(Conversation, KeepsEveryValueOfTheKindItHad) {
       Variant(-std::numeric_limits<double>::infinity()),
       Variant(Decimal::Parse("12345678901234567890.01")),
       Variant(Date(-1.25)),
+      Variant(Date(-657434.75)),
       Variant(""),
       Variant("5"),
       Variant("quote \" line\n\u6771\u4eac"),
