@@ -11,9 +11,9 @@ namespace sabrel::fuzz {
 namespace {
 
 std::string Written(const std::vector<ConversationEntry>& entries) {
-  std::ostringstream out;
-  for (const ConversationEntry& entry : entries) WriteEntry(out, entry);
-  return out.str();
+  std::string text;
+  for (const ConversationEntry& entry : entries) text += EntryLine(entry);
+  return text;
 }
 
 std::optional<std::vector<ConversationEntry>> Read(std::string_view text) {
@@ -33,8 +33,13 @@ Variant TakeServerValue(Input& input) {
       case VariantKind::kInt32:
       case VariantKind::kDouble:
       case VariantKind::kDecimal:
-      case VariantKind::kDate:
       case VariantKind::kString: return value;
+      case VariantKind::kDate:
+        if (DoneOr({RuntimeErrorNumber::kOverflow},
+                   [&] { static_cast<void>(value.Get<Date>().ToCivil()); })) {
+          return value;
+        }
+        break;
       default: break;
     }
   }
@@ -56,7 +61,7 @@ bool SameRows(const ConversationEntry& a, const ConversationEntry& b) {
 
 void CheckEntry(Input input) {
   ConversationEntry entry;
-  entry.id = static_cast<std::int64_t>(input.Bits(4));
+  entry.id = static_cast<std::int64_t>(input.Bits(4)) + 1;
   entry.statement = input.Text();
   entry.address.host = input.Text();
   entry.columns = {std::string(input.Text())};

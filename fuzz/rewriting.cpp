@@ -148,7 +148,7 @@ class LiftingEngine final : public dialect::Engine {
   [[nodiscard]] std::string_view ConcatenateFunction() const override { return "concatenate"; }
   [[nodiscard]] std::string_view SingleFunction() const override { return "single"; }
   [[nodiscard]] std::string_view CompareFunction() const override { return "compare"; }
-  [[nodiscard]] std::string_view HidingOperator() const override { return "+"; }
+  [[nodiscard]] std::string_view PatternFunction() const override { return "pattern"; }
   [[nodiscard]] std::string_view FunctionName(std::string_view) const override { return {}; }
 };
 

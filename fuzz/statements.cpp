@@ -123,7 +123,7 @@ class Site {
   void Open() {
     server_ = std::make_unique<Server>(path_, std::make_shared<sqlite::CancelSwitch>(),
                                        std::make_shared<sqlite::SessionState>(),
-                                       sqlite::Durability::kAtTheEnd);
+                                       sqlite::Durability::kAtTheEnd, std::nullopt);
     sqlite3_limit(server_->Engine().Handle(), SQLITE_LIMIT_LENGTH, kLongestValue);
     watcher_ = std::make_unique<Watcher>(path_);
     const int most_pages = std::stoi(watcher_->Ask("PRAGMA page_count")) + kMostGrowthPages;
