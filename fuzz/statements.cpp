@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "adapters/shared/dialect/dialect.h"
+#include "adapters/sqlite/access.h"
 #include "adapters/sqlite/failure.h"
 #include "adapters/sqlite/server.h"
 #include "adapters/sqlite/site_builder.h"
@@ -124,11 +125,21 @@ class Site {
     server_ = std::make_unique<Server>(path_, std::make_shared<sqlite::CancelSwitch>(),
                                        std::make_shared<sqlite::SessionState>(),
                                        sqlite::Durability::kAtTheEnd, std::nullopt);
-    sqlite3_limit(server_->Engine().Handle(), SQLITE_LIMIT_LENGTH, kLongestValue);
     watcher_ = std::make_unique<Watcher>(path_);
-    const int most_pages = std::stoi(watcher_->Ask("PRAGMA page_count")) + kMostGrowthPages;
-    server_->Engine().Run(("PRAGMA max_page_count=" + std::to_string(most_pages)).c_str());
+    SetLimits();
     version_ = watcher_->Ask("PRAGMA data_version");
+  }
+
+  void SetLimits() {
+    sqlite3* const handle = server_->Engine().Handle();
+    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, kLongestValue);
+    const int most_pages = std::stoi(watcher_->Ask("PRAGMA page_count")) + kMostGrowthPages;
+    const std::string limit = "PRAGMA max_page_count=" + std::to_string(most_pages);
+    // Which the server's guard keeps everybody from.
+    sqlite3_set_authorizer(handle, nullptr, nullptr);
+    const int code = sqlite3_exec(handle, limit.c_str(), nullptr, nullptr, nullptr);
+    Require(code == SQLITE_OK, "the file can be limited", sqlite3_errmsg(handle));
+    sqlite::GuardStatements(server_->Engine());
   }
 
   static void ReadRows(sqlite::QueryResult result) {
