@@ -138,6 +138,10 @@ void Connection::WatchStatements() noexcept {
       [](void* self) { return static_cast<Connection*>(self)->MustStop() ? 1 : 0; }, this);
 }
 
+void Connection::StopWatching() noexcept {
+  sqlite3_progress_handler(Handle(), 0, nullptr, nullptr);
+}
+
 void Connection::Configure(Durability durability) {
   // Reading before anything is set: what is no site must not be written to, nor get a journal
   // beside it.
@@ -342,7 +346,7 @@ void Connection::RollBack() noexcept {
   // A cancel that comes in between must not stop the clean-up: it holds for the failed statement
   // only.
   for (int attempt = 0; attempt < 3 && InTransaction(); ++attempt) {
-    sqlite3_progress_handler(Handle(), 0, nullptr, nullptr);
+    StopWatching();
     sqlite3_exec(Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
     WatchStatements();
   }
@@ -364,8 +368,17 @@ Operation::~Operation() {
 }
 
 Transaction::Transaction(Connection& connection, Kind kind) : connection_(&connection) {
-  Statement begin = connection.Prepare(kind == Kind::kWrite ? "BEGIN IMMEDIATE" : "BEGIN");
-  begin.Step();
+  RunWhole(kind == Kind::kWrite ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+// The engine may ask whether to stop when such a statement is done, and then reports the failure
+// of what it did: a change that is kept, a transaction that is open.
+void Transaction::RunWhole(const char* sql) {
+  Statement statement = connection_->Prepare(sql);
+  const auto watch = [](Connection* connection) { connection->WatchStatements(); };
+  connection_->StopWatching();
+  const std::unique_ptr<Connection, decltype(watch)> watching_again(connection_, watch);
+  statement.Step();
 }
 
 Transaction::~Transaction() {
@@ -373,9 +386,6 @@ Transaction::~Transaction() {
   connection_->last_change_ = Verb::kOther;
 }
 
-void Transaction::Commit() {
-  Statement commit = connection_->Prepare("COMMIT");
-  commit.Step();
-}
+void Transaction::Commit() { RunWhole("COMMIT"); }
 
 }  // namespace sabrel::sqlite

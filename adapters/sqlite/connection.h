@@ -148,6 +148,7 @@ class Connection {
   void Configure(Durability durability);
   /// Makes the engine ask MustStop while a statement runs.
   void WatchStatements() noexcept;
+  void StopWatching() noexcept;
   void KeepStatement(std::string key, sqlite3_stmt* handle) noexcept;
   [[nodiscard]] bool MustStop() const noexcept;
   void RequireTimeLeft();
@@ -202,6 +203,7 @@ class Operation {
 class Transaction {
  public:
   enum class Kind { kRead, kWrite };
+  /// Waits for the lock as long as the operation may last; begins and ends without being stopped.
   Transaction(Connection& connection, Kind kind);
   ~Transaction();
   Transaction(const Transaction&) = delete;
@@ -209,6 +211,7 @@ class Transaction {
   void Commit();
 
  private:
+  void RunWhole(const char* sql);
   Connection* connection_;
 };
 

@@ -111,6 +111,18 @@ TEST_F(SqliteRequests, ATimeOutAndCancelReachIntoFunctionsAndPatterns) {
   }
 }
 
+TEST_F(SqliteRequests, ATimeOutComesBeforeATransactionEndsOrNotAtAll) {
+  using sqlite::Transaction;
+  sqlite::Connection engine(File(), std::make_shared<sqlite::CancelSwitch>(),
+                            sqlite::Durability::kAtTheEnd, std::nullopt);
+  const sqlite::Operation late(engine, std::chrono::steady_clock::now());
+  // As many as the engine runs before it asks whether to stop.
+  for (int i = 0; i < 2000; ++i) {
+    EXPECT_NO_THROW(Transaction(engine, Transaction::Kind::kWrite).Commit()) << i;
+    ASSERT_FALSE(engine.InTransaction()) << i;
+  }
+}
+
 TEST_F(SqliteRequests, CancelStopsWhatRunsAndNothingElse) {
   ASSERT_EQ(Do("CREATE TABLE T (N NUMBER)"), "");
   link->Cancel();
