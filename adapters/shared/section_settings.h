@@ -4,8 +4,8 @@
 // connections with different settings are never exchanged for each other.
 #pragma once
 
-#include <compare>
 #include <string>
+#include <tuple>
 
 #include "sabrel/platform/connection_profile.h"
 
@@ -19,7 +19,10 @@ struct SectionSettings {
   /// The format of the session's dates where a statement names none.
   std::string DateFormat = "DD-MON-RR";
 
-  friend auto operator<=>(const SectionSettings&, const SectionSettings&) = default;
+  friend bool operator<(const SectionSettings& a, const SectionSettings& b) {
+    return std::tie(a.SslMode, a.SslRootCert, a.DateFormat) <
+           std::tie(b.SslMode, b.SslRootCert, b.DateFormat);
+  }
 };
 
 /// Why a connection by `profile` cannot have the TLS that `section` demands, and the remedy; names
