@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <system_error>
 
 #include "sabrel/platform/runtime_error.h"
@@ -77,7 +78,9 @@ std::string_view ScientificText(double number, int digits, std::array<char, 40>&
   int exponent = 0;
   const char* figures = text.data() + text.find('e') + 1;
   std::from_chars(figures + (*figures == '+' ? 1 : 0), text.data() + text.size(), exponent);
-  if (!IsTie(std::abs(number), digits, exponent)) return text;
+  // The next double is more than a tie away from what has more digits than all doubles keep.
+  constexpr int kKeptDigits = std::numeric_limits<double>::digits10;
+  if (digits > kKeptDigits || !IsTie(std::abs(number), digits, exponent)) return text;
   return written(std::nextafter(number, std::copysign(HUGE_VAL, number)));
 }
 

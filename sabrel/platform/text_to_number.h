@@ -31,8 +31,8 @@ struct NumberParts {
 [[nodiscard]] bool SplitNumber(std::string_view text, std::string_view decimal_separator,
                                std::string_view thousands_separator, NumberParts& parts);
 
-/// A finite number as `[-]d.ddde[+-]dd` with `digits` significant digits. A tie goes away from
-/// zero: 499472.25 with 7 digits is 4.994723e+05.
+/// A finite number as `[-]d.ddde[+-]dd` with `digits` significant digits. A tie of up to 15
+/// digits goes away from zero: 499472.25 with 7 digits is 4.994723e+05.
 [[nodiscard]] std::string_view ScientificText(double number, int digits,
                                               std::array<char, 40>& buffer);
 

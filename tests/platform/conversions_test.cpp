@@ -112,6 +112,7 @@ TEST(Conversions, NumberTextHasItsDigitsAndNoMore) {
                      text),
             " 1234567890123,13 3,0517578125E-05 1,23456789012345E+15 1,23456789012345E+16")
       << "ties go away from zero";
+  EXPECT_EQ(NumberText(571919990791592.375, 17, ","), "571919990791592,38") << "reads back";
 }
 
 TEST(Conversions, NumbersAreNoDatesAndDatesAreNoNumbers) {
