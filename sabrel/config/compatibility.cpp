@@ -31,7 +31,7 @@ std::string ServerRelease() {
   const CloseAtEnd closing(rows);
   std::string release = ToText(rows->Fields().Item("Value").Value());
   if (release.empty()) throw RuntimeError(RuntimeErrorNumber::kSubscript);
-  return std::string(TrimBlanks(release));  // a padded column's
+  return release;
 }
 
 std::int32_t Show(const std::string& text, std::int32_t style) {
@@ -89,17 +89,19 @@ std::string ServerOlderText(const std::string& server, const std::string& client
          server + "\r\nThe Client is Version: " + client;
 }
 
-// The first rule that applies decides.
+// The first rule that applies decides. A padded column's blanks do not count where the release is
+// compared; the texts show it as it is stored. Blanks alone are an invalid release.
 bool FitTogether(const std::string& server) {
   constexpr int kPartsCompared = 2;
   constexpr int kInvalid = -2;
   const std::string client(kClientRelease);
   if (server.empty()) return UserGoesOn(NoResponseText(client));
-  if (ContainsIgnoringCase(kIncompatibleReleases, server)) {
+  const std::string_view release = TrimBlanks(server);
+  if (!release.empty() && ContainsIgnoringCase(kIncompatibleReleases, release)) {
     return Refuse(IncompatibleText(server, client));
   }
-  if (ContainsIgnoringCase(kCompatibleReleases, server)) return true;
-  const int comparison = CompareReleases(server, client, kPartsCompared);
+  if (!release.empty() && ContainsIgnoringCase(kCompatibleReleases, release)) return true;
+  const int comparison = CompareReleases(release, client, kPartsCompared);
   if (comparison > 0) return UserGoesOn(ClientOlderText(server, client));
   if (comparison == kInvalid) return Refuse(InvalidVersionText(server));
   if (comparison == 0) return true;

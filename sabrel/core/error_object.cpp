@@ -95,9 +95,8 @@ void CErrorObject::Reset() {
 }
 
 void CErrorObject::Reset(const RuntimeError& failure) {
-  const RuntimeError captured = failure;  // it may be this object's own
   Clear();
-  failure_ = captured;
+  failure_ = failure;
   RaisingRuntimeErrors([&] { CaptureDatabaseError(); });
 }
 

@@ -33,6 +33,7 @@ class CErrorObject {
   void Reset();
   void Reset(const RuntimeError& failure);
 
+  // Texts of the failure: valid until the next Reset or Clear. Copy what has to last longer.
   [[nodiscard]] std::int32_t Number() const noexcept { return failure_.Number(); }
   [[nodiscard]] const std::string& Source() const noexcept { return failure_.Source(); }
   [[nodiscard]] const std::string& Description() const noexcept { return failure_.Description(); }

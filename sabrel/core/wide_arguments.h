@@ -1,7 +1,8 @@
 // Numbers of more than 32 bits are refused by the compiler where an operation takes 32.
 //
-// Each overload here is deleted and wins for a wider argument, at whatever place that stands: it
-// would be cut without a word. Convert it where its range is known.
+// Each overload here is deleted and is chosen when any argument is wider, which the operation would
+// silently truncate. Convert the argument where its range is known. The operations with output
+// parameters (GetSecondsRange, GetSelRange, GetStartEndHour) have none.
 #pragma once
 
 #include "sabrel/platform/narrowing.h"

@@ -1,7 +1,7 @@
-// Numbers that a parameter of 32 bits would cut without a word.
+// Numbers that a 32-bit parameter would silently truncate.
 //
-// Operations take ids and counts as `std::int32_t`. Beside each stands a deleted overload that wins
-// for a wider argument, so that the caller converts where the range is known.
+// Operations take ids and counts as `std::int32_t`. Most of them have a deleted overload that is
+// chosen for a wider argument, so that the caller converts where the range is known.
 #pragma once
 
 #include <concepts>

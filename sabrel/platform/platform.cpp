@@ -23,7 +23,7 @@ struct Process {
 
 // Never destroyed: a thread may end after the process's static objects are gone.
 Process& TheProcess() noexcept {
-  static const internal::Immortal<Process> process;
+  static internal::Immortal<Process> process;
   return *process;
 }
 

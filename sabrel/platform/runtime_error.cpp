@@ -55,7 +55,7 @@ RuntimeError::RuntimeError(RuntimeErrorNumber number) noexcept
   try {
     *this = RuntimeError(number, UsualDescription(number));
   } catch (const std::bad_alloc&) {
-    // It is what it was made as.
+    // Without memory for its description it stays number 7.
   }
 }
 
@@ -64,13 +64,13 @@ RuntimeError::RuntimeError(RuntimeErrorNumber number, std::string description) n
                    std::move(description)) {}
 
 RuntimeError::SharedTexts RuntimeError::NoTexts() noexcept {
-  static const internal::Immortal<const Texts> texts;
+  static internal::Immortal<const Texts> texts;
   return {SharedTexts(), &*texts};
 }
 
 RuntimeError::SharedTexts RuntimeError::OutOfMemoryTexts() noexcept {
   // Texts as short as these are kept inside a string object.
-  static const internal::Immortal<const Texts> texts(std::string(kSource), "Out of memory");
+  static internal::Immortal<const Texts> texts(std::string(kSource), "Out of memory");
   return {SharedTexts(), &*texts};
 }
 
@@ -89,8 +89,10 @@ RuntimeError FailureOf(const std::exception_ptr& exception) noexcept {
   } catch (const std::bad_alloc&) {
     return RuntimeError(RuntimeErrorNumber::kOutOfMemory);
   } catch (const std::exception& foreign) {
+    const char* const text = foreign.what();
+    if (text == nullptr) return RuntimeError(RuntimeErrorNumber::kInternal);
     try {
-      return {RuntimeErrorNumber::kInternal, foreign.what()};
+      return {RuntimeErrorNumber::kInternal, text};
     } catch (const std::bad_alloc&) {
       return RuntimeError(RuntimeErrorNumber::kOutOfMemory);
     }
