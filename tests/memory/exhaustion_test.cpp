@@ -38,15 +38,15 @@ class KeptSession final : public Rowlink {
 
 std::size_t Stride() {
   const char* asked = std::getenv("SABREL_ALLOCATION_STRIDE");
-  return asked == nullptr ? 97 : std::strtoul(asked, nullptr, 10);
+  return asked == nullptr ? 53 : std::strtoul(asked, nullptr, 10);
 }
 
-/// Runs steps again and again on platforms of one kind, each time with another allocation failing.
+/// Runs steps again and again on sessions of one kind, each time with another allocation failing.
 class Exhaustion {
  public:
-  using MakePlatform = std::function<std::unique_ptr<ScriptedPlatform>()>;
-  Exhaustion(MakePlatform make_platform, std::size_t stride)
-      : make_platform_(std::move(make_platform)), stride_(stride) {}
+  using OpenSession = std::function<std::shared_ptr<Rowlink>()>;
+  Exhaustion(OpenSession open_session, std::size_t stride)
+      : open_session_(std::move(open_session)), stride_(stride) {}
 
   ~Exhaustion() {
     std::cout << failed_ << " allocations failed, alone or with all that followed\n";
@@ -83,38 +83,44 @@ class Exhaustion {
   }
 
   Attempt Run(const Step& step, std::size_t n, bool for_good) {
-    const auto platform = make_platform_();
-    platform->trace = true;
-    platform->box_answer = kAnswerYes;
-    platform->registry["\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Torvane\\Norvasta\\Setup\\AppRootFolder"] =
+    ScriptedPlatform platform(open_session_);
+    platform.trace = true;
+    platform.box_answer = kAnswerYes;
+    platform.registry["\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Torvane\\Norvasta\\Setup\\AppRootFolder"] =
         "C:\\Program Files\\Norvasta";
-    const auto answer = [&] {
-      platform->DropAnswers();
-      for (const ScriptedAnswer& scripted : step.answers) platform->Answer(scripted);
-    };
-    answer();
     Attempt attempt = step.run(n, for_good);
     // An answer that failed for want of memory may be remembered until the thread's use ends.
-    answer();
     const std::string next = step.run(0, false).outcome;
     EXPECT_FALSE(Has(next, "raises 7 ")) << n << " " << next;
     UnloadThread();
-    answer();
     attempt.next = step.run(0, false).outcome;
-    EXPECT_EQ(platform->OpenCursors(), 0) << n;
     return attempt;
   }
 
-  MakePlatform make_platform_;
+  OpenSession open_session_;
   std::size_t stride_;
   std::size_t offset_ = 0;
   std::size_t failed_ = 0;
 };
 
-TEST(Exhaustion, OfTheComponentAloneIsAFailureLikeAnyOther) {
-  Exhaustion exhaustion([] { return std::make_unique<ScriptedPlatform>(); }, 1 + Stride() / 19);
-  exhaustion.Walk(StatementSteps());
-  exhaustion.Walk(ServiceSteps());
+TEST(RememberedAnswers, AreFoundWithoutAllocation) {
+  ScriptedPlatform platform;
+  const std::string long_name(60, 'T');
+  const auto ask = [&] {
+    static_cast<void>(GSabrel::DoesTableExist(long_name, "host", 5001));
+    static_cast<void>(GSabrel::DoesFieldExist(long_name, long_name));
+    static_cast<void>(GSabrel::DoesThisProcedureExist(long_name, "P"));
+    static_cast<void>(GSabrel::SystemValueExists(long_name, long_name, "host", 5000));
+    static_cast<void>(GSabrel::DBColumnLength(long_name, long_name));
+    static_cast<void>(GFeatureManager::FeatureManager()->IsFeatureEnabled(long_name));
+  };
+  for (int i = 0; i < 6; ++i) platform.Answer(Rows{{"C"}, {{Variant(1)}}});
+  ask();
+  static_cast<void>(platform.Conversation());
+  FailAllocations(1, false);
+  ask();
+  EXPECT_FALSE(StopFailing());
+  EXPECT_EQ(platform.Conversation(), "");
 }
 
 TEST(Exhaustion, OnTheEmbeddedServerIsAFailureLikeAnyOther) {
@@ -122,12 +128,10 @@ TEST(Exhaustion, OnTheEmbeddedServerIsAFailureLikeAnyOther) {
   const TemporaryFolder folder;
   CopySampleSite(SiteRelease::kCurrent, folder.Path("site"));
   const auto session = std::make_shared<KeptSession>(OpenSite(folder.Path("site")));
-  const auto kept = [&] { return session; };
-  Exhaustion exhaustion([&] { return std::make_unique<ScriptedPlatform>(kept); }, Stride());
+  Exhaustion exhaustion([&] { return session; }, Stride());
   exhaustion.Walk(StatementSteps());
   exhaustion.Walk(ServiceSteps());
-  const auto opened = [&] { return OpenSite(folder.Path("site")); };
-  Exhaustion opening([&] { return std::make_unique<ScriptedPlatform>(opened); }, 10 * Stride() + 1);
+  Exhaustion opening([&] { return OpenSite(folder.Path("site")); }, 10 * Stride() + 1);
   opening.Walk({{"opening", [] { return GSabrel::MachineId() > 0; }}});
 }
 

@@ -8,7 +8,6 @@
 
 #include "tests/memory/failing_memory.h"
 #include "tests/support/outcome.h"
-#include "tests/support/scripted_platform.h"
 
 namespace sabrel::testing {
 
@@ -18,10 +17,10 @@ struct Attempt {
   bool met = false;
 };
 
-/// One operation; it is answered by the script, or does the same on the embedded server.
+/// One operation, which does the same each time.
 struct Step {
-  template <class Work, class... Scripted>
-  Step(const char* step, Work work, Scripted... scripted) : name(step), answers{scripted...} {
+  template <class Work>
+  Step(const char* step, Work work) : name(step) {
     run = [work](std::size_t n, bool for_good) {
       Attempt attempt;
       const auto armed = [&] {
@@ -46,7 +45,6 @@ struct Step {
     };
   }
   const char* name;
-  std::vector<ScriptedAnswer> answers;
   std::function<Attempt(std::size_t, bool)> run;
 };
 
