@@ -102,36 +102,23 @@ TEST(Rewrite, ReplacesOnlyWhatTheEngineCannotTake) {
       {"touching numbers", Columns, "1x, 0x1", "1 x, 0 x1"},
       {"comments", Columns, "/*+ FULL(t) */ a -- ; it's\n", "/*+ FULL(t) */ a -- ; it's\n"},
       {"locks", Where, "b FOR UPDATE OF t.a NOWAIT", "b W"},
-      {"touching constants", Where, "a=1and b='c'or d=2", "a=?1 and b=?2 or d=?3 |1 |'c' |2"},
       {"fetch", Where, "b ORDER BY 1 OFFSET 4 ROWS FETCH NEXT 2 ROWS ONLY",
        "b ORDER BY 1 NULLS LAST LIMIT 2 OFFSET 4 "},
-      {"quoting", Where, R"("Limit"=q'[it's]' OR b=N'x')", R"("Limit"=?1 OR b=?2 |'it's' |'x')"},
       {"reserved", Whole, "SELECT t.limit Limit FROM limit t WHERE limit>b ORDER BY LIMIT",
        R"(SELECT t."limit" "Limit" FROM "limit" t WHERE "limit">b ORDER BY "LIMIT" NULLS LAST)"},
-      {"insert", Whole, "INSERT INTO s.T (Id, LIMIT) VALUES (q.NEXTVAL,-5)",
-       "INSERT INTO s.T (Id, \"LIMIT\") VALUES (next<q,?1) |-5 W"},
       {"update", Whole, "UPDATE t b SET b.x=1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (4,5)",
        "UPDATE t AS b SET x=?1,(y,z)=(SELECT 2,3 FROM DUAL) WHERE b.x IN (?2,?3) |1 |4 |5 W"},
-      {"delete", Whole, "DELETE t WHERE b NOT LIKE 'x!%' ESCAPE '!'",
-       "DELETE FROM t WHERE like(b , ?1 , ?2)=0 |'x!%' |'!' W"},
   });
 }
 
 TEST(Rewrite, KeepsTheMeaningOfArithmetic) {
   CheckAll({
       {"chain", Group, "a-b-c+d+e", "plus(minus(a,b,c),d,e)"},
-      {"parentheses", Group, "a-(b-c)", "minus(a,(minus(b,c)))"},
       {"product", Group, "a+b*c-d", "minus(plus(a,b*c),d)"},
       {"quotient", Group, "SYSDATE-1/24", "minus(now(),1*1.0/24)"},
-      {"numbers", Group, "1+2-a", "minus(1+2,a)"},
-      {"exponent", Group, "1E-5+a", "plus(1E-5,a)"},
       {"text of a number", Group, "1||2+3", "plus(1||2,3)"},
       {"sum before ||", Group, "a+b||c", "plus(a,b)||c"},
       {"products around ||", Group, "a*b||c*d||e-f", "minus((a*b)||(c*d)||e,f)"},
-      {"case", Group, "CASE WHEN a-b>c THEN d END+f", "plus(CASE WHEN minus(a,b)>c THEN d END,f)"},
-      {"calls", Group, "f(a)-/* b */ f(b)", "minus(call('f',a),/* b */ call('f',b))"},
-      {"constants", Where, "d BETWEEN a-1 AND a+-2 ORDER BY a+1",
-       "d BETWEEN minus(a,?1) AND plus(a,?2) ORDER BY plus(a,1) NULLS LAST |1 |-2"},
   });
 }
 
@@ -144,12 +131,10 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
        "END AS \"DECODE(F(A),1,B,NULL,C)\" |1"},
       {"decode of no known type", Columns, "DECODE(a,b,1,2)", "DECODE(a,b,?1,?2) |1 |2"},
       {"product of a date", Columns, "SYSDATE*2", "!932 @18"},
-      {"minus a date", Columns, "-TO_DATE(a)", "!932 @20"},
       {"order of nulls", Where, "b ORDER BY a, c DESC, d NULLS FIRST",
        "b ORDER BY a NULLS LAST, c DESC NULLS FIRST, d NULLS FIRST"},
       {"sub-select", Where, "b=(SELECT c FROM u)",
        "b=(WITH sabrel_one(v) AS (SELECT c FROM u) SELECT single(v) FROM sabrel_one)"},
-      {"like types", Where, "t.b='x' AND LENGTH(c)=1", "t.b=?1 AND LENGTH(c)=?2 |'x' |1"},
       {"unlike types", Where, "LENGTH(b)!='1' OR NVL(a,b)>= '1'",
        "compare(LENGTH(b),?1)<>0 OR compare(NVL(a,b), ?2)>=0 |'1' |'1'"},
       {"patterns", Where, "b LIKE 'x!%' ESCAPE '!' OR (c LIKE '%y') OR d LIKE 'z'||e",
@@ -157,8 +142,6 @@ TEST(Rewrite, MakesTheEngineDecideAsOracleDoes) {
       {"beginnings", Where, "b LIKE 'x%' OR c LIKE 'x_y%' OR d LIKE 'x' OR UPPER(e) LIKE 'x%'",
        "b LIKE 'x%' OR (c LIKE 'x%' AND like(c,'x_y%')) OR d LIKE 'x' OR like(UPPER(e) , ?1) "
        "|'x%'"},
-      {"any", Where, "a = ANY (b) OR a <> ALL (b)", "a IN (b) OR a NOT IN (b)"},
-      {"in one value", Where, "a IN b", "a IN (b)"},
       {"any above", Where, "a > ANY (1,2)", "!900 @27"},
   });
 }
@@ -186,24 +169,10 @@ TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
       {"first", Where, "rownum<5 AND b=1", " b=?1 LIMIT 4 |1"},
       {"last", Where, "b=1 AND ROWNUM=1", "b=?1 LIMIT 1 |1"},
       {"none", Where, "ROWNUM<0", "SELECT a FROM t LIMIT 0"},
-      {"sorted inside", Whole, "SELECT a FROM (SELECT a FROM t ORDER BY a) WHERE ROWNUM<=5",
-       "SELECT a FROM (SELECT a FROM t ORDER BY a NULLS LAST) LIMIT 5"},
-      {"aggregate inside", Whole, "SELECT (SELECT MAX(b) FROM u) FROM t WHERE ROWNUM<=5",
-       "SELECT (SELECT MAX(b) FROM u) FROM t LIMIT 5"},
       {"sorted", Where, "ROWNUM<=5 ORDER BY a", "!900 @23"},
       {"set", Where, "ROWNUM<=5 UNION SELECT b FROM u", "!900 @23"},
       {"or", Where, "ROWNUM<=5 OR b=1", "!900 @end"},
-      {"nested", Where, "b IN (SELECT c FROM u WHERE ROWNUM<=9) AND ROWNUM=1",
-       "b IN (SELECT c FROM u LIMIT 9) LIMIT 1"},
       {"locked", Where, "ROWNUM<3 FOR UPDATE", "SELECT a FROM t LIMIT 2 W"},
-      {"pages", Whole,
-       "SELECT * FROM (SELECT x.*, ROWNUM n FROM (SELECT a FROM t ORDER BY a) x WHERE ROWNUM<9) "
-       "WHERE n>4",
-       "SELECT * FROM (SELECT x.*, CAST(ROW_NUMBER() OVER () AS NUMERIC) n FROM (SELECT a FROM t "
-       "ORDER BY a NULLS "
-       "LAST) x LIMIT 8) WHERE n>?1 |4"},
-      {"numbers beside texts", Columns, "CASE WHEN ROWNUM='1' THEN 2 END x",
-       "CASE WHEN compare(CAST(ROW_NUMBER() OVER () AS NUMERIC),'1')=0 THEN 2 END x"},
       {"order of what is joined", Whole,
        "SELECT * FROM u, (t JOIN (SELECT a FROM t ORDER BY a) y ON 1=1) WHERE ROWNUM<3",
        "SELECT * FROM u, (t JOIN (SELECT a FROM t ORDER BY a NULLS LAST LIMIT -1) y ON ?1=?2) "
@@ -212,7 +181,6 @@ TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
       {"numbers counted", Columns, "MAX(ROWNUM)", "!900 @12"},
       {"numbers in a join", Whole, "SELECT 1 FROM t JOIN u ON a=ROWNUM", "!900 @29"},
       {"above", Where, "ROWNUM>5", "!900 @23"},
-      {"counted", Whole, "SELECT NVL(COUNT(*),0) FROM t WHERE ROWNUM<=5", "!900 @37"},
       {"distinct", Whole, "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", "!900 @32"},
   });
 }
@@ -236,7 +204,6 @@ TEST(Rewrite, RefusesWhatItCannotRewriteAndNamesThePlace) {
       {"outer join mark", Where, "a.x=b.x(+)", "!900 @30"},
       {"engine's own clause", Where, "b=1 LIMIT 5", "!933 @27"},
       {"unnamed parameter", Where, "b=?", "!911 @25"},
-      {"no expression", Columns, "", "!936 @9"},
       {"open parenthesis", Columns, "(a", "!907 @11"},
       {"case", Columns, "CASE WHEN a=1 THEN 2", "!905 @29"},
       {"date constant", Columns, "DATE '9.3.2024'", "!1861 @8"},
@@ -255,8 +222,6 @@ TEST(Rewrite, WritesDefinitionsAsTheEngineTakesThem) {
        "CREATE TABLE t (\"LIMIT\" NUMBER(38,0) DEFAULT (-1) NOT NULL, v CHAR(2 )) W"},
       {"key of a column", Whole, "CREATE TABLE t (a DATE DEFAULT SYSDATE PRIMARY KEY)",
        "CREATE TABLE t (a DATE NOT NULL DEFAULT (now()) PRIMARY KEY) W"},
-      {"rules", Whole, "CREATE TABLE t (a DATE CHECK (a > 0+b) REFERENCES u (x) ON DELETE CASCADE)",
-       "CREATE TABLE t (a DATE CHECK (a > plus(0,b)) REFERENCES u (x) ON DELETE CASCADE) W"},
       {"view that draws", Whole, "CREATE VIEW v AS SELECT q.NEXTVAL a FROM DUAL", "!2287 @end"},
       {"view that writes", Whole, "CREATE VIEW v AS SELECT pkg.f() a FROM DUAL", "!14551 @end"},
       {"package", Whole, "CREATE PACKAGE p AS FUNCTION f RETURN NUMBER; END;", "!900 @45"},
@@ -291,7 +256,6 @@ TEST(RequireOneStatement, FindsTheEndOfOneStatementAndRefusesASecond) {
       {"routine", One, body + " ", body},
       {"behind a routine", One, body + "x", "!911 @95"},
       {"open text", One, "SELECT 'a''", "!1756"},
-      {"alternative at the end", One, "q'", "!1756"},
       {"open comment", One, "SELECT /* a", "!900"},
   });
 }
@@ -314,14 +278,12 @@ std::string Steps(std::string_view block) {
 TEST(ParseBlock, TakesCallsAndStatementsAndRefusesControlFlow) {
   CheckAll({
       {"texts", Steps, "BEGIN PKG.P( 5,'O''Hara, (;' ); END;", "PKG.P[=5|='O''Hara, (;'|]"},
-      {"no arguments", Steps, "BEGIN P(  ); q ; END;", "P[]q[]"},
       {"nested", Steps, "begin p(f(1,2), (3)) ; end p;", "p[=f(1,2)|=(3)|]"},
       {"named", Steps, "BEGIN p(1, b => 2+3); END;", "p[=1|b=2+3|]"},
       {"statements", Steps, "BEGIN NULL; UPDATE t SET a=';' WHERE b=1; COMMIT; END;",
        "{UPDATE t SET a=';' WHERE b=1}{COMMIT}"},
       {"lost argument", Steps, "BEGIN P( 5,,7 ); END;", "!6550 @12"},
       {"named first", Steps, "BEGIN p(a => 1, 2); END;", "!6550 @17"},
-      {"open", Steps, "BEGIN p(1; END;", "!6550 @10"},
       {"no end", Steps, "BEGIN p;", "!6550 @end"},
       {"assignment", Steps, "BEGIN x := 1; END;", "!6550 @9"},
   });
@@ -356,7 +318,6 @@ TEST(Definitions, AreReadIntoStructures) {
       {"no result", Body, "CREATE FUNCTION f IS BEGIN q; END;", "!6550 @19"},
       {"control flow", Body, "CREATE PROCEDURE p IS BEGIN IF a THEN b; END IF; END;", "!6550 @29"},
       {"start and step", Sequence, "START WITH -5 INCREMENT BY 10 ORDER", "S.MY_SQ -5 10"},
-      {"no limit", Sequence, "MAXVALUE 9999999999999999999999999999 CACHE 20", "S.MY_SQ 1 1"},
       {"limit", Sequence, "MAXVALUE 10", "!900 @end"},
       {"no step", Sequence, "INCREMENT BY 0", "!4002"},
       {"dropped quoted", Dropped, "drop sequence \"a B\"", "a B"},

@@ -5,7 +5,6 @@
 #include "adapters/odbc/odbc_link.h"
 #include "adapters/odbc/odbc_rowlink.h"
 #include "sabrel/platform/date.h"
-#include "sabrel/platform/utf8.h"
 #include "tests/support/postgresql_server.h"
 
 namespace sabrel::testing {
@@ -30,7 +29,7 @@ class OdbcValues : public ::testing::Test {
   std::shared_ptr<Rowlink> rowlink;
 };
 
-TEST_F(OdbcValues, TextsOfEveryLengthAndCharacterComeBack) {
+TEST_F(OdbcValues, TextsOfEveryLengthComeBack) {
   const std::string smile = "\U0001F600";
   std::vector<std::string> texts;
   // A buffer holds 4,000 units of UTF-16; a character beyond 16 bits takes two of them.
@@ -50,13 +49,6 @@ TEST_F(OdbcValues, TextsOfEveryLengthAndCharacterComeBack) {
     EXPECT_TRUE(rows->Fields().Item("T").Value() == Variant(texts[i])) << i;
     EXPECT_TRUE(rows->Fields().Item("U").Value() == Variant(texts[texts.size() - 1 - i])) << i;
   }
-  std::string all;
-  for (char32_t point = 1; point <= 0x10FFFF; ++point) {
-    if (point < 0xD800 || point > 0xDFFF) AppendUtf8(all, point);
-  }
-  std::string quoted = all;
-  quoted.insert(quoted.find('\''), 1, '\'');
-  EXPECT_TRUE(Ask("SELECT '" + quoted + "' FROM DUAL") == Variant(all));
   EXPECT_TRUE(FailureIn([&] { (void)Ask("SELECT 1E300 * 1E300 FROM DUAL"); })) << "never 0";
 }
 

@@ -108,14 +108,10 @@ TEST_F(StartUp, AnswersQuestionsAboutSchemaAndSettings) {
       {"column with a quote", "probe column PM_REPORT `'`", 2, "", "COLUMN: ' holds"},
       {"value with a quote", "value a `b' OR 'A'='A`", 2, "", "VALUE: b' OR 'A'='A holds"},
       {"far table", "probe table PM_REPORT --host far", 3, "", "Reason: "},
-      {"object of a type", "probe object zr_query TABLE", 1, "no\n"},
       {"arguments", "probe arguments ZR_QUERY CREATEFQUERY", 0, "2\n"},
       {"what to probe", "probe", 2, "", "subcommand"},
       {"length", "length pm_report Name", 0, "64\n"},
-      {"no length", "length PM_REPORT `a'b`", 0, "0\n", "PM_REPORT.a'b"},
-      {"half a length", "length PM_REPORT", 2, "", "COLUMN"},
       {"week", "--format json week", 0, "2\n"},
-      {"no value", "value ReportLanguage Latin", 1, "no\n"},
       {"no mail client", "email", 1, "no\n", "mail client"},
   });
   const char* probes =

@@ -26,8 +26,6 @@ TEST_F(CommandLine, GivesStoredTextsBackByteForByte) {
       {"load empty", "text load 7", 0},
       {"delete", "text delete 7", 0},
       {"load none", "text load 7", 1, "", "There is no text 7"},
-      {"delete none", "text delete 7", 1, "", "There is no text 7"},
-      {"id 0", "text load 0", 2, "", "ID"},
       {"no sequence", "request `DROP SEQUENCE PM_StringTable_SQ`", 0},
       {"no id", "text create @/long", 4, "", "No id was drawn"},
   });
@@ -44,7 +42,6 @@ TEST_F(CommandLine, RefusesATextThatCannotBeStoredBeforeTheOldOneIsGone) {
       {"Latin-1", "text save 7 @/latin", 4, "", "byte 2 (hex FC)"},
       {"UTF-16", "text save 7 @/mark", 4, "", "iconv -f UTF-16"},
       {"U+0000", "text save 7 @/nul", 4, "", "byte 4 is U+0000"},
-      {"folder", "text save 7 @", 4, "", "directory"},
       {"delimiter", "text save 7 @/old --lines --delimiter '\\x'", 2, "", "\\x"},
       {"kept", "text load 7", 0, "old text"},
   });
@@ -59,7 +56,6 @@ TEST_F(CommandLine, KeepsTextsLineByLineAndTellsWhatThatLoses) {
       {"last letter", "text save 7 @/lines" + ending + "n", 0, "", "will lose its last character"},
       {"rows", "--format csv text lines 7", 0, "LINE,TEXT\n1,ab\n2,c\n"},
       {"joined", "text load 7" + ending + "t", 0, "ab\tc\t"},
-      {"other ends", "text save 7 @/lines --lines", 0, "", "is --delimiter '\\n'"},
       {"cut", "text save 7 @/wide" + ending + "n", 0, "", "1 line will be cut to 4000"},
   });
   EXPECT_EQ(Run("text save 7 --lines", "ab\r\ncd\r\n").err, "");
@@ -89,8 +85,6 @@ TEST_F(CommandLine, TellsWhatIsSwitchedOnAndWhatFits) {
       {"later", "request `UPDATE ZR_System_Value SET Value = '9.1' WHERE Variable_Id = 1`", 0},
       {"declined", "--answer no compat", 1, "no\n", "The Server is Version: 9.1"},
       {"no network", "network-release 17", 1, "no\n"},
-      {"no module", "module-version 1 9", 4, "",
-       "There is no version 9 of module 1\nSabrel error 6: "},
   });
   EXPECT_THAT(Run("--site @/old features").out,
               AllOf(ContainsRegex("Notes_Category +yes +yes +table PM_Note\n"),

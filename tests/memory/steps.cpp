@@ -113,8 +113,6 @@ std::vector<Step> ServiceSteps() {
          return DBConnectionName() == DBConnectionPWD();
        }},
       {"table", [] { return DoesTableExist("PM_STRINGTABLE"); }},
-      {"column", [] { return DoesFieldExist("PM_STRINGTABLE", "STRINGDATA"); }},
-      {"routine", [] { return DoesThisProcedureExist("EA_EXP", "Export_Required"); }},
       {"object", [] { return DoesDbObjectExist("LengthyReport", "PACKAGE"); }},
       {"length of a procedure",
        [] { return std::int32_t{GetProcedureLength("EA_EXP", "EXPORT_REQUIRED")}; }},
@@ -128,10 +126,6 @@ std::vector<Step> ServiceSteps() {
       {"network releases", [] { return IsLucentVersionSupported("R17"); }},
       {"version", [] { return GetModuleVersionName(1, 1); }},
       {"features", [] { return GFeatureManager::FeatureManager()->IsFeatureEnabled("SES_Group"); }},
-      {"derived features",
-       [] {
-         return GFeatureManager::FeatureManager()->IsFeatureEnabled("Channel_Set_Plans_Category");
-       }},
       {"connections",
        [] {
          const auto profile = Own([] { return std::make_shared<ConnectionProfile>(); });
@@ -159,7 +153,6 @@ std::vector<Step> ServiceSteps() {
       {"clear", [] { return ClearEATempRecords(4, Date(45360.5)); }},
       {"lists", [] { return (LastEntityUpdate(), EntitiesCurrent()); }},
       {"lengthy", [] { return IsLengthyReport(5); }},
-      {"a lengthy job", [] { return IsLengthyReportGroup(3); }},
       {"plans", [] { return IsCspNeeded(1); }},
       {"too big", [] { return ReportTooBigForXL("3"); }},
       {"of a job", [] { return JobReportsTooBigForXL("1"); }},
