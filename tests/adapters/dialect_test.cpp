@@ -178,9 +178,7 @@ TEST(Rewrite, TurnsRowNumbersIntoALimitOnlyWhereThatIsTheSame) {
        "SELECT * FROM u, (t JOIN (SELECT a FROM t ORDER BY a NULLS LAST LIMIT -1) y ON ?1=?2) "
        "LIMIT 2 |1 |1"},
       {"numbers sorted", Columns, "ROWNUM FROM t ORDER BY a", "!900 @8"},
-      {"numbers counted", Columns, "MAX(ROWNUM)", "!900 @12"},
       {"numbers in a join", Whole, "SELECT 1 FROM t JOIN u ON a=ROWNUM", "!900 @29"},
-      {"above", Where, "ROWNUM>5", "!900 @23"},
       {"distinct", Whole, "SELECT DISTINCT a FROM t WHERE ROWNUM<=5", "!900 @32"},
   });
 }
@@ -212,7 +210,6 @@ TEST(Rewrite, RefusesWhatItCannotRewriteAndNamesThePlace) {
       {"unknown routine", Columns, "pkg.g(1)", "!904"},
       {"unknown function", Where, "a IN (SELECT MAX(Hex(b)) FROM u)", "!904"},
       {"unknown function of a frame", Columns, "MAX(a) OVER (ORDER BY b ROWS HEX(1))", "!907 @40"},
-      {"aggregate of two", Columns, "MAX(a,b)", "!909 @15"},
   });
 }
 
@@ -220,8 +217,6 @@ TEST(Rewrite, WritesDefinitionsAsTheEngineTakesThem) {
   CheckAll({
       {"table", Whole, "CREATE TABLE t (LIMIT NUMBER(*,0) DEFAULT -1 NOT NULL, v CHAR(2 BYTE))",
        "CREATE TABLE t (\"LIMIT\" NUMBER(38,0) DEFAULT (-1) NOT NULL, v CHAR(2 )) W"},
-      {"key of a column", Whole, "CREATE TABLE t (a DATE DEFAULT SYSDATE PRIMARY KEY)",
-       "CREATE TABLE t (a DATE NOT NULL DEFAULT (now()) PRIMARY KEY) W"},
       {"view that draws", Whole, "CREATE VIEW v AS SELECT q.NEXTVAL a FROM DUAL", "!2287 @end"},
       {"view that writes", Whole, "CREATE VIEW v AS SELECT pkg.f() a FROM DUAL", "!14551 @end"},
       {"package", Whole, "CREATE PACKAGE p AS FUNCTION f RETURN NUMBER; END;", "!900 @45"},

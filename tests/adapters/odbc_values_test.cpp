@@ -41,13 +41,12 @@ TEST_F(OdbcValues, TextsOfEveryLengthComeBack) {
   std::string sql;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     sql += (i > 0 ? " UNION ALL SELECT " : "SELECT ") + std::to_string(i) + " AS N, '" + texts[i] +
-           "' AS T, '" + texts[texts.size() - 1 - i] + "' AS U FROM DUAL";
+           "' AS T FROM DUAL";
   }
   const auto rows = Open(sql + " ORDER BY N");
   for (std::size_t i = 0; i < texts.size(); ++i, rows->MoveNext()) {
     ASSERT_FALSE(rows->EndOfFile());
     EXPECT_TRUE(rows->Fields().Item("T").Value() == Variant(texts[i])) << i;
-    EXPECT_TRUE(rows->Fields().Item("U").Value() == Variant(texts[texts.size() - 1 - i])) << i;
   }
   EXPECT_TRUE(FailureIn([&] { (void)Ask("SELECT 1E300 * 1E300 FROM DUAL"); })) << "never 0";
 }

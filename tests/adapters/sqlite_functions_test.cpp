@@ -160,18 +160,5 @@ TEST_F(SqliteFunctions, SumsGoAlongWithTheirWindow) {
   EXPECT_EQ(Ask("SELECT L FROM T WHERE 5 = L OR L BETWEEN 5.5 AND 10 ORDER BY N"), "'6';'05'");
 }
 
-TEST_F(SqliteFunctions, ColumnsAreNamedAsTheStatementNamesThem) {
-  ASSERT_EQ(Do("CREATE FUNCTION PKG.F(a NUMBER) RETURN NUMBER IS BEGIN"
-               " SELECT :a AS return_value FROM DUAL; END;"),
-            "");
-  const auto rows = link->MakeRecordset();
-  rows->Open("SELECT dummy, PKG.F(1) , 5 AS \"Mixed\", 'a' lower FROM dual", "", 0, "", "", 0);
-  std::string names;
-  for (std::int32_t i = 0; i < rows->Fields().Count(); ++i) {
-    names += rows->Fields().Item(i).Name() + ";";
-  }
-  EXPECT_EQ(names, "DUMMY;PKG.F(1);Mixed;LOWER;");
-}
-
 }  // namespace
 }  // namespace sabrel::testing

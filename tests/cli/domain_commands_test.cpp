@@ -32,8 +32,6 @@ TEST_F(CommandLine, ChecksReportsBeforeTheyRun) {
   Check({
       {"declined", "--answer no report lengthy 5", 1, "declined\n", "1200 entities"},
       {"accepted", "--answer yes report lengthy --job 3", 0, "run\n", "and/or"},
-      {"both", "report lengthy 5 --job 3", 2, "", "either ID or --job JOB"},
-      {"no spreadsheet", "report too-big 2", 2, "", "--spreadsheet VERSION"},
       {"job", "--spreadsheet 11.0 report too-big --job 1", 0, "3\n"},
       {"needs", "--format csv report needs 2", 0, needs},
       {"copy", "text copy 1 2", 0, "100\n"},
@@ -81,7 +79,6 @@ TEST_F(CommandLine, DrawsAndCountsTheSlicesOfTheDay) {
       "ENDING_HOUR\n24,3600,24,24,82800,86400,24,24\n";
   Check({
       {"csv", "--format csv slices 3-5,24 --start 6", 0, figures},
-      {"no second of the day", "slices --seconds 0 86401", 2, "", "0 to 86400"},
       {"backwards", "slices --seconds 5 0", 2, "", "5 is after 0"},
       {"nothing selected", "slices none", 0, nullptr, "No slice is selected from slice 1 on"},
       {"minutes", "request `UPDATE PM_PRODUCT_INFO SET Value = '1440'`", 0},

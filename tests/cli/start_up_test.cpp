@@ -109,7 +109,6 @@ TEST_F(StartUp, AnswersQuestionsAboutSchemaAndSettings) {
       {"value with a quote", "value a `b' OR 'A'='A`", 2, "", "VALUE: b' OR 'A'='A holds"},
       {"far table", "probe table PM_REPORT --host far", 3, "", "Reason: "},
       {"arguments", "probe arguments ZR_QUERY CREATEFQUERY", 0, "2\n"},
-      {"what to probe", "probe", 2, "", "subcommand"},
       {"length", "length pm_report Name", 0, "64\n"},
       {"week", "--format json week", 0, "2\n"},
       {"no mail client", "email", 1, "no\n", "mail client"},

@@ -140,18 +140,6 @@ TEST_F(Features, AnOlderSiteIsProbedRuleByRule) {
   }
 }
 
-TEST_F(Features, ThereAreTwentyNineToSwitchOn) {
-  const std::vector<std::string> without_rule = {"Flexible_Start_Of_Week", "FlexibleAggregation",
-                                                 "Show_Check_Data_Availability", "Html_Help",
-                                                 "ENABLE_SOFTALARM_ID"};
-  std::vector<Variant> names;
-  for (const std::string& name : without_rule) names.emplace_back(name);
-  AnswerSwitches(names);
-  const auto manager = GFeatureManager::FeatureManager();
-  for (const std::string& name : without_rule) EXPECT_TRUE(manager->IsFeatureEnabled(name)) << name;
-  EXPECT_EQ(kFeatureNames.size(), 29U);
-}
-
 TEST_F(Features, AProbeThatFailsDoesNotEndTheDerivation) {
   platform.Answer(Count(0));
   platform.Answer(Refuse(942));

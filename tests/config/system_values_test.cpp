@@ -49,19 +49,6 @@ TEST_F(SystemValues, EveryAnswerIsRememberedUnderItsKey) {
   EXPECT_EQ(platform.Conversation(), "") << "a failed question is not asked again";
 }
 
-// With a look-up that is linear in the entries this would take minutes.
-TEST_F(SystemValues, AnswersStayQuickToFindAmongHundredThousand) {
-  for (int round = 0; round < 2; ++round) {
-    for (int i = 0; i < 100'000; ++i) {
-      static_cast<void>(DoesFieldExist("TABLE", std::to_string(i)));
-      if (i % 10'000 == 0) static_cast<void>(platform.Conversation());
-    }
-  }
-  static_cast<void>(platform.Conversation());
-  EXPECT_FALSE(DoesFieldExist("table", "99999"));
-  EXPECT_EQ(platform.Conversation(), "");
-}
-
 // A box may run anything in the host: the same question, the end of the thread, the end of its
 // strings.
 TEST_F(SystemValues, AHostMayMeddleWhileItIsAsked) {

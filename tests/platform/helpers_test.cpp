@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "sabrel/platform/error_handler.h"
-#include "sabrel/platform/flag_array.h"
 #include "sabrel/platform/keyed_collection.h"
 #include "sabrel/platform/named_values.h"
 #include "sabrel/platform/release_comparison.h"
@@ -98,13 +97,6 @@ TEST(KeyedCollection, FindsByPositionAndByKeyInAnyCaseAlsoAfterRemoval) {
   EXPECT_EQ(*all.Find(""), "four");
   all.Add("five", "erste");
   EXPECT_EQ(all.Item(3), "five");
-}
-
-TEST(FlagArray, IsNumberedFromOne) {
-  FlagArray flags(2);
-  EXPECT_EQ(NumberOf([&] { return flags.Flag(0); }), 9);
-  EXPECT_EQ(NumberOf([&] { return flags.Flag(3, true), 0; }), 9);
-  EXPECT_EQ(FlagArray(-1).Count(), 0);
 }
 
 }  // namespace
