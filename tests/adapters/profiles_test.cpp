@@ -35,7 +35,8 @@ TEST(Profiles, AFileGivesItsSettings) {
   EXPECT_EQ(file.profiles.All()[1].Port, 1521);
   EXPECT_EQ(file.profiles.All()[1].ReceiveTimeout, 45);
   EXPECT_EQ(file.profiles.All()[2].ReceiveTimeout, 0);
-  EXPECT_EQ(file.profiles.Resolve({}).section, SectionSettings{});
+  const SectionSettings plant = file.profiles.Resolve({}).section;
+  EXPECT_EQ(plant.SslMode + plant.SslRootCert + plant.DateFormat, "DD-MON-RR");
   const SectionSettings north = file.profiles.Resolve({"N1", 0, "", "", 0}).section;
   EXPECT_THAT(north.SslRootCert, ::testing::MatchesRegex("/.*/profiles.ini"));
   EXPECT_EQ(north.SslMode + " " + north.DateFormat, "verify-full DD.MM.YYYY");
@@ -63,6 +64,7 @@ TEST(Profiles, AFaultNamesFileAndLine) {
       {"setting before a name", "Host=hush\n", ":1: a setting before"},
       {"open name", "[hush\n", ":1: the profile's name does not end"},
       {"TLS mode", "[a]\nSslMode=prefer\n", ":2: SslMode wants require, verify-ca or verify-full"},
+      {"no TLS mode", "[a]\nSslMode=\n", ":2: SslMode has no value"},
       {"TLS of Oracle", "[a]\nSslMode=require\nDriver=Oracle 21\n[b]\n", ":2: SslMode is for"},
       {"TLS of a file", "[a]\nDriver=SQLite\nSslMode=require\n", ":3: SslMode is for"},
       {"TLS of a socket", "[a]\nDriver=psqlodbc\nHost=h,/tmp\nSslMode=require\n",
