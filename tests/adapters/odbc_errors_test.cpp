@@ -62,7 +62,6 @@ TEST(OdbcErrors, RefusedLoginIsToldByTheServersSentence) {
       {"FATAL:  role \"u\" is not permitted to log in", 1045},
       {"FATAL:  sorry, too many clients already", 18},
       {"FATAL:  the database system is not yet accepting connections", 1033},
-      {"FATAL:  the database system is shutting down", 1089},
       {"FATAL:  kein Eintrag in pg_hba.conf für Host", 1017},
       {"fe_sendauth: no password supplied", 1017},
       {"Connection refused", 0}};

@@ -103,11 +103,9 @@ TEST_F(StartUp, ShowsWhatTheRegistryHoldsAndWhatIsTaken) {
 TEST_F(StartUp, AnswersQuestionsAboutSchemaAndSettings) {
   Check({
       {"table", "probe table pm_report", 0, "yes\n"},
-      {"as json", "--format json probe table PM_REPORTS", 1, "false\n"},
       {"table with a quote", "probe table `X' OR 'A'='A`", 2, "", "NAME: X' OR 'A'='A holds"},
       {"column with a quote", "probe column PM_REPORT `'`", 2, "", "COLUMN: ' holds"},
       {"value with a quote", "value a `b' OR 'A'='A`", 2, "", "VALUE: b' OR 'A'='A holds"},
-      {"far table", "probe table PM_REPORT --host far", 3, "", "Reason: "},
       {"arguments", "probe arguments ZR_QUERY CREATEFQUERY", 0, "2\n"},
       {"length", "length pm_report Name", 0, "64\n"},
       {"week", "--format json week", 0, "2\n"},

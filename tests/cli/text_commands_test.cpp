@@ -22,7 +22,6 @@ TEST_F(CommandLine, GivesStoredTextsBackByteForByte) {
       {"to a file", load + "@/back", 0},
       {"over the site", load + "@/plant.site", 4, "", "session's site"},
       {"full disk", load + "/dev/full", 4, "", "No space left"},
-      {"closed input", "text save 7 <&-", 0},
       {"delete", "text delete 7", 0},
       {"load none", "text load 7", 1, "", "There is no text 7"},
       {"no sequence", "request `DROP SEQUENCE PM_StringTable_SQ`", 0},

@@ -2,7 +2,6 @@
 
 #include "sabrel/platform/error_handler.h"
 #include "sabrel/platform/keyed_collection.h"
-#include "sabrel/platform/named_values.h"
 #include "sabrel/platform/release_comparison.h"
 #include "sabrel/platform/template_text.h"
 #include "sabrel/platform/text_string.h"
@@ -34,15 +33,6 @@ TEST(TextString, CountsCutsAndComparesByCharacters) {
   EXPECT_EQ(TextString("é").Compare("É", true), 0);
   EXPECT_EQ(TextString("B").Compare("c", true), -1);
   EXPECT_EQ(TextString("€").Compare("😀", false), -1);
-}
-
-TEST(NamedValues, AddingAgainReplacesInPlace) {
-  NamedValues values;
-  values.Add("First", Variant(1));
-  values.Add("second");
-  values.Add("FIRST", Variant("x"));
-  EXPECT_EQ(values.begin()->name + std::to_string(values.Count()), "First2");
-  EXPECT_EQ(*values.Find("first"), Variant("x"));
 }
 
 TEST(ReleaseComparison, ComparesPartByPart) {

@@ -35,11 +35,6 @@ TEST(Utf8, InvalidBytesCountOneEach) {
   EXPECT_TRUE(IsSendableText("€") && !IsSendableText(std::string_view("a\0b", 3)));
 }
 
-TEST(Utf8, CutsFallBetweenCharacters) {
-  const std::size_t bytes[] = {0, 1, 3, 6, 10, 10};
-  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(ByteLengthOf("aé€😀", i), bytes[i]) << i;
-}
-
 TEST(Utf8, CaseMapsOneLetterToOne) {
   const std::tuple<const char*, std::string_view, std::string_view> rows[] = {
       {"ascii", "az{`", "AZ{`"},
