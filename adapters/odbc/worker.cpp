@@ -184,6 +184,8 @@ void Worker::Live(const std::shared_ptr<State>& state) noexcept {
       lock.unlock();
       state->workplace.statement.reset();
       lock.lock();
+      // What waited behind was reported as late: it must not run any more.
+      if (state->left_behind) break;
       continue;
     }
     if (state->jobs.empty()) break;

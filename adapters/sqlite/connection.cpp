@@ -162,6 +162,9 @@ void Connection::Configure(Durability durability) {
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+void Connection::Guard() {
   {
     Statement each =
         Prepare("SELECT name FROM sqlite_schema WHERE type = 'table' AND rootpage = 0");

@@ -89,6 +89,10 @@ class Connection {
   /// Runs statements of this server's own, without rows.
   void Run(const char* sql);
 
+  /// Lets statements reach only what they may. To be called when all functions are registered: this
+  /// reads the schema, and the engine checks its expressions' calls by the functions that it knows.
+  void Guard();
+
   /// A function of a running statement has handled `bytes` more. Functions call this as they go,
   /// since the engine asks for the time-out and for Cancel between its own steps only.
   /// Errors: as a statement that is stopped, 1013 or connection 24

@@ -252,23 +252,32 @@ void CreateView(Server& server, std::string_view statement) {
   engine.Prepare("SELECT * FROM " + QuotedName(name) + " LIMIT 0").RunToEnd();
 }
 
-/// Whether the token at `i` is part of what a function makes a text of, other than by a format that
-/// the statement names; `list` is where the index's columns start.
-bool BecomesText(std::string_view text, const TokenList& tokens, std::size_t list, std::size_t i) {
+/// Whether the session's date format decides on what `function` makes of a date, or of a text.
+bool DependsOnDateFormat(std::string_view function, bool is_date) {
+  if (!is_date) {
+    return IsOneOf(function, {"ADD_MONTHS", "LAST_DAY", "MONTHS_BETWEEN", "TRUNC", "ROUND"});
+  }
+  return IsOneOf(function,
+                 {"UPPER", "LOWER", "LENGTH", "SUBSTR", "INSTR", "REPLACE", "LPAD", "RPAD", "TRIM",
+                  "LTRIM", "RTRIM", "CONCAT", "CAST", "GREATEST", "LEAST", "SABREL_LIKE"});
+}
+
+/// Whether the date or text at `i` is part of an argument of such a function, other than within a
+/// TO_CHAR or TO_DATE, which names its format; `list` is where the index's columns start.
+bool IsReadByDateFormat(bool is_date, std::string_view text, const TokenList& tokens,
+                        std::size_t list, std::size_t i) {
   int depth = 0;
-  bool is_text = false;
+  bool is_argument = false;
   for (; i > list; --i) {
     const char symbol = tokens[i].kind == dialect::TokenKind::kSymbol ? tokens[i].symbol : '\0';
     if (symbol == ')') ++depth;
     if (symbol != '(' || --depth >= 0) continue;
     depth = 0;
-    if (IsWord(text, tokens[i - 1], "TO_CHAR")) return false;
     const std::string function = UpperCase(dialect::TextOf(text, tokens[i - 1]));
-    is_text =
-        is_text || IsOneOf(function, {"UPPER", "LOWER", "LENGTH", "SUBSTR", "INSTR", "REPLACE",
-                                      "LPAD", "RPAD", "TRIM", "LTRIM", "RTRIM", "CONCAT", "CAST"});
+    if (function == "TO_CHAR" || function == "TO_DATE") return false;
+    is_argument = is_argument || DependsOnDateFormat(function, is_date);
   }
-  return is_text;
+  return is_argument;
 }
 
 /// Refuses an index of texts that the session's date format decides on: another session's would
@@ -287,8 +296,12 @@ void RequireLastingTexts(Connection& engine, std::string_view text) {
                          tokens[i].kind == dialect::TokenKind::kQuotedName;
     if (!is_name) continue;
     const std::string column = dialect::ValueOfName(text, tokens[i]);
-    if (!IsDateType(engine.DeclaredType(table, column))) continue;
-    if (joins || BecomesText(text, tokens, name + 1, i)) {
+    const std::string declared = UpperCase(engine.DeclaredType(table, column));
+    const std::string_view type =
+        TrimBlanks(std::string_view(declared).substr(0, declared.find('(')));
+    if (type.empty() || IsNumberType(type)) continue;
+    const bool is_date = IsDateType(type);
+    if ((is_date && joins) || IsReadByDateFormat(is_date, text, tokens, name + 1, i)) {
       throw ServerFailure(
           1743, "only pure functions can be indexed: write TO_CHAR(" + column + ", format)");
     }

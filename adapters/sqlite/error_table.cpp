@@ -95,6 +95,9 @@ constexpr Row kRows[] = {
     {SQLITE_ERROR, "foreign key mismatch", 2270, "no matching unique or primary key"},
     {SQLITE_ERROR, "more than one primary key", 2260, "table can have only one primary key"},
     {SQLITE_ERROR, "ESCAPE expression must be", 1425, "escape character must be one character"},
+    {SQLITE_ERROR, "Cannot add a column with non-constant default", 900,
+     "an added column with a computed default, such as a date, is not supported: add it without "
+     "one, then UPDATE the rows"},
     {SQLITE_ERROR, "pattern too complex", 1460,
      "unreasonable conversion requested: a pattern of LIKE has at most 4000 bytes"},
     {SQLITE_ERROR, "integer overflow", 1426, "numeric overflow"},

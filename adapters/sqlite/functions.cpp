@@ -76,14 +76,13 @@ void Run(sqlite3_context* context, int count, sqlite3_value** values) {
     }
     std::vector<Value> arguments;
     arguments.reserve(static_cast<std::size_t>(count));
-    std::size_t bytes = kBytesOfACall;
+    binding.connection->Worked(kBytesOfACall);
     for (int i = 0; i < count; ++i) {
       Value& argument = arguments.emplace_back(ArgumentOf(values[i]));
-      bytes += argument.text.size();
+      binding.connection->Worked(argument.text.size());
       if (!binding.function.takes_texts || argument.kind != Value::Kind::kDate) continue;
       argument = TextValue(PlainTextOf(argument, binding.connection->DateFormat()));
     }
-    binding.connection->Worked(bytes);
     Answer(context, binding.function.run(arguments, binding.context));
   } catch (...) {
     binding.connection->Keep(std::current_exception());

@@ -141,6 +141,8 @@ Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_swi
   RegisterFunctions(connection_);
   RegisterServerFunctions(*this);
   Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);
+  const Operation opening(connection_, deadline);
+  connection_.Guard();
 }
 
 dialect::Rewritten Server::Compile(std::string_view statement) const {

@@ -214,8 +214,9 @@ class LikePattern {
             : character_ == "_" ? Kind::kAnyCharacter
                                 : Kind::kCharacter;
     if (escape_.empty() || character_ != escape_) return;
-    if (!rest_.empty()) Take();
-    if (character_ != "%" && character_ != "_" && character_ != escape_) {
+    const bool is_last = rest_.empty();
+    if (!is_last) Take();
+    if (is_last || (character_ != "%" && character_ != "_" && character_ != escape_)) {
       throw ServerFailure(1424, "missing or illegal character following the escape character");
     }
     kind_ = Kind::kCharacter;
@@ -247,6 +248,10 @@ Value Like(Arguments a, void* context) {
   using Kind = LikePattern::Kind;
   std::string_view rest(text);
   LikePattern at(pattern, escape);
+  // A wrong escape is refused whatever the text is.
+  if (!escape.empty()) {
+    for (LikePattern each = at; each.Here() != Kind::kEnd; each.Next()) continue;
+  }
   // Behind the last "%": the pattern, and the text that it does not take yet.
   std::optional<LikePattern> behind_any;
   std::string_view any_rest;

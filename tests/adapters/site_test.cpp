@@ -4,7 +4,9 @@
 
 #include <utility>
 
+#include "adapters/sqlite/server.h"
 #include "tests/adapters/sqlite_site.h"
+#include "tests/support/cut_off.h"
 
 namespace sabrel {
 namespace {
@@ -68,6 +70,18 @@ TEST(SampleSite, RoutinesHaveTheirEffectOnTheTables) {
     const std::string now = site.Ask("SELECT Ea_Last_Entity_Update() FROM DUAL");
     if (std::exchange(before, now) != now) outcome += " moved";
     EXPECT_EQ(outcome, expected) << step;
+  }
+}
+
+TEST(SampleSite, EachStatementCutOffAnywhereIsReadOrRefused) {
+  testing::TemporaryFolder folder;
+  testing::CopySampleSite(SiteRelease::kCurrent, folder.Path("sample.site"));
+  const sqlite::Server server(folder.Path("sample.site"), std::make_shared<sqlite::CancelSwitch>(),
+                              std::make_shared<sqlite::SessionState>(),
+                              sqlite::Durability::kEachCommit, {});
+  const auto compile = [&](std::string_view text) { (void)server.Compile(text); };
+  for (const std::string_view sql : SampleSiteStatements(SiteRelease::kCurrent)) {
+    testing::ReadCutOff(sql, compile);
   }
 }
 

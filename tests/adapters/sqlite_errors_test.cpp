@@ -52,6 +52,7 @@ TEST_F(SqliteErrors, EachFaultHasItsNativeNumber) {
       {"months beyond all years", 1841,
        "SELECT ADD_MONTHS(SYSDATE,-9223372036854775808) FROM DUAL"},
       {"character beyond 32 bits", 1428, "SELECT CHR(4294967361) FROM DUAL"},
+      {"escape at the end", 1424, "SELECT 1 FROM DUAL WHERE 'zz' LIKE 'a!' ESCAPE '!'"},
       {"escape before nothing special", 1424,
        "SELECT 1 FROM DUAL WHERE 'ab' LIKE 'a!b' ESCAPE '!'"},
       {"calls nested too deep", 36, "SELECT DEEPER(1) FROM DUAL"},

@@ -129,17 +129,20 @@ TEST_F(SqliteFunctions, ATableMadeOfAQueryHasTheTypesOfItsColumns) {
 }
 
 TEST_F(SqliteFunctions, TheFormatOfDatesBelongsToTheSession) {
-  Make({"CREATE TABLE T (N NUMBER, D DATE CHECK (LENGTH(D) = 19))",
-        "CREATE INDEX I ON T (TRUNC(D), TO_CHAR(D,'YYYY'), UPPER(N))",
-        "INSERT INTO T VALUES (1, '15-MAR-24')"});
+  Make(
+      {"CREATE TABLE T (N NUMBER, D DATE CHECK (LENGTH(D) = 19), M CHAR(1)"
+       " CHECK (INSTR(M,'a',1,2) = 0 AND M NOT LIKE '%!%' ESCAPE '#'))",
+       "CREATE INDEX I ON T (TRUNC(D), TO_CHAR(D,'YYYY'), UPPER(N))",
+       "INSERT INTO T VALUES (1, '15-MAR-24', 'm')"});
   Asking other(ProfileSet(ProfileOf(File()), {"", "", "DD.MM.YY"}));
   EXPECT_EQ(other.Ask("SELECT D || '', D FROM T"), "'15.03.24'|date 2024-03-15 00:00:00");
   constexpr std::tuple<const char*, const char*, const char*> kRows[] = {
-      {"too many values", "INSERT INTO T SELECT 1, '15-MAR-24', 3 FROM DUAL", "ORA-913"},
-      {"number", "INSERT INTO T VALUES (1, 15)", "ORA-932"},
+      {"too many values", "INSERT INTO T (N, D) SELECT 1, '15-MAR-24', 3 FROM DUAL", "ORA-913"},
+      {"number", "INSERT INTO T (N, D) VALUES (1, 15)", "ORA-932"},
       {"index of a text", "CREATE INDEX J ON T (TO_CHAR(D))", "ORA-1743"},
       {"index of a text function", "CREATE INDEX J ON T (N, SUBSTR(LAST_DAY(D), 1))", "ORA-1743"},
       {"index of texts put together", "CREATE UNIQUE INDEX J ON T (D || N)", "ORA-1743"},
+      {"index of a date and a text", "CREATE INDEX J ON T (GREATEST(D, '01-JAN-24'))", "ORA-1743"},
   };
   for (const auto& [name, sql, outcome] : kRows) EXPECT_EQ(Do(sql), outcome) << name;
   Asking invalid(ProfileSet(ProfileOf(File()), {"", "", "nonsense"}));

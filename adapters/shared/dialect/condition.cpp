@@ -156,8 +156,9 @@ void Rewriter::Pattern(const Operand& left, std::size_t operation, bool is_negat
   const PatternBeginning beginning = is_constant && !is_negated
                                          ? BeginningOf(ValueOfText(TextOf(sql_, Here())))
                                          : PatternBeginning();
-  const bool is_served =
-      !beginning.text.empty() && TypeOf(left) == Type::kColumn && Ahead(1).word != Word::kEscape;
+  // A rule of a table looks at one row: no index serves it.
+  const bool is_served = compares_ && !beginning.text.empty() && TypeOf(left) == Type::kColumn &&
+                         Ahead(1).word != Word::kEscape;
   if (is_served) lift_ = Lift::kNever;
   const bool is_parameter = Here().kind == TokenKind::kParameter && TypeOf(left) == Type::kColumn;
   (void)Sum();
@@ -169,14 +170,14 @@ void Rewriter::Pattern(const Operand& left, std::size_t operation, bool is_negat
     edits_.AppendBehind(at_ - 1, traits_.pattern_end);
   }
   lift_ = lift;
-  if (function.empty() || !compares_) return;
+  if (function.empty()) return;
   if (is_served && beginning.is_all) return;
   if (is_parameter && first + 1 == at_) return;
   is_renamed_ = true;
   if (is_served && edits_.AreUnchanged(left.first, left.last)) {
     const std::string column(
         sql_.substr(tokens_[left.first].begin, tokens_[left.last].end - tokens_[left.first].begin));
-    const std::string pattern(TextOf(sql_, tokens_[first]));
+    const std::string pattern = TextConstant(ValueOfText(TextOf(sql_, tokens_[first])));
     edits_.Replace(first, TextConstant(beginning.text + "%") + " AND " + std::string(function) +
                               "(" + column + "," + pattern + ")");
     edits_.Wrap(left.first, first, "");
