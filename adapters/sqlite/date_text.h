@@ -18,7 +18,7 @@ inline constexpr std::string_view kDefaultDateFormat = "DD-MON-RR";
 void RequireDateFormat(std::string_view format);
 
 /// Errors (ServerFailure): 1861, 1830, 1840, 1843, 1847, 1839, 1841, 1849 to 1852, 1855, 1858, and
-/// 1821 for the format
+/// 1820 and 1821 for the format
 [[nodiscard]] std::string ParseMoment(std::string_view text, std::string_view format);
 /// Errors (ServerFailure): 1821 for the format
 [[nodiscard]] std::string FormatMoment(std::string_view moment, std::string_view format);
