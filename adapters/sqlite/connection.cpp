@@ -42,8 +42,10 @@ void RequireFile(const std::string& path) {
   }
 }
 
+}  // namespace
+
 /// What the engine keeps beside an open file.
-class Journal {
+class Connection::Journal {
  public:
   explicit Journal(const std::string& path)
       : log_(path + "-wal"),
@@ -63,8 +65,6 @@ class Journal {
   std::string index_;
   bool was_there_;
 };
-
-}  // namespace
 
 void CancelSwitch::Add(Connection& connection) {
   const std::scoped_lock lock(mutex_);
@@ -91,24 +91,30 @@ void Connection::Closer::operator()(sqlite3_stmt* handle) const noexcept {
 }
 
 Connection::Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-                       Durability durability, Deadline deadline)
+                       Deadline deadline)
     : path_(path), cancel_switch_(std::move(cancel_switch)), registration_(*cancel_switch_, *this) {
   RequireFile(path_);
-  const Journal journal(path_);
+  journal_ = std::make_unique<const Journal>(path_);
   try {
     Open();
     const Operation opening(*this, deadline);
-    Configure(durability);
+    RequireSite();
   } catch (...) {
-    kept_by_text_.clear();
-    kept_.clear();
-    handle_.reset();
-    journal.RemoveIfNewAndEmpty();
+    Abandon();
     throw;
   }
 }
 
-Connection::~Connection() = default;
+Connection::~Connection() {
+  if (journal_ != nullptr) Abandon();
+}
+
+void Connection::Abandon() noexcept {
+  kept_by_text_.clear();
+  kept_.clear();
+  handle_.reset();
+  journal_->RemoveIfNewAndEmpty();
+}
 
 void Connection::Open() {
   sqlite3* handle = nullptr;
@@ -142,15 +148,16 @@ void Connection::StopWatching() noexcept {
   sqlite3_progress_handler(Handle(), 0, nullptr, nullptr);
 }
 
-void Connection::Configure(Durability durability) {
-  // Reading before anything is set: what is no site must not be written to, nor get a journal
-  // beside it.
-  {
-    Statement mark = Prepare("PRAGMA application_id");
-    if (!mark.Step() || mark.Column(0).integer != kSiteMark) {
-      throw ServerFailure(1157, "the file " + path_ + " is not a site of this server");
-    }
+// Reading before anything is set: what is no site must not be written to, nor get a journal beside
+// it.
+void Connection::RequireSite() {
+  Statement mark = Prepare("PRAGMA application_id");
+  if (!mark.Step() || mark.Column(0).integer != kSiteMark) {
+    throw ServerFailure(1157, "the file " + path_ + " is not a site of this server");
   }
+}
+
+void Connection::Configure(Durability durability) {
   Run("PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON; PRAGMA case_sensitive_like=ON;"
       "PRAGMA recursive_triggers=ON; PRAGMA trusted_schema=ON;"
       "PRAGMA journal_size_limit=67108864");
@@ -162,15 +169,13 @@ void Connection::Configure(Durability durability) {
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_db_config(Handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-}
-
-void Connection::Guard() {
   {
     Statement each =
         Prepare("SELECT name FROM sqlite_schema WHERE type = 'table' AND rootpage = 0");
     while (each.Step()) virtual_tables_.push_back(each.Column(0).text);
   }
   GuardStatements(*this);
+  journal_.reset();
 }
 
 bool Connection::HasFunction(std::string_view upper_name) const noexcept {

@@ -73,7 +73,7 @@ class Connection {
   /// Opens the existing file `path` as a site; waits for the file's lock until `deadline`.
   /// Errors: ServerFailure naming file and reason; connection 24
   Connection(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
-             Durability durability, Deadline deadline);
+             Deadline deadline);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -89,9 +89,10 @@ class Connection {
   /// Runs statements of this server's own, without rows.
   void Run(const char* sql);
 
-  /// Lets statements reach only what they may. To be called when all functions are registered: this
-  /// reads the schema, and the engine checks its expressions' calls by the functions that it knows.
-  void Guard();
+  /// Sets what statements rely on, and what they may reach. To be called when all functions are
+  /// registered: this reads the schema, and the engine checks the calls in its expressions by the
+  /// functions that it knows then.
+  void Configure(Durability durability);
 
   /// A function of a running statement has handled `bytes` more. Functions call this as they go,
   /// since the engine asks for the time-out and for Cancel between its own steps only.
@@ -148,8 +149,11 @@ class Connection {
     void operator()(sqlite3_stmt* handle) const noexcept;
   };
 
+  class Journal;
   void Open();
-  void Configure(Durability durability);
+  void RequireSite();
+  /// Closes what could not be opened as a site.
+  void Abandon() noexcept;
   /// Makes the engine ask MustStop while a statement runs.
   void WatchStatements() noexcept;
   void StopWatching() noexcept;
@@ -166,6 +170,7 @@ class Connection {
   };
   std::string path_;
   std::shared_ptr<CancelSwitch> cancel_switch_;
+  std::unique_ptr<const Journal> journal_;  // until the connection is configured
   std::unique_ptr<sqlite3, Closer> handle_;
   const std::string* date_format_ = nullptr;
   std::list<Kept> kept_;  // last used first

@@ -133,7 +133,7 @@ dialect::Engine::CallOpening SqliteDialect::RoutineCall(std::string_view name) c
 
 Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_switch,
                std::shared_ptr<SessionState> session, Durability durability, Deadline deadline)
-    : connection_(path, std::move(cancel_switch), durability, deadline),
+    : connection_(path, std::move(cancel_switch), deadline),
       session_(std::move(session)),
       routines_(*this),
       dialect_(routines_, connection_) {
@@ -142,7 +142,7 @@ Server::Server(const std::string& path, std::shared_ptr<CancelSwitch> cancel_swi
   RegisterServerFunctions(*this);
   Register(connection_, {"sabrel_arguments", 0, -1, false, TakeArguments}, this);
   const Operation opening(connection_, deadline);
-  connection_.Guard();
+  connection_.Configure(durability);
 }
 
 dialect::Rewritten Server::Compile(std::string_view statement) const {

@@ -50,13 +50,15 @@ class Client {
       : proxy(profile.Port) {
     profile.Port = proxy.Port();
     profile.ConnectTimeout = connect_seconds;
-    profile.ReceiveTimeout = receive_seconds;
+    // The smaller of a profile's and a request's time-out holds.
+    profile.ReceiveTimeout = kEnoughSeconds;
+    limit_s = receive_seconds;
     rowlink = MakeOdbcRowlink(ProfileSet(profile));
   }
   /// `seconds`: 0 is the client's own limit.
   [[nodiscard]] std::shared_ptr<Recordset> Open(const char* sql, std::int32_t seconds = 0) const {
     const auto rows = rowlink->MakeRecordset();
-    rows->Open(sql, "", 0, "", "", seconds);
+    rows->Open(sql, "", 0, "", "", seconds == 0 ? limit_s : seconds);
     return rows;
   }
   [[nodiscard]] std::string Ask(const char* sql, std::int32_t seconds = 0) const {
@@ -76,6 +78,7 @@ class Client {
   }
 
   FaultProxy proxy;
+  std::int32_t limit_s = 0;
   std::shared_ptr<Rowlink> rowlink;
   /// When the call began that is to fail.
   Clock::time_point start = Clock::now();

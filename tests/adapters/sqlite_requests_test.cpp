@@ -113,8 +113,7 @@ TEST_F(SqliteRequests, ATimeOutAndCancelReachIntoFunctionsAndPatterns) {
 
 TEST_F(SqliteRequests, ATimeOutComesBeforeATransactionEndsOrNotAtAll) {
   using sqlite::Transaction;
-  sqlite::Connection engine(File(), std::make_shared<sqlite::CancelSwitch>(),
-                            sqlite::Durability::kAtTheEnd, std::nullopt);
+  sqlite::Connection engine(File(), std::make_shared<sqlite::CancelSwitch>(), std::nullopt);
   const sqlite::Operation late(engine, std::chrono::steady_clock::now());
   // As many as the engine runs before it asks whether to stop.
   for (int i = 0; i < 2000; ++i) {
@@ -178,8 +177,7 @@ TEST_F(SqliteRequests, AKilledWriterLeavesASoundFileWithWholeTransactions) {
     ::kill(child, SIGKILL);
     EXPECT_EQ(ResultOf(child), -1);
     EXPECT_EQ(Ask("SELECT MOD(COUNT(*), 2) FROM T"), "0");
-    sqlite::Connection file(File(), std::make_shared<sqlite::CancelSwitch>(),
-                            sqlite::Durability::kEachCommit, std::nullopt);
+    sqlite::Connection file(File(), std::make_shared<sqlite::CancelSwitch>(), std::nullopt);
     sqlite::Statement check = file.Prepare("PRAGMA integrity_check");
     ASSERT_TRUE(check.Step());
     ASSERT_EQ(check.Column(0).text, "ok");
