@@ -37,9 +37,15 @@ ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles) {
   for (const ConnectionProfile& profile : profiles.All()) {
     if (profile.Database.empty() || !EqualIgnoringCase(profile.Driver, "sqlite")) continue;
     inputs.Add(profile.Database, "the session's site");
-    for (const char* suffix : {"-wal", "-shm", "-journal"}) {
-      inputs.Add(profile.Database + suffix, "part of the session's site");
+    // Beside the file that a link leads to, and beside the link where that comes to be a file.
+    for (const std::string& site : {profile.Database, ResolvedPath(profile.Database).string()}) {
+      for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+        inputs.Add(site + suffix, "part of the session's site");
+      }
     }
+  }
+  for (const SectionSettings& section : profiles.Sections()) {
+    inputs.Add(section.SslRootCert, "a certificate of the profile file");
   }
   inputs.Add(options.profile_file, "the profile file");
   inputs.Add(options.registry, "the registry file");

@@ -49,7 +49,6 @@ class EntryLog::Destination {
  public:
   Destination(const EntryLogOptions& options, TerminalOutput& terminal)
       : options_(options), terminal_(terminal), formatter_(EntryFormatter()) {
-    options_.access = AccessBeside(options_.path, options_.access);
     if (!options_.path.empty()) Open();
   }
 
@@ -91,6 +90,8 @@ class EntryLog::Destination {
   void Open() {
     std::error_code ignored;  // Opening the file tells.
     std::filesystem::create_directories(options_.path.parent_path(), ignored);
+    // A new folder has the bit of the one it was made in.
+    options_.access = AccessBeside(ResolvedPath(options_.path), options_.access);
     file_ = Opened(options_.path);
     if (!file_.IsOwnFile()) return;
     RequireOwnFilesAside();

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fstream>
@@ -27,16 +28,6 @@ bool IsSame(const struct stat& a, const struct stat& b) {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-// Where `path` leads, also when nothing is there yet, and links lead to nothing.
-fs::path Destination(fs::path path) {
-  std::error_code failed;
-  for (int links = 0; links < kMostLinks && fs::is_symlink(path, failed); ++links) {
-    path = path.parent_path() / fs::read_symlink(path, failed);
-  }
-  fs::path whole = fs::weakly_canonical(fs::absolute(path, failed), failed);
-  return failed ? path : whole;
-}
-
 [[noreturn]] void RefuseReserved(const std::string& output, const std::string& what) {
   throw RuntimeError(RuntimeErrorNumber::kAccessFailure,
                      output + " is " + what + " too, which stays as it is; name another file");
@@ -49,7 +40,7 @@ int OpenOrCreate(const fs::path& path, FileAccess access, bool& is_new) {
     int descriptor = ::open(path.c_str(), kFlags);
     if (descriptor >= 0 || errno != ENOENT) return descriptor;
     descriptor =
-        ::open(Destination(path).c_str(), kFlags | O_CREAT | O_EXCL, ModeOf(FileAccess::kOwner));
+        ::open(ResolvedPath(path).c_str(), kFlags | O_CREAT | O_EXCL, ModeOf(FileAccess::kOwner));
     is_new = descriptor >= 0;
     if (is_new && !WidenTo(access, descriptor)) {
       const int reason = errno;
@@ -84,15 +75,26 @@ std::string FirstLine(std::istream& file) {
 
 }  // namespace
 
+fs::path ResolvedPath(fs::path path) {
+  std::error_code failed;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(path, failed); ++links) {
+    path = path.parent_path() / fs::read_symlink(path, failed);
+  }
+  fs::path whole = fs::weakly_canonical(fs::absolute(path, failed), failed);
+  return failed ? path : whole;
+}
+
 void ReservedFiles::Add(const fs::path& path, std::string what) {
-  if (!path.empty()) files_.emplace_back(path, std::move(what));
+  if (path.empty()) return;
+  const bool is_known = std::ranges::any_of(files_, [&](const auto& f) { return f.first == path; });
+  if (!is_known) files_.emplace_back(path, std::move(what));
 }
 
 void ReservedFiles::RequireOther(const fs::path& path, const std::string& output) const {
   struct stat facts {};
   if (::stat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode)) return;
   for (const auto& [other, what] : files_) {
-    if (Destination(other) == Destination(path)) RefuseReserved(output, what);
+    if (ResolvedPath(other) == ResolvedPath(path)) RefuseReserved(output, what);
   }
 }
 

@@ -22,10 +22,15 @@ struct stat;
 
 namespace sabrel {
 
+/// Where `path` leads, in full: also when nothing is there yet, and when links lead to nothing.
+/// Errors: none; what the system cannot resolve stays as it is
+[[nodiscard]] std::filesystem::path ResolvedPath(std::filesystem::path path);
+
 /// Files that an output must not be.
 class ReservedFiles {
  public:
-  /// `what` says what the file is, "the profile file"; it need not exist. Empty paths are ignored.
+  /// `what` says what the file is, "the profile file"; it need not exist. Empty paths are ignored,
+  /// and those that were added before.
   void Add(const std::filesystem::path& path, std::string what);
   /// Before a file is created: refuses `path` when it leads where one of them is or would be,
   /// however it is spelled. What is there and no file - a terminal, /dev/null - is shared freely.

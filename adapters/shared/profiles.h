@@ -48,6 +48,8 @@ class ProfileSet {
   void ReceiveTimeout(std::int32_t seconds);
   [[nodiscard]] const ConnectionProfile& Session() const noexcept { return profiles_[session_]; }
   [[nodiscard]] const std::vector<ConnectionProfile>& All() const noexcept { return profiles_; }
+  /// Of each of All(), in its order.
+  [[nodiscard]] const std::vector<SectionSettings>& Sections() const noexcept { return sections_; }
 
   /// Empty host: the session's profile. Host (and port, when given) choose the profile with that
   /// address, and with that user when one is given; without one, the session's profile gets the
