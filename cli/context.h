@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "adapters/console/console_services.h"
@@ -105,6 +106,8 @@ class Context {
 
   /// What no file that a command writes may be: what this run reads, and its record and log.
   [[nodiscard]] const ReservedFiles& Reserved() const noexcept { return reserved_; }
+  /// One more for later commands, see ReservedFiles::Add.
+  void Reserve(const std::string& path, std::string what) { reserved_.Add(path, std::move(what)); }
 
   [[nodiscard]] Output& Out() noexcept { return out_; }
   [[nodiscard]] Interrupts& Signals() noexcept { return interrupts_; }

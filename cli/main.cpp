@@ -13,6 +13,7 @@
 
 #include "cli/commands/commands.h"
 #include "cli/context.h"
+#include "sabrel/platform/runtime_error.h"
 
 namespace sabrel::cli {
 namespace {
@@ -95,17 +96,6 @@ void AddOptions(CLI::App& app, Options& options) {
                "set-group-ID bit (default: the owner only)");
 }
 
-// The files that the command reads or makes; the global options' are known anyhow.
-void CollectFiles(const CLI::App& parser, std::vector<std::string>& files) {
-  for (const CLI::App* command : parser.get_subcommands()) {
-    for (const char* name : {"FILE", "--password-file"}) {
-      const CLI::Option* option = command->get_option_no_throw(name);
-      if (option != nullptr && option->count() > 0) files.push_back(option->as<std::string>());
-    }
-    CollectFiles(*command, files);
-  }
-}
-
 // A site of the environment is a default only: a profile file takes its place.
 void ReadEnvironment(Options& options) {
   const char* site = std::getenv("SABREL_SITE");
@@ -141,25 +131,26 @@ int RunProgram(int argc, char** argv) {
   try {
     if (const auto ended = Parse(app, context, argc, argv)) return *ended;
     ReadEnvironment(context.options);
-    CollectFiles(app, context.options.inputs);
+    context.options.inputs = FilesOf(app, {"FILE", "--password-file"});
     if (context.command_timeout_s) context.options.timeout_s = context.command_timeout_s;
     status = context.session ? context.session(context) : context.Run(context.action);
     context.RequireCompleteRecord();
   } catch (const OutputClosed&) {
     return kOutputClosed;
-  } catch (const std::exception& failure) {
-    context.Note("sabrel: " + std::string(failure.what()));
+  } catch (...) {
+    context.Note("sabrel: " + CurrentFailure().Description());
     return kFailed;
   }
   return status;
 }
 
 // A closed descriptor would become the program's next file or pipe, and what goes to and comes from
-// the caller would land there. Standard output is held for reading, so that writing still fails.
+// the caller would land there. Standard input is held for writing and standard output for reading,
+// so that their use still fails.
 bool HoldStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
-    const int mode = descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY;
+    const int mode = descriptor == STDOUT_FILENO ? O_RDONLY : O_WRONLY;
     if (::open("/dev/null", mode) != descriptor) return false;
   }
   return true;
@@ -174,8 +165,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   try {
     return sabrel::cli::RunProgram(argc, argv);
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "sabrel: %s\n", failure.what());
+  } catch (...) {
+    std::fprintf(stderr, "sabrel: %s\n", sabrel::CurrentFailure().Description().c_str());
     return sabrel::cli::kFailed;
   }
 }

@@ -127,7 +127,7 @@ std::string ReadText(Context& context, const std::string& path) {
     if (context.session) {
       throw UsageError("Inside the shell a text comes from a file: standard input has its lines");
     }
-    text = ReadAll(context, STDIN_FILENO, "Standard input");
+    text = ReadAll(context, STDIN_FILENO, "Standard input cannot be read");
   } else {
     const std::string what = "The file " + path;
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC), what);

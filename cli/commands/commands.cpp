@@ -1,6 +1,7 @@
 #include "cli/commands/commands.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "adapters/console/terminal.h"
@@ -12,15 +13,27 @@ namespace {
 // Stands in front of words that the parser must not take for options.
 constexpr char kValueMark = '\x01';
 
-void TakeMarksOff(CLI::App& parser) {
+// The parser itself takes 0x10 for 16 and 010 for 8.
+std::string DecimalNumber(const std::string& word) {
+  const std::string sign = word.starts_with('-') ? "-" : "";
+  const std::string digits = word.substr(sign.size());
+  if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos) {
+    throw CLI::ValidationError("'" + VisibleText(word, " ") +
+                               "' is no whole number; write it in decimal digits");
+  }
+  return sign + digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1));
+}
+
+void PrepareWords(CLI::App& parser) {
   for (CLI::Option* option : parser.get_options()) {
     if (option->get_items_expected_max() == 0) continue;
-    option->transform([](std::string word) {
+    const bool is_whole_number = option->get_type_name().starts_with("INT");
+    option->transform([is_whole_number](std::string word) {
       if (word.starts_with(kValueMark)) word.erase(0, 1);
-      return word;
+      return is_whole_number ? DecimalNumber(word) : word;
     });
   }
-  for (CLI::App* command : parser.get_subcommands({})) TakeMarksOff(*command);
+  for (CLI::App* command : parser.get_subcommands({})) PrepareWords(*command);
 }
 
 // The parser's own words for a missing command do not say that one was misspelt.
@@ -52,7 +65,7 @@ const CLI::Validator& QuotableName() {
 }
 
 void ParseWords(CLI::App& parser, std::vector<std::string> words) {
-  TakeMarksOff(parser);
+  PrepareWords(parser);
   const auto mark = std::ranges::find(words, "--");
   for (auto word = words.begin(); word != words.end(); ++word) {
     const bool is_value = word > mark || IsNegativeNumber(*word) || word->starts_with(kValueMark);
@@ -74,6 +87,18 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
   if (!examples.empty()) command->footer("Examples:\n" + examples);
   command->callback([&context, action = std::move(action)] { context.action = action; });
   return *command;
+}
+
+std::vector<std::string> FilesOf(const CLI::App& parser, std::initializer_list<const char*> names) {
+  std::vector<std::string> files;
+  for (const CLI::App* command : parser.get_subcommands()) {
+    for (const char* name : names) {
+      const CLI::Option* option = command->get_option_no_throw(name);
+      if (option != nullptr && option->count() > 0) files.push_back(option->as<std::string>());
+    }
+    std::ranges::move(FilesOf(*command, names), std::back_inserter(files));
+  }
+  return files;
 }
 
 void AddSessionCommands(CLI::App& parent, Context& context) {

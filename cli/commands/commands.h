@@ -6,6 +6,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,12 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const std::string& name
 [[nodiscard]] const CLI::Validator& QuotableName();
 
 /// Parses `words`. A negative number, and whatever stands behind `--`, is a value and never an
-/// option. Errors: CLI::ParseError
+/// option; whole numbers are decimal. Errors: CLI::ParseError
 void ParseWords(CLI::App& parser, std::vector<std::string> words);
+
+/// The files that the parsed commands have under these names of arguments.
+[[nodiscard]] std::vector<std::string> FilesOf(const CLI::App& parser,
+                                               std::initializer_list<const char*> names);
 
 void AddCompatibilityCommands(CLI::App& parent, Context& context);
 void AddConversionCommand(CLI::App& parent, Context& context);

@@ -18,7 +18,6 @@ namespace {
 // Editors of some systems put it at the beginning of a file.
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
-// Understood in any case.
 constexpr std::array<std::string_view, 7> kShellWords = {"exit",   "quit",  "help",   "-h",
                                                          "format", "query", "request"};
 
@@ -82,7 +81,7 @@ class Shell {
     }
     if (DropUnfinished()) {
       Take(kWrongUsage);
-      return status_;
+      return reader_->IsInteractive() ? kWrongUsage : status_;
     }
     return reader_->IsInteractive() ? kDone : status_;
   }
@@ -196,18 +195,32 @@ class Shell {
   }
 
   [[nodiscard]] bool IsCommand(const std::string& word) const {
-    return std::ranges::find(commands_, word) != commands_.end() ||
-           std::ranges::find(kShellWords, LowerCase(word)) != kShellWords.end();
+    const std::string command = LowerCase(word);
+    return std::ranges::find(commands_, command) != commands_.end() ||
+           std::ranges::find(kShellWords, command) != kShellWords.end();
+  }
+
+  static bool IsLeaving(std::string_view command) { return command == "exit" || command == "quit"; }
+
+  // Nothing but ; and comments.
+  static bool EndsAfter(std::string_view rest) {
+    while (true) {
+      const dialect::Token next = dialect::Lexer(rest).Scan();
+      if (next.kind == dialect::TokenKind::kEnd) return true;
+      rest.remove_prefix(next.begin);
+      if (rest.front() != ';') return false;
+      rest.remove_prefix(1);
+    }
   }
 
   Beginning StartCommand(const std::string& word, std::string_view& line) {
     const std::string_view rest = Trimmed(line.substr(word.size()));
-    if (rest.starts_with(';') && line[word.size()] == ';') {
+    const std::string command = LowerCase(word);
+    if (rest.starts_with(';') && line[word.size()] == ';' && !IsLeaving(command)) {
       line.remove_prefix(word.size() + 1);
       RunCommandLine(word);
       return Beginning::kAgain;
     }
-    const std::string command = LowerCase(word);
     // No statement starts with a quote or an option.
     const bool has_words = rest.starts_with('"') || rest.starts_with('\'') || rest == "-h" ||
                            (rest.size() > 2 && rest.starts_with("--") && rest[2] != ' ');
@@ -229,7 +242,7 @@ class Shell {
     }
     const std::string word(WordOf(line));
     const std::string command = LowerCase(word);
-    if (command == "exit" || command == "quit") {
+    if (IsLeaving(command) && EndsAfter(std::string_view(line).substr(word.size()))) {
       left_ = true;
       return;
     }
@@ -252,25 +265,34 @@ class Shell {
       context_.Out().Write(Help(context_));
       return kDone;
     }
+    if (IsLeaving(command)) {
+      throw UsageError("Nothing may follow '" + word + "': it ends the session");
+    }
     if (command == "format") return SetFormat(rest);
     CLI::App parser("One line of the shell", "");
     parser.require_subcommand(1);
     AddSessionCommands(parser, context_);
     context_.action = nullptr;
     context_.command_timeout_s.reset();
-    const auto is_meant = [&word](const CLI::App* known) { return known->get_name() == word; };
+    const auto is_meant = [&](const CLI::App* known) { return known->get_name() == command; };
     if (parser.get_subcommands(is_meant).empty()) {
       throw UsageError("There is no command '" + word +
                        "' (`help` tells what there is; to send SQL, write `query` or `request` "
                        "before it)");
     }
     try {
-      ParseWords(parser, SplitWords(line));
+      std::vector<std::string> words = SplitWords(line);
+      words.front() = LowerCase(words.front());
+      ParseWords(parser, std::move(words));
     } catch (const CLI::CallForHelp&) {
       context_.Out().Write(parser.get_subcommands().front()->help());
       return kDone;
     } catch (const CLI::ParseError& wrong) {
       throw UsageError(std::string(wrong.what()) + " (`help` tells what there is)");
+    }
+    // Later lines may write files: a text that was read they may replace, a password they may not.
+    for (const std::string& file : FilesOf(parser, {"--password-file"})) {
+      context_.Reserve(file, "a password file of this session");
     }
     return context_.action(context_);
   }

@@ -31,7 +31,10 @@ class OutputFiles : public CommandLine {
 };
 
 TEST_F(OutputFiles, ReplaceNothingThatIsReadOrForeign) {
-  folder_.Write("servers", "[a]\nDriver = sqlite\nDatabase = @/plant.site\n");
+  folder_.Write("servers",
+                "[a]\nDriver = sqlite\nDatabase = @/plant.site\n[b]\nDriver = PostgreSQL\n"
+                "Host = b\nDatabase = b\nSslMode = verify-full\nSslRootCert = @/ca\n");
+  folder_.Write("ca", "certificate\n");
   folder_.Write("settings", "REGEDIT4\n");
   folder_.Write("password", "secret\n");
   folder_.Write("lines", "now\n");
@@ -53,6 +56,9 @@ TEST_F(OutputFiles, ReplaceNothingThatIsReadOrForeign) {
       {"symbolic link", "soft", "now", "site too"},
       {"hard link", "hard", "now", "site too"},
       {"journal to come", "plant.site-wal", "now", "part of the session's site"},
+      {"journal behind a link", "plant.site-wal", "--site @/soft now",
+       "part of the session's site"},
+      {"certificate", "ca", "--profile @/servers now", "certificate of the profile file"},
       {"site of a profile", "plant.site", "--profile @/servers now", "site too"},
       {"profiles", "servers", "--profile @/servers now", "profile file"},
       {"registry", "settings", "--registry @/settings login", "registry file"},
@@ -81,6 +87,10 @@ TEST_F(OutputFiles, ReplaceNothingThatIsReadOrForeign) {
       {"text over a link", "text load 5 --file @/hard --replace", 4, "", "site too"},
       {"text over the log", "--log @/a.log text load 5 --file @/a.log --replace", 4, "", "log too"},
   });
+  const std::string lines =
+      "query --password-file @/password 'SELECT 1 FROM DUAL'\n"
+      "text load 5 --file @/password --replace\n";
+  EXPECT_THAT(Run("shell", folder_.Filled(lines)).err, HasSubstr("password file of this session"));
   auto after = Contents();
   for (const char* grown : {"a.log", "b.log", "notes.log"}) {
     before.erase(grown);
@@ -99,6 +109,9 @@ TEST_F(OutputFiles, AreTheOwnersUnlessAGroupWasAskedFor) {
   fs::create_symlink("target", folder_.Filled("@/link"));
   EXPECT_EQ(Run("--log @/log --record @/record site create @/new").status, 0);
   EXPECT_EQ(Run("--log @/link --record @/group/record site create @/group/new").status, 0);
+  fs::create_symlink("group/target.log", folder_.Filled("@/into"));
+  EXPECT_EQ(Run("--log @/into now").status, 0);
+  EXPECT_EQ(Run("--log @/group/deep/log now").status, 0);
   ::umask(022);
   EXPECT_EQ(Run("--shared --log @/shared.log site create @/shared").status, 0);
   EXPECT_EQ(Run("--log @/group/log now --site @/group/new").status, 0);
@@ -106,7 +119,8 @@ TEST_F(OutputFiles, AreTheOwnersUnlessAGroupWasAskedFor) {
   for (const auto& [name, mode] :
        {std::pair("log", "600"), std::pair("record", "600"), std::pair("new", "600"),
         std::pair("target", "600"), std::pair("group/new", "660"), std::pair("group/log", "660"),
-        std::pair("group/record", "600"), std::pair("shared", "660"),
+        std::pair("group/record", "600"), std::pair("group/target.log", "660"),
+        std::pair("group/deep/log", "660"), std::pair("shared", "660"),
         std::pair("shared.log", "660")}) {
     EXPECT_EQ(Mode(name), mode) << name;
   }
