@@ -78,6 +78,7 @@ std::shared_ptr<AttentiveServices> Context::OpenOutputs(const ReservedFiles& inp
   ConsoleServicesOptions console;
   console.answer = options.answer;
   console.trace = options.trace;
+  console.wait_for_answer = [this](int input) { return interrupts_.WaitForInput(input); };
   console.log.path = options.log;
   console.log.access = options.shared ? FileAccess::kGroup : FileAccess::kOwner;
   console.log.reserved = inputs;
@@ -96,7 +97,8 @@ std::shared_ptr<AttentiveServices> Context::OpenOutputs(const ReservedFiles& inp
     }
     conversation_ = std::make_shared<ConversationLog>(std::move(conversation));
   }
-  return std::make_shared<AttentiveServices>(std::move(services), [this] { StopProgress(); });
+  return std::make_shared<AttentiveServices>(
+      std::move(services), [this] { StopProgress(); }, [this] { return interrupts_.Cancelled(); });
 }
 
 void Context::RequireServer() const {
@@ -131,7 +133,7 @@ int Context::Run(const Action& run_action) {
   }
   progress_.reset();
   if (!interrupts_.Cancelled()) return status;
-  if (status > kFalse) {
+  if (status > kFalse || (services_ && services_->WasQuestionCutOff())) {
     PutError("Cancelled.");
     status = interrupts_.Ending() ? kTerminated : kCancelled;
   }
@@ -143,6 +145,10 @@ int Context::Attempt(const Action& run_action) {
   progress_ = std::make_unique<Progress>();
   const int status = run_action(*this);
   progress_.reset();
+  if (services_->WasQuestionCutOff()) {  // What follows from the answer "No" was not asked for.
+    out_.Drop();
+    throw OutputCancelled();
+  }
   out_.Flush();
   const auto failure = GSabrel::SabrelErrorObject();
   return failure->Number() == 0 ? status : Report(*failure);

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -22,13 +23,24 @@ constexpr int kPatience = 3;
 constexpr int kAskAgain_ms = 50;
 constexpr char kStopListening = 0;
 
-// Written to by the signal handler, which may do no more than that.
+// What the signal handler touches. It sets the flags itself: the system call that it interrupts
+// returns right afterwards, before the listener has run.
+std::atomic<bool> g_cancelled = false;
+std::atomic<bool> g_ending = false;
+std::atomic<int> g_impatience = 0;
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 std::array<int, 2> g_pipe = {-1, -1};
+int g_wake_up = -1;
 
 void PassOn(int signal) {
   const int saved_errno = errno;
+  const bool ends = signal != SIGINT;
+  (ends ? g_ending : g_cancelled) = true;
+  if (++g_impatience >= kPatience) ::_exit(ends ? kTerminated : kCancelled);
   const auto byte = static_cast<char>(signal);
-  [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], &byte, 1);
+  [[maybe_unused]] ssize_t written = ::write(g_pipe[1], &byte, 1);
+  const std::uint64_t one = 1;
+  written = ::write(g_wake_up, &one, sizeof one);
   errno = saved_errno;
 }
 
@@ -45,8 +57,9 @@ void Take(int signal) {
 
 }  // namespace
 
-Interrupts::Interrupts() : wake_up_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (wake_up_ < 0 || ::pipe2(g_pipe.data(), O_CLOEXEC) != 0) {
+Interrupts::Interrupts() {
+  g_wake_up = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  if (g_wake_up < 0 || ::pipe2(g_pipe.data(), O_CLOEXEC) != 0) {
     throw AccessFailure("Signals cannot be waited for", errno);
   }
   // The listener must not take the signals itself: they are to interrupt the thread that works.
@@ -63,7 +76,6 @@ Interrupts::Interrupts() : wake_up_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
 Interrupts::~Interrupts() {
   [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], &kStopListening, 1);
   listener_.join();
-  ::close(wake_up_);
 }
 
 void Interrupts::Watch(std::shared_ptr<Rowlink> rowlink) {
@@ -71,21 +83,25 @@ void Interrupts::Watch(std::shared_ptr<Rowlink> rowlink) {
   rowlink_ = std::move(rowlink);
 }
 
+bool Interrupts::Cancelled() const noexcept { return g_cancelled || g_ending; }
+
+bool Interrupts::Ending() const noexcept { return g_ending; }
+
 void Interrupts::StartCommand() {
   const std::lock_guard lock(mutex_);
-  cancelled_ = false;
-  impatience_ = 0;
+  g_cancelled = false;
+  g_impatience = 0;
   DropWakeUp();
 }
 
 void Interrupts::DropWakeUp() const {
   std::uint64_t ignored = 0;
-  [[maybe_unused]] const ssize_t got = ::read(wake_up_, &ignored, sizeof ignored);
+  [[maybe_unused]] const ssize_t got = ::read(g_wake_up, &ignored, sizeof ignored);
 }
 
 bool Interrupts::WaitForInput(int descriptor, int other) {
   std::array<pollfd, 3> sources = {
-      {{wake_up_, POLLIN, 0}, {descriptor, POLLIN, 0}, {other, POLLIN, 0}}};
+      {{g_wake_up, POLLIN, 0}, {descriptor, POLLIN, 0}, {other, POLLIN, 0}}};
   while (!Cancelled()) {
     if (::poll(sources.data(), sources.size(), -1) < 0) {
       if (errno != EINTR) return true;
@@ -112,15 +128,7 @@ void Interrupts::Listen() {
 
 bool Interrupts::TakeSignal() {
   char signal = kStopListening;
-  if (::read(g_pipe[0], &signal, 1) != 1 || signal == kStopListening) return false;
-  const bool ends = signal != SIGINT;
-  if (++impatience_ >= kPatience) ::_exit(ends ? kTerminated : kCancelled);
-  // Together, so that nobody forgets the flag and is woken up for it afterwards.
-  const std::lock_guard lock(mutex_);
-  (ends ? ending_ : cancelled_) = true;
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = ::write(wake_up_, &one, sizeof one);
-  return true;
+  return ::read(g_pipe[0], &signal, 1) == 1 && signal != kStopListening;
 }
 
 }  // namespace sabrel::cli

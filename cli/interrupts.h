@@ -1,11 +1,10 @@
 // Ctrl-C and requests to end, turned into a cancelled statement.
 //
-// A thread of its own waits for signals and asks the session's Rowlink to stop what is running; the
-// thread that works only looks at flags and waits for input through here. A program that is stuck
+// The signal handler sets flags, which the thread that works looks at and waits for; a thread of
+// its own asks the session's Rowlink to stop what is running. A program that is stuck
 // ends at the third Ctrl-C. One instance per process.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -27,8 +26,8 @@ class Interrupts {
   /// Forgets an earlier Ctrl-C; a request to end stays.
   void StartCommand();
 
-  [[nodiscard]] bool Cancelled() const noexcept { return cancelled_ || ending_; }
-  [[nodiscard]] bool Ending() const noexcept { return ending_; }
+  [[nodiscard]] bool Cancelled() const noexcept;
+  [[nodiscard]] bool Ending() const noexcept;
 
   /// Waits until `descriptor` or, where there is one, `other` can be read; false when Ctrl-C or a
   /// request to end came first.
@@ -41,10 +40,6 @@ class Interrupts {
 
   std::mutex mutex_;
   std::shared_ptr<Rowlink> rowlink_;
-  std::atomic<bool> cancelled_ = false;
-  std::atomic<bool> ending_ = false;
-  std::atomic<int> impatience_ = 0;
-  int wake_up_ = -1;
   std::thread listener_;
 };
 

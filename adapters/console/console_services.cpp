@@ -33,6 +33,7 @@ std::string BoxText(std::string_view text, std::int32_t style, std::string_view 
 ConsoleServices::ConsoleServices(const ConsoleServicesOptions& options)
     : answer_(options.answer),
       answers_from_(options.answers_from),
+      wait_for_answer_(options.wait_for_answer),
       locale_(options.locale ? *options.locale : EnvironmentLocale()),
       trace_(options.trace),
       terminal_(options.terminal),
@@ -42,7 +43,9 @@ void ConsoleServices::WriteTrace(std::string_view text) {
   if (trace_) log_.Write("trace", text);
 }
 
-void ConsoleServices::WriteLog(std::string_view text) { log_.Write("log", text); }
+void ConsoleServices::WriteLog(std::string_view text) {
+  log_.Write("log", text);
+}
 
 void ConsoleServices::WriteServerEntry(std::string_view text) { log_.Write("server", text); }
 
@@ -70,7 +73,8 @@ bool ConsoleServices::CanAsk() const {
 std::int32_t ConsoleServices::Ask(bool default_is_no) {
   while (true) {
     terminal_.Put(default_is_no ? "  Yes or No? [y/N] " : "  Yes or No? [Y/n] ");
-    const auto line = ReadTerminalLine(answers_from_);
+    const bool comes = !wait_for_answer_ || wait_for_answer_(answers_from_);
+    const auto line = comes ? ReadTerminalLine(answers_from_) : std::nullopt;
     if (!line) {
       terminal_.Put("\n");
       return kAnswerNo;

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -37,6 +38,9 @@ struct ConsoleServicesOptions {
   std::FILE* terminal = stderr;
   /// Descriptor that answers are read from; standard input.
   int answers_from = 0;
+  /// Waits until that descriptor can be read; false gives No. A host that handles signals needs it:
+  /// one that comes just before the program reads would not end the wait.
+  std::function<bool(int descriptor)> wait_for_answer = {};
 };
 
 class ConsoleServices final : public Services {
@@ -72,6 +76,7 @@ class ConsoleServices final : public Services {
 
   const AnswerMode answer_;
   const int answers_from_;
+  const std::function<bool(int)> wait_for_answer_;
   const LocaleFacts locale_;
   std::atomic<bool> trace_;
   TerminalOutput terminal_;

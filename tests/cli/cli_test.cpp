@@ -69,6 +69,7 @@ TEST_F(CommandLine, TellsFailuresByStatusAndMessage) {
       {"no command", "", 2, "", "required"},
       {"unknown command", "qeury SELECT", 2, "", "no command 'qeury'"},
       {"unknown form", "--format xml now", 2, "", "xml not in {csv,json,table}"},
+      {"no decimal time-out", "--timeout 0x10 now", 2, "", "'0x10' is no whole number"},
       {"site and profile", "--site @/plant.site --profile @/good.profiles now", 2, "", "--profile"},
       {"no password file", "query --password-file @/none `SELECT 1 FROM DUAL`", 4, "", "@/none"},
       {"endless password", "query --password-file /dev/zero nope", 4, "", "within 64 KiB"},
@@ -111,6 +112,19 @@ TEST_F(CommandLine, CancelsAndEndsOnSignals) {
     const Outcome outcome = program.End();
     EXPECT_EQ(outcome.status, status);
     EXPECT_THAT(outcome.out, HasSubstr("Cancelled.")) << "it was killed, not cancelled";
+  }
+}
+
+TEST_F(CommandLine, EndsAsCancelledWhileItAsks) {
+  if (!HasPseudoTerminal()) GTEST_SKIP() << "no pseudo-terminal";
+  for (const auto& [line, prompt] : {std::pair("report lengthy 5", "[y/N]"),
+                                     std::pair("query --ask-password x", "Password: ")}) {
+    TerminalProgram program(OnSite(line));
+    ASSERT_TRUE(program.WaitFor(prompt));
+    program.Type("\x03");
+    const Outcome outcome = program.End();
+    EXPECT_EQ(outcome.status, 130) << outcome.out;
+    EXPECT_THAT(outcome.out, Not(HasSubstr("declined"))) << "nobody did";
   }
 }
 
@@ -161,6 +175,9 @@ TEST_F(CommandLine, RunsManyLinesInOneSession) {
        "'frobnicate' (`help` tells what there is; to send SQL, write `query` or `request` before "
        "it)\nIn line 2 of the input.\n"},
       {"byte order mark", "\xef\xbb\xbfliteral str a\n", 0, "'a'\n"},
+      {"capitals", "Query 'SELECT 3 AS \"V\" FROM DUAL'\nLITERAL str X\nEXIT; -- now\nnope\n", 0,
+       "V\n-\n3\n'X'\n"},
+      {"SQL after exit", "exit; SELECT 1 FROM DUAL;\n", 2, "", "", "Nothing may follow 'exit'"},
       {"open quote", "literal str 'a\n", 2, ""},
       {"SQL in quotes",
        "query \"SELECT 'x;' AS \\\"b\\\" FROM DUAL\"\nrequest --timeout 5 'COMMIT'\n", 0,
@@ -190,6 +207,9 @@ TEST_F(CommandLine, KeepsAShellOnATerminalUsable) {
       {"", prompt},
       {"literal str in-between\n", "'in-between'"},
       {"", prompt},
+      {"report lengthy 5\n", "[y/N]"},
+      {"\x03", "Cancelled."},
+      {"", prompt},
       {"half a line", "half a line"},
       {"\x03", prompt},
       {"DELETE FROM PM_REPORT\n", "     2> "},
@@ -215,7 +235,7 @@ TEST_F(CommandLine, KeepsAShellOnATerminalUsable) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_FALSE(shell.WaitFor(prompt)) << "an old Ctrl-C ended a later line";
   TerminalProgram unfinished(OnSite("shell"));
-  unfinished.Type("DELETE FROM PM_REPORT\n");
+  unfinished.Type("SELECT nope FROM DUAL;\nDELETE FROM PM_REPORT\n");
   ASSERT_TRUE(unfinished.WaitFor("     2> "));
   ASSERT_TRUE(unfinished.WaitForEditing());
   unfinished.Type("\x04");
