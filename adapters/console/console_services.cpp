@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "adapters/console/environment_locale.h"
+#include "adapters/shared/statement_secrets.h"
 #include "sabrel/platform/utf8.h"
 
 namespace sabrel {
@@ -40,11 +41,11 @@ ConsoleServices::ConsoleServices(const ConsoleServicesOptions& options)
       log_(options.log, terminal_) {}
 
 void ConsoleServices::WriteTrace(std::string_view text) {
-  if (trace_) log_.Write("trace", text);
+  if (trace_) log_.Write("trace", WithoutDeclaredPasswords(text));
 }
 
 void ConsoleServices::WriteLog(std::string_view text) {
-  log_.Write("log", text);
+  log_.Write("log", WithoutDeclaredPasswords(text));
 }
 
 void ConsoleServices::WriteServerEntry(std::string_view text) { log_.Write("server", text); }

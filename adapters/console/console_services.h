@@ -51,6 +51,7 @@ class ConsoleServices final : public Services {
   [[nodiscard]] bool TraceSwitch() const override { return trace_; }
   void TraceSwitch(bool on) { trace_ = on; }
 
+  /// Passwords that a statement in `text` declares (IDENTIFIED BY) are written as ***.
   /// Errors: 75 when the entry cannot be written
   void WriteTrace(std::string_view text) override;
   void WriteLog(std::string_view text) override;

@@ -235,12 +235,14 @@ TEST(ConsoleServices, WritesOneEntryPerLineWithItsContinuationsIndented) {
   ConsoleServices services(LogTo(folder.Path("s.log")));
   services.WriteTrace("dropped");
   services.TraceSwitch(true);
-  services.WriteTrace("caption\r\nQuery: \x1B");
+  services.WriteTrace("caption\r\nQuery: CREATE USER a IDENTIFIED BY s3cret \x1B");
   services.Assertion(true, "S", "M", "P", "dropped");
   services.Assertion(false, "S", "M", "P", "m");
   const std::string at = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[\\d+\\] ";
-  const std::regex expected(at + "log: torn\n" + at + "trace: caption\n    Query: \\\\x1B\n" + at +
-                            "log: Assertion failed in S, M\\.P: m\n");
+  const std::regex expected(
+      at + "log: torn\n" + at +
+      "trace: caption\n    Query: CREATE USER a IDENTIFIED BY \\*{3} \\\\x1B\n" + at +
+      "log: Assertion failed in S, M\\.P: m\n");
   EXPECT_TRUE(std::regex_match(Contents(folder.Path("s.log")), expected))
       << Contents(folder.Path("s.log"));
 }
