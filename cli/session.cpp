@@ -54,7 +54,7 @@ ReservedFiles InputsOf(const Options& options, const ProfileSet& profiles) {
   return inputs;
 }
 
-void InstallSession(const Options& options, SessionProfiles profiles,
+void InstallSession(const Options& options, const SessionProfiles& profiles,
                     std::shared_ptr<AttentiveServices> services,
                     std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
                     std::function<void()> on_failed_query) {

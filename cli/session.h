@@ -27,7 +27,7 @@ struct SessionProfiles {
 /// Installs the platform for this thread; `conversation` may be null. `on_failed_query` is told
 /// after each query that failed, when the error object tells why. Errors: 75 or 321 for a registry
 /// file that cannot be used
-void InstallSession(const Options& options, SessionProfiles profiles,
+void InstallSession(const Options& options, const SessionProfiles& profiles,
                     std::shared_ptr<AttentiveServices> services,
                     std::shared_ptr<ConversationLog> conversation, Interrupts& interrupts,
                     std::function<void()> on_failed_query);

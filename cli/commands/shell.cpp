@@ -76,7 +76,7 @@ class Shell {
       if (lines_read_ == 1 && line.starts_with(kByteOrderMark)) {
         line.erase(0, kByteOrderMark.size());
       }
-      TakeLine(std::move(line));
+      TakeLine(line);
       if (context_.Signals().Ending()) return kTerminated;
     }
     if (DropUnfinished()) {
@@ -130,7 +130,7 @@ class Shell {
   }
 
   // A line may hold several statements, the end of one and the beginning of the next.
-  void TakeLine(std::string line) {
+  void TakeLine(const std::string& line) {
     if (!command_.empty()) {
       command_ += line;
       return RunCommandLine(std::exchange(command_, {}));
