@@ -47,12 +47,16 @@ void DrainWakeUp() {
 void GiveBackEcho(int signal) {
   const int saved_errno = errno;
   ::tcsetattr(g_silent.descriptor.load(), TCSANOW, &g_silent.original);
+  bool is_over = false;
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
-    if (kSignals[i] == signal) ::sigaction(signal, &g_silent.handlers[i], nullptr);
+    if (kSignals[i] != signal) continue;
+    ::sigaction(signal, &g_silent.handlers[i], nullptr);
+    // A process that goes on has gone on: sent again, it could end the prompt that follows.
+    is_over = signal == SIGCONT && g_silent.handlers[i].sa_handler == SIG_DFL;
   }
   const auto byte = static_cast<char>(signal);
   [[maybe_unused]] const ssize_t written = ::write(g_wake_up[1], &byte, 1);
-  ::raise(signal);
+  if (!is_over) ::raise(signal);
   errno = saved_errno;
 }
 
