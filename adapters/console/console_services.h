@@ -55,7 +55,7 @@ class ConsoleServices final : public Services {
   /// Errors: 75 when the entry cannot be written
   void WriteTrace(std::string_view text) override;
   void WriteLog(std::string_view text) override;
-  /// An entry of what stands between the component and the Data Server. Errors: as WriteLog
+  /// An entry about requests to the Data Server, from outside the component. Errors: as WriteLog
   void WriteServerEntry(std::string_view text);
 
   /// Yes/No styles are questions; every other style is answered OK at once. Enter gives the default

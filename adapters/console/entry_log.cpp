@@ -37,7 +37,7 @@ bool IsEntry(std::string_view line) {
          line.find(": ", thread) != std::string_view::npos;
 }
 
-// A process that died or a disk that filled up may have left half an entry behind.
+// A process that died or a disk that filled up may have left half an entry.
 bool EndsTorn(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return file.seekg(-1, std::ios::end) && file.get() != '\n';
@@ -88,7 +88,7 @@ class EntryLog::Destination {
   }
 
   void Open() {
-    std::error_code ignored;  // Opening the file tells.
+    std::error_code ignored;  // Opening the file reports the failure.
     std::filesystem::create_directories(options_.path.parent_path(), ignored);
     // A new folder has the bit of the one it was made in.
     options_.access = AccessBeside(ResolvedPath(options_.path), options_.access);

@@ -22,7 +22,7 @@ enum class FileAccess { kOwner, kGroup };
   return found && (facts.st_mode & S_ISGID) != 0 ? FileAccess::kGroup : asked;
 }
 
-/// Makes the new file behind `descriptor`, which was created with the owner's mode, as wide as
+/// Makes the new file of `descriptor`, which was created with the owner's mode, as wide as
 /// `access` says. The umask has no say: the group was asked for. Returns false with errno set
 [[nodiscard]] inline bool WidenTo(FileAccess access, int descriptor) noexcept {
   return access == FileAccess::kOwner || ::fchmod(descriptor, ModeOf(access)) == 0;
