@@ -61,13 +61,13 @@ Context::~Context() {
 
 void Context::StartSession() {
   if (services_) return;
-  SessionProfiles profiles = ReadSessionProfiles(options);
+  const SessionProfiles profiles = ReadSessionProfiles(options);
   reserved_ = InputsOf(options, profiles.set);
   auto services = OpenOutputs(reserved_);
   reserved_.Add(options.log, "the log");
   reserved_.Add(options.record, "the record");
   profiles_ = profiles.set;
-  InstallSession(options, std::move(profiles), services, conversation_, interrupts_, [this] {
+  InstallSession(options, profiles, services, conversation_, interrupts_, [this] {
     if (!failed_query_) failed_query_ = *GSabrel::SabrelErrorObject();
   });
   services_ = std::move(services);
