@@ -98,8 +98,8 @@ class EntryLog::Destination {
     if (file_.Size() > 0 && EndsTorn(options_.path)) static_cast<void>(file_.Write("\n"));
   }
 
-  // Whatever stands where logs are put aside would be lost some day. Older ones get the log's
-  // rights.
+  // Rotation overwrites the files with these names: they must be logs. Older logs get the present
+  // one's permissions.
   void RequireOwnFilesAside() const {
     for (std::size_t i = 1; i <= options_.rotated_files; ++i) {
       const std::filesystem::path path = Path(i);

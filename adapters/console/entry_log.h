@@ -1,11 +1,11 @@
 // Trace and log entries: to a file that rotates, or to the terminal when no file is named.
 //
 // One entry is one line with date, time, thread and kind; line breaks inside an entry are followed
-// by four blanks, so whatever starts with a digit in the first column starts an entry. An entry is
-// one write at the file's end, so that processes may share a log. A write that fails is thrown to
-// whoever wrote, and the next write opens the file anew: a disk that has room again continues the
-// log. Refuses to continue, or to put aside or replace, what is no log: entries may hold passwords,
-// so that nobody but the owner, and with FileAccess::kGroup the group, can read the files.
+// by four blanks, so a digit in the first column starts an entry. An entry is one write at the
+// file's end, so that processes may share a log. A failed write is thrown to its caller, and the
+// next write opens the file anew: once the disk has room again, the log continues. Refuses to
+// append to, rotate or replace a file that is not a log. Entries may hold passwords, so only the
+// owner, and with FileAccess::kGroup the group, can read the files.
 #pragma once
 
 #include <cstddef>

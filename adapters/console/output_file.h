@@ -36,7 +36,7 @@ class ReservedFiles {
   /// however it is spelled. What is there and no file - a terminal, /dev/null - is shared freely.
   /// Errors: 75 naming `output` ("The log file x"), the other file and the remedy
   void RequireOther(const std::filesystem::path& path, const std::string& output) const;
-  /// The same for a file that has been opened, whatever links led to it. Errors: as above
+  /// The same for a file that has been opened, through links or not. Errors: as above
   void RequireOther(const struct stat& facts, const std::string& output) const;
 
  private:

@@ -10,7 +10,7 @@ namespace sabrel {
 /// Shows `prompt` and reads one line from the terminal behind descriptor `input` with its echo off.
 /// The echo comes back whatever happens: on return, on an exception, and on SIGINT, SIGTERM,
 /// SIGHUP, SIGQUIT and SIGTSTP, which then act as they would have without the prompt. After a
-/// suspension, of whatever kind, the prompt is shown again. Errors: 75 when `input` is no terminal,
+/// suspension by any signal the prompt is shown again. Errors: 75 when `input` is no terminal,
 /// at the end of the input, and when a signal that did not end the program interrupted the prompt.
 /// One prompt at a time
 [[nodiscard]] std::string PromptWithoutEcho(std::string_view prompt, int input = 0,
